@@ -1,0 +1,108 @@
+// Bytes as text: ASCII classes, trimming, comparing without letter case, splitting. Nothing here knows a locale.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kiln {
+
+// A blank is a space or a tab; nothing else is ever trimmed, a carriage return least of all.
+constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr bool isIdentifierStart(char c) { return isLetter(c) || c == '_'; }
+constexpr bool isIdentifierCharacter(char c) { return isIdentifierStart(c) || isDigit(c); }
+constexpr bool isWhitespace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+constexpr char toUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
+std::string toLower(std::string_view text);
+
+// The value of a hexadecimal digit, or -1.
+constexpr int hexDigitValue(char c) {
+  if (isDigit(c)) return c - '0';
+  const char lower = toLower(c);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+constexpr bool isHexDigit(char c) { return hexDigitValue(c) >= 0; }
+
+// True when a label or an assigned name may begin like `text`: a letter, "_", ".", or ">" with more behind it.
+constexpr bool beginsLikeLabel(std::string_view text) {
+  if (text.empty()) return false;
+  const char c = text.front();
+  return isIdentifierStart(c) || c == '.' || (c == '>' && text.size() > 1);
+}
+
+constexpr std::string_view trimLeft(std::string_view text) {
+  while (!text.empty() && isBlank(text.front()))
+    text.remove_prefix(1);
+  return text;
+}
+constexpr std::string_view trimRight(std::string_view text) {
+  while (!text.empty() && isBlank(text.back()))
+    text.remove_suffix(1);
+  return text;
+}
+constexpr std::string_view trim(std::string_view text) { return trimRight(trimLeft(text)); }
+
+// As trim, but takes every ASCII white space away, line ends included.
+std::string_view trimWhitespace(std::string_view text);
+
+// Without its first and last character when they are `open` and `close`, which must be two characters of the text.
+std::string_view withoutEnclosing(std::string_view text, char open, char close);
+
+bool equalIgnoringCase(std::string_view a, std::string_view b);
+
+// `lowerPrefix` must be lower case.
+constexpr bool startsWithIgnoringCase(std::string_view text, std::string_view lowerPrefix) {
+  if (text.size() < lowerPrefix.size()) return false;
+  for (size_t i = 0; i < lowerPrefix.size(); ++i) {
+    if (toLower(text[i]) != lowerPrefix[i]) return false;
+  }
+  return true;
+}
+
+// `upperSuffix` must be upper case.
+constexpr bool endsWithIgnoringCase(std::string_view text, std::string_view upperSuffix) {
+  if (text.size() < upperSuffix.size()) return false;
+  const std::string_view end = text.substr(text.size() - upperSuffix.size());
+  for (size_t i = 0; i < upperSuffix.size(); ++i) {
+    if (toUpper(end[i]) != upperSuffix[i]) return false;
+  }
+  return true;
+}
+
+// Walks the fields of a text that a separator splits: N separators give N + 1 fields, empty ones included.
+class Fields {
+ public:
+  Fields(std::string_view text, char separator) : rest_(text), separator_(separator) {}
+
+  // Moves to the next field; false when there is none left.
+  bool next(std::string_view& field) {
+    if (done_) return false;
+    const size_t at = rest_.find(separator_);
+    done_ = at == std::string_view::npos;
+    field = rest_.substr(0, at);
+    if (!done_) rest_.remove_prefix(at + 1);
+    return true;
+  }
+
+ private:
+  std::string_view rest_;
+  char separator_;
+  bool done_ = false;
+};
+
+// Takes the first word (a run without blanks) off the front of `text`; empty when there is none.
+constexpr std::string_view takeWord(std::string_view& text) {
+  text = trimLeft(text);
+  size_t end = 0;
+  while (end < text.size() && !isBlank(text[end]))
+    ++end;
+  const std::string_view word = text.substr(0, end);
+  text.remove_prefix(end);
+  return word;
+}
+
+}  // namespace kiln

@@ -1,0 +1,37 @@
+#include "base/text_store.h"
+
+#include <cstring>
+
+namespace kiln {
+
+std::string_view TextStore::own(std::string&& text) { return texts_.emplace_back(std::move(text)); }
+
+char* TextStore::allocate(size_t size) {
+  if (size > freeSize_) {
+    // A large piece gets a block of its own, and the block at hand goes on serving the small ones.
+    const bool large = size > blockSize / 4;
+    blocks_.push_back(std::make_unique_for_overwrite<char[]>(large ? size : blockSize));
+    if (large) return blocks_.back().get();
+    free_ = blocks_.back().get();
+    freeSize_ = blockSize;
+  }
+  char* const room = free_;
+  free_ += size;
+  freeSize_ -= size;
+  return room;
+}
+
+std::string_view TextStore::join(std::initializer_list<std::string_view> pieces) {
+  size_t size = 0;
+  for (std::string_view piece : pieces)
+    size += piece.size();
+  char* const room = allocate(size);
+  char* end = room;
+  for (std::string_view piece : pieces) {
+    if (!piece.empty()) std::memcpy(end, piece.data(), piece.size());
+    end += piece.size();
+  }
+  return {room, size};
+}
+
+}  // namespace kiln

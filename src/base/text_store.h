@@ -1,0 +1,34 @@
+// Owns text for the length of a run: source files whole, and the small pieces made from them. What it has taken never
+// moves, so views into it stay good until the store goes.
+#pragma once
+
+#include <deque>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kiln {
+
+class TextStore {
+ public:
+  // Takes a whole text over.
+  std::string_view own(std::string&& text);
+
+  // The pieces, one after the other, as one kept text.
+  std::string_view join(std::initializer_list<std::string_view> pieces);
+
+  // Room for `size` characters that the caller fills.
+  char* allocate(size_t size);
+
+ private:
+  static constexpr size_t blockSize = 64 * 1024;
+
+  std::deque<std::string> texts_;
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  char* free_ = nullptr;
+  size_t freeSize_ = 0;
+};
+
+}  // namespace kiln

@@ -1,0 +1,82 @@
+#include "base/utf8.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace kiln {
+namespace {
+
+unsigned byteAt(std::string_view text, size_t index) { return static_cast<unsigned char>(text[index]); }
+
+bool isContinuation(unsigned byte) { return (byte & 0xC0) == 0x80; }
+
+// How many continuation bytes the lead byte asks for; -1 when it cannot lead.
+int continuationCount(unsigned lead) {
+  if (lead < 0x80) return 0;
+  if (lead < 0xC2) return -1;
+  if (lead < 0xE0) return 1;
+  if (lead < 0xF0) return 2;
+  return lead < 0xF5 ? 3 : -1;
+}
+
+// The first continuation byte tells overlong forms, surrogates and values past U+10FFFF apart from sound ones.
+bool isSoundSecondByte(unsigned lead, unsigned second) {
+  switch (lead) {
+    case 0xE0:
+      return second >= 0xA0;
+    case 0xED:
+      return second < 0xA0;
+    case 0xF0:
+      return second >= 0x90;
+    case 0xF4:
+      return second < 0x90;
+    default:
+      return true;
+  }
+}
+
+// The index of the first byte at or after `at` that is not ASCII. Sources are ASCII nearly throughout, so they are
+// looked at eight bytes at a time.
+size_t skipAscii(std::string_view bytes, size_t at) {
+  while (at + sizeof(uint64_t) <= bytes.size()) {
+    uint64_t block;
+    std::memcpy(&block, bytes.data() + at, sizeof block);
+    if ((block & 0x8080808080808080U) != 0) break;
+    at += sizeof block;
+  }
+  while (at < bytes.size() && byteAt(bytes, at) < 0x80)
+    ++at;
+  return at;
+}
+
+bool isValid(std::string_view bytes, bool strict) {
+  size_t at = skipAscii(bytes, 0);
+  while (at < bytes.size()) {
+    const unsigned lead = byteAt(bytes, at);
+    const int count = continuationCount(lead);
+    if (count < 0 || bytes.size() - at <= static_cast<size_t>(count)) return false;
+    for (int i = 1; i <= count; ++i) {
+      if (!isContinuation(byteAt(bytes, at + static_cast<size_t>(i)))) return false;
+    }
+    if (strict && !isSoundSecondByte(lead, byteAt(bytes, at + 1))) return false;
+    at = skipAscii(bytes, at + 1 + static_cast<size_t>(count));
+  }
+  return true;
+}
+
+}  // namespace
+
+bool isUtf8(std::string_view bytes) { return isValid(bytes, false); }
+
+bool isStrictUtf8(std::string_view bytes) { return isValid(bytes, true); }
+
+size_t utf16Length(std::string_view text) {
+  size_t length = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const unsigned byte = byteAt(text, i);
+    if (!isContinuation(byte)) length += byte >= 0xF0 ? 2 : 1;
+  }
+  return length;
+}
+
+}  // namespace kiln

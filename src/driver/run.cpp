@@ -1,0 +1,146 @@
+#include "driver/run.h"
+
+#include <optional>
+
+#include "base/arithmetic.h"
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "driver/options.h"
+#include "output/listing.h"
+#include "output/prg.h"
+#include "output/xex.h"
+#include "passes/pipeline.h"
+#include "source/literals.h"
+
+namespace kiln {
+namespace {
+
+// Where a program starts that has no bytes.
+constexpr uint32_t defaultRunAddress = 0x3400;
+
+// The path from "-o", or the first input's with another extension; absent when that input has no name to go by.
+std::optional<std::string> chooseOutputPath(const Options& options) {
+  if (options.output.has_value()) return options.output;
+  const std::string stem = pathStem(options.inputs.front());
+  if (stem.empty() || stem == "/") return std::nullopt;
+  return stem + (options.format == "prg" ? ".prg" : ".xex");
+}
+
+bool wantsPrg(const Options& options, const std::optional<std::string>& outputPath) {
+  if (options.format.has_value()) return options.format == "prg";
+  return outputPath.has_value() && equalIgnoringCase(pathExtension(*outputPath), "prg");
+}
+
+// The inputs one behind the other, each followed by a line end; absent when one cannot be read, which is printed.
+std::optional<std::string> readInputs(Host& host, const std::vector<std::string>& inputs) {
+  std::string source;
+  for (const std::string& path : inputs) {
+    TextFile file = readTextFile(host, path);
+    if (!file.error.empty()) {
+      host.printError(concat({"kiln-as: cannot read '", path, "': ", file.error, "\n"}));
+      return std::nullopt;
+    }
+    if (source.empty()) {
+      source = std::move(file.text);
+    } else {
+      source += file.text;
+    }
+    source.push_back('\n');
+  }
+  return source;
+}
+
+std::vector<std::string_view> splitLines(std::string_view source) {
+  std::vector<std::string_view> lines;
+  Fields fields(source, '\n');
+  std::string_view line;
+  while (fields.next(line))
+    lines.push_back(line);
+  return lines;
+}
+
+void applyOptions(const Options& options, Settings& settings) {
+  settings.verbose = options.verbose;
+  settings.codeBankRegister = options.codeRegister;
+  settings.dataBankRegister = options.dataRegister;
+  if (options.codeWindow.end != 0) settings.codeWindow = options.codeWindow;
+  if (options.dataWindow.end != 0) settings.dataWindow = options.dataWindow;
+  settings.splitBank = options.shortSplit || options.longSplit;
+  if (options.longSplit) settings.dataWindow = options.splitDataWindow;
+  for (const auto& [name, wording] : options.defines)
+    settings.defines.push_back({name, parseDefinition(wording)});
+}
+
+// All messages in one write: there may be a million of them.
+void printMessages(Console& console, std::string_view prefix, const MessageList& messages) {
+  std::string text;
+  for (size_t i = 0; i < messages.size(); ++i) {
+    text += prefix;
+    text += messages[i];
+    text.push_back('\n');
+  }
+  if (!text.empty()) console.printError(text);
+}
+
+uint32_t chooseRunAddress(const Options& options, Assembler& assembler) {
+  const Symbol* const entry = options.entry.has_value() ? assembler.iteration->symbols.find(*options.entry) : nullptr;
+  if (entry != nullptr) return low16(entry->value);
+  return assembler.segments.empty() ? defaultRunAddress : assembler.segments.front().start;
+}
+
+std::optional<Image> buildImage(Host& host, const Options& options, Assembler& assembler, bool prg) {
+  if (prg) return writePrg(assembler.segments);
+  return writeXex(assembler.segments, assembler.shadowPlan, chooseRunAddress(options, assembler), host);
+}
+
+void printSummary(Console& console, const std::string& input, const std::string& output,
+                  const std::vector<AsSegment>& segments) {
+  size_t size = 0;
+  for (const AsSegment& segment : segments)
+    size += segment.bytes.size();
+  console.printError(
+      concat({"kiln-as: assembled '", input, "' -> '", output, "' (", decimal(static_cast<int64_t>(size)), " bytes, ",
+              decimal(static_cast<int64_t>(segments.size())), segments.size() == 1 ? " segment)\n" : " segments)\n"}));
+}
+
+}  // namespace
+
+int run(Host& host, std::span<const std::string> arguments) {
+  Options options;
+  const std::span<const std::string> afterProgram = arguments.subspan(arguments.empty() ? 0 : 1);
+  if (const std::optional<int> status = scanArguments(afterProgram, host, options)) return *status;
+  if (options.inputs.empty()) {
+    host.printError(concat({"kiln-as: no input files\n", usageText()}));
+    return 1;
+  }
+  const std::optional<std::string> outputPath = chooseOutputPath(options);
+  std::optional<std::string> source = readInputs(host, options.inputs);
+  if (!source.has_value()) return 1;
+
+  Assembler assembler;
+  assembler.diagnostics.mainSourcePath = options.inputs.front();
+  applyOptions(options, assembler.settings);
+  // The settings are fixed below this line.
+  assembler.lines = splitLines(assembler.texts.own(std::move(*source)));
+  const bool assembled = assemble(assembler);
+  printMessages(host, "kiln-as: warning: ", assembler.diagnostics.warnings);
+  if (!assembled) {
+    printMessages(host, "kiln-as: error: ", assembler.diagnostics.errors);
+    return 1;
+  }
+
+  const std::optional<Image> image = buildImage(host, options, assembler, wantsPrg(options, outputPath));
+  if (!outputPath.has_value() || !image.has_value() || !host.writeFile(*outputPath, *image)) {
+    host.printError(concat({"kiln-as: error: cannot write '", outputPath.value_or("(null)"), "'\n"}));
+    return 1;
+  }
+  if (options.listing.has_value()) {
+    Iteration& iteration = *assembler.iteration;
+    (void)host.writeFile(*options.listing, renderListing(iteration.statements, assembler.lines, iteration.evaluator));
+  }
+  printSummary(host, options.inputs.front(), *outputPath, assembler.segments);
+  return 0;
+}
+
+}  // namespace kiln

@@ -1,0 +1,25 @@
+// Everything the program asks of the operating system. The real one is RealHost; the tests bring one that lives in
+// memory.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/console.h"
+#include "host/file_reader.h"
+
+namespace kiln {
+
+class Host : public FileReader, public Console {
+ public:
+  // Creates or replaces the file; false when that fails.
+  virtual bool writeFile(const std::string& path, std::string_view bytes) = 0;
+  // The names in a directory, "." and ".." left out, in no set order; absent when it cannot be listed.
+  virtual std::optional<std::vector<std::string>> listDirectory(const std::string& path) const = 0;
+  // The variable's value as it stands; absent when it is not set.
+  virtual std::optional<std::string> environment(const std::string& name) const = 0;
+};
+
+}  // namespace kiln

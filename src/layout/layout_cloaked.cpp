@@ -1,0 +1,106 @@
+#include "layout/layout_cloaked.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_set>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "layout/layout_values.h"
+
+namespace kiln {
+namespace {
+
+constexpr std::string_view placeholder = "<n>";
+
+// A longer range is a slip of the pen, and would fill the memory with ids.
+constexpr int64_t maximumBanks = 1'000'000;
+
+void setBanks(AsLayout& layout, uint32_t low, uint32_t high) {
+  layout.cloakedBankLo = static_cast<int32_t>(low);
+  layout.cloakedBankHi = static_cast<int32_t>(high);
+}
+
+void readBanks(AsLayout& layout, std::string_view value) {
+  if (value == "none") return setBanks(layout, UINT32_MAX, UINT32_MAX);
+  const size_t dash = value.find('-');
+  const std::optional<uint32_t> low = parseLayoutNumber(value.substr(0, dash));
+  const std::optional<uint32_t> high = dash == std::string_view::npos ? low : parseLayoutNumber(value.substr(dash + 1));
+  if (low.has_value() && high.has_value()) setBanks(layout, *low, *high);
+}
+
+// The id with every placeholder replaced.
+std::string numberedId(std::string_view id, std::string_view number) {
+  std::string text;
+  size_t at = 0;
+  for (size_t found; (found = id.find(placeholder, at)) != std::string_view::npos; at = found + placeholder.size()) {
+    text += id.substr(at, found - at);
+    text += number;
+  }
+  text += id.substr(at);
+  return text;
+}
+
+void closeSingle(AsLayout& layout, std::string_view path, bool hasPlaceholder) {
+  const std::string& id = layout.cloakedIdTemplate;
+  if (hasPlaceholder) {
+    layout.error = concat({path, ": [cloaked] id '", id,
+                           "' contains '<n>' but bank is not a range — placeholder is only valid with `bank = N-M`"});
+  } else {
+    layout.cloakedIds.push_back(id);
+  }
+}
+
+void closeRange(AsLayout& layout, std::string_view path, bool hasPlaceholder) {
+  const std::string& id = layout.cloakedIdTemplate;
+  const int64_t low = layout.cloakedBankLo;
+  const int64_t high = layout.cloakedBankHi;
+  const std::string range = concat({path, ": [cloaked] bank = ", decimal(low), "-", decimal(high), " (range) "});
+  if (!hasPlaceholder) {
+    layout.error = concat({range, "needs '<n>' placeholder in id (e.g. `id = ext<n>`); got '", id, "'"});
+  } else if (high - low + 1 > maximumBanks) {
+    layout.error = concat({range, "is too long"});
+  } else {
+    for (int64_t bank = low; bank <= high; ++bank)
+      layout.cloakedIds.push_back(numberedId(id, decimal(bank)));
+  }
+}
+
+}  // namespace
+
+void openCloakedEntry(AsLayout& layout) {
+  layout.cloakedPending = true;
+  layout.cloakedBankLo = -1;
+  layout.cloakedBankHi = -1;
+  layout.cloakedIdTemplate = "lib";
+}
+
+void readCloakedKey(AsLayout& layout, std::string_view key, std::string_view value) {
+  if (key == "bank") readBanks(layout, value);
+  if (key == "id") layout.cloakedIdTemplate = value;
+}
+
+void closeCloakedEntry(AsLayout& layout, std::string_view path) {
+  if (!layout.cloakedPending) return;
+  layout.cloakedPending = false;
+  const bool hasPlaceholder = layout.cloakedIdTemplate.find(placeholder) != std::string::npos;
+  if (layout.cloakedBankLo < layout.cloakedBankHi) {
+    closeRange(layout, path, hasPlaceholder);
+  } else {
+    closeSingle(layout, path, hasPlaceholder);  // one bank, none, or a range the wrong way round
+  }
+}
+
+void checkCloakedIds(AsLayout& layout, std::string_view path) {
+  std::unordered_set<std::string_view> seen;
+  seen.reserve(layout.cloakedIds.size());
+  for (const std::string& id : layout.cloakedIds) {
+    if (seen.insert(id).second) continue;
+    layout.error = concat({path, ": duplicate [cloaked] id '", id,
+                           "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)"});
+    return;
+  }
+}
+
+}  // namespace kiln

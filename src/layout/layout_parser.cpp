@@ -1,0 +1,209 @@
+// A file is read twice. First its "#include" lines: each named layout is loaded whole and fills what is not set yet.
+// Then its own sections and keys, which therefore win over every include wherever the lines stand. Files may include
+// each other to any depth, so the ones begun and not finished wait on a stack of their own.
+#include "layout/layout_parser.h"
+
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "layout/layout_cloaked.h"
+#include "layout/layout_keys.h"
+
+namespace kiln {
+namespace {
+
+// Without blanks on either side, nor the carriage return of a file with two-character line ends.
+std::string_view trimLine(std::string_view line) {
+  line = trim(line);
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return trimRight(line);
+}
+
+enum class Section : uint8_t { None, Memory, Banking, Cloaked, Other };
+
+Section sectionOf(std::string_view name) {
+  if (equalIgnoringCase(name, "memory")) return Section::Memory;
+  if (equalIgnoringCase(name, "banking")) return Section::Banking;
+  return equalIgnoringCase(name, "cloaked") ? Section::Cloaked : Section::Other;
+}
+
+// The sections and keys of one file.
+class KeyReader {
+ public:
+  KeyReader(AsLayout& layout, std::string_view path) : layout_(layout), path_(path) {}
+
+  void read(std::string_view text) {
+    Fields lines(text, '\n');
+    std::string_view line;
+    while (layout_.error.empty() && lines.next(line)) {
+      ++lineNumber_;
+      line = trimLine(line.substr(0, line.find('#')));
+      if (!line.empty()) readLine(line);
+    }
+    if (layout_.error.empty()) closeCloakedEntry(layout_, path_);
+    if (layout_.error.empty()) checkCloakedIds(layout_, path_);
+  }
+
+ private:
+  void readLine(std::string_view line) {
+    if (line.front() == '[' && line.back() == ']') return openSection(line.substr(1, line.size() - 2));
+    const size_t equals = line.find('=');
+    if (equals == std::string_view::npos) return failAtLine({"expected 'key = value'"});
+    readKey(toLower(trimRight(line.substr(0, equals))), trimLeft(line.substr(equals + 1)));
+  }
+
+  void openSection(std::string_view name) {
+    closeCloakedEntry(layout_, path_);
+    section_ = sectionOf(name);
+    if (section_ == Section::Cloaked) openCloakedEntry(layout_);
+  }
+
+  void readKey(std::string_view key, std::string_view value) {
+    switch (section_) {
+      case Section::None:
+        return failAtLine({"key '", key, "' outside any section"});
+      case Section::Memory:
+        return readMemoryKey(layout_, key, value);
+      case Section::Banking:
+        return readBankingKey(layout_, key, value);
+      case Section::Cloaked:
+        return readCloakedKey(layout_, key, value);
+      case Section::Other:
+        return;
+    }
+  }
+
+  void failAtLine(std::initializer_list<std::string_view> pieces) {
+    layout_.error = concat({path_, ":", decimal(lineNumber_), ": ", concat(pieces)});
+  }
+
+  AsLayout& layout_;
+  std::string_view path_;
+  Section section_ = Section::None;
+  int64_t lineNumber_ = 0;
+};
+
+// The name on an "#include" line: all between its first and its last quote. Absent for any other line.
+std::optional<std::string_view> includedName(std::string_view line) {
+  line = trimLine(line);
+  const size_t first = line.find('"');
+  const size_t last = line.rfind('"');
+  if (!line.starts_with("#include") || first == last) return std::nullopt;
+  return line.substr(first + 1, last - first - 1);
+}
+
+// Beside the including file, or else in "layouts" there. When it is in neither place, the first is named, to fail.
+std::string resolveInclude(const FileReader& files, const std::string& includingPath, std::string_view name) {
+  const std::string directory = directoryPart(includingPath);
+  std::string beside = joinPaths(directory, name);
+  if (files.exists(beside)) return beside;
+  std::string below = joinPaths(joinPaths(directory, "layouts"), name);
+  return files.exists(below) ? below : beside;
+}
+
+// One text for all the ways of writing a path, such as "a", "./a" and "b/../a": an include circle that goes through
+// "." or ".." writes a longer path each time round.
+std::string identityOf(const std::string& path) { return std::filesystem::path(path).lexically_normal().string(); }
+
+// A file begun and not finished. It must not move, as `lines` looks into `text`.
+struct OpenLayout {
+  OpenLayout(const std::string& itsPath, std::string itsText)
+      : path(itsPath), text(std::move(itsText)), lines(text, '\n') {}
+
+  std::string path;
+  std::string text;
+  Fields lines;  // where the search for "#include" lines goes on
+  AsLayout layout;
+};
+
+class LayoutLoader {
+ public:
+  explicit LayoutLoader(const FileReader& files) : files_(files) {}
+
+  AsLayout load(const std::string& path, std::string text, AsLayout layout) {
+    open(path, std::move(text));
+    open_.back().layout = std::move(layout);
+    for (;;) {
+      OpenLayout& top = open_.back();
+      if (startNextInclude(top)) continue;
+      if (top.layout.error.empty()) KeyReader(top.layout, top.path).read(top.text);
+      if (open_.size() == 1) return std::move(top.layout);
+      closeTop();
+    }
+  }
+
+ private:
+  void open(const std::string& path, std::string text) {
+    open_.emplace_back(path, std::move(text));
+    openIdentities_.insert(identityOf(path));
+  }
+
+  // Merges the includes that are known already; true when it has opened one that must be read first.
+  bool startNextInclude(OpenLayout& top) {
+    std::string_view line;
+    while (top.layout.error.empty() && top.lines.next(line)) {
+      const std::optional<std::string_view> name = includedName(line);
+      if (name.has_value() && include(top, *name)) return true;
+    }
+    return false;
+  }
+
+  bool include(OpenLayout& top, std::string_view name) {
+    const std::string path = resolveInclude(files_, top.path, name);
+    if (openIdentities_.contains(identityOf(path))) {
+      top.layout.error = concat({top.path, ": #include of '", name, "' never ends"});
+      return false;
+    }
+    if (const auto known = finished_.find(path); known != finished_.end()) {
+      mergeLayout(top.layout, known->second);
+      return false;
+    }
+    TextFile file = readTextFile(files_, path);
+    top.layout.error = std::move(file.error);
+    if (!top.layout.error.empty()) return false;
+    open(path, std::move(file.text));
+    return true;
+  }
+
+  // Hands the finished file at the top to the one that includes it.
+  void closeTop() {
+    const OpenLayout& top = open_.back();
+    OpenLayout& below = open_[open_.size() - 2];
+    below.layout.error = top.layout.error;
+    mergeLayout(below.layout, top.layout);
+    mergeLayout(finished_[top.path], top.layout);
+    openIdentities_.erase(identityOf(top.path));
+    open_.pop_back();
+  }
+
+  const FileReader& files_;
+  std::deque<OpenLayout> open_;
+  std::unordered_set<std::string> openIdentities_;
+  // What an include of the path brings. Kept, as files that include one another in layers would be read again and
+  // again, twice as often in every layer.
+  std::unordered_map<std::string, AsLayout> finished_;
+};
+
+}  // namespace
+
+AsLayout loadLayout(const FileReader& files, const std::string& path) {
+  TextFile file = readTextFile(files, path);
+  AsLayout layout;
+  layout.error = std::move(file.error);
+  if (layout.error.empty()) parseLayout(layout, files, path, file.text);
+  return layout;
+}
+
+void parseLayout(AsLayout& layout, const FileReader& files, const std::string& path, std::string_view text) {
+  layout = LayoutLoader(files).load(path, std::string(text), std::move(layout));
+}
+
+}  // namespace kiln

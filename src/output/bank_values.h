@@ -1,0 +1,53 @@
+// Which bank each segment of a banked program goes to: the one copy of the rule.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace kiln {
+
+// What the command line and the layout say about banking: addresses, and ranges with both ends inclusive.
+struct BankedSettings {
+  uint32_t bankWindowLow = 0;     // 0 = $4000
+  uint32_t bankWindowHigh = 0;    // 0 = $7FFF
+  uint32_t codeBankRegister = 0;  // 0 = none
+  uint32_t dataBankRegister = 0;  // 0 is an address like any other
+  bool splitBank = false;         // the window has a code half and a data half
+  uint32_t dataWindowLow = 0;     // the data half
+  uint32_t dataWindowHigh = 0;
+  uint32_t regcWindowLow = 0;  // there is regc banking when this and regcRegisterLow are not 0
+  uint32_t regcWindowHigh = 0;
+  uint32_t regcRegisterLow = 0;
+  uint32_t regcRegisterHigh = 0;  // 0 = none
+  uint32_t mainRegionLow = 0;     // 0 = $A000
+  uint32_t mainRegionHigh = 0;    // 0 = $BFFF
+};
+
+// The settings with the defaults in place of their zeros; each stands in for itself alone.
+BankedSettings withDefaults(BankedSettings settings);
+
+enum class BankKind : uint8_t { Plain, CodeHalf, DataHalf, Regc };
+
+struct BankValue {
+  BankKind kind;
+  uint16_t value;  // what the registers must hold
+};
+
+// Numbers the segments of a program. It must be shown every segment that is not cloaked, empty ones too, in list order.
+class BankCounters {
+ public:
+  explicit BankCounters(const BankedSettings& settings);
+
+  // The bank of the segment that starts at `start` and carries the number `bank` (-1 = none). Absent when the segment
+  // lies outside the bank window and is not banked.
+  std::optional<BankValue> next(uint32_t start, int32_t bank);
+
+ private:
+  BankKind kindAt(uint32_t start) const;
+
+  BankedSettings settings_;
+  std::array<uint16_t, 4> counters_{1, 1, 1, 1};  // by kind; behind 65535 comes 0
+};
+
+}  // namespace kiln

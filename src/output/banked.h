@@ -1,0 +1,21 @@
+// The Atari binary-load file for a machine with extended memory: segments of the bank window go to banks.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "host/console.h"
+#include "output/bank_values.h"
+#include "output/image.h"
+#include "output/segment.h"
+
+namespace kiln {
+
+// The staged code, the banked segments, the segments outside the bank window, and last the run address (0..65535).
+// Cloaked segments are left out with a warning. Absent when something does not fit or a register is missing, which
+// has been printed then.
+std::optional<Image> writeBanked(const std::vector<AsSegment>& segments, const ShadowPlan& plan,
+                                 const BankedSettings& settings, uint32_t runAddress, Console& console);
+
+}  // namespace kiln

@@ -1,0 +1,49 @@
+#include "output/listing.h"
+
+#include "base/arithmetic.h"
+#include "base/format.h"
+
+namespace kiln {
+namespace {
+
+// Every prefix is 21 characters wide. Origins show their address in another column than bytes, so that they stand out.
+void appendPrefix(std::string& listing, size_t before, uint32_t address) {
+  listing.append(before, ' ');
+  appendHex(listing, address, 4);
+  listing.append(21 - before - 4, ' ');
+}
+
+// Statements that the code-region spill inserted stand on no source line; they are shown as they would be written.
+void appendSource(std::string& listing, const AsLine& line, const std::vector<std::string_view>& lines) {
+  if (line.autoSpill) {
+    listing += line.kind == Kind::Org ? "    .org " : "    JMP ";
+    listing += line.operand;
+    listing += " ; auto-spill";
+  } else {
+    listing += lines[line.lineNumber - 1];
+  }
+  listing.push_back('\n');
+}
+
+}  // namespace
+
+std::string renderListing(const std::vector<AsLine>& statements, const std::vector<std::string_view>& lines,
+                          Evaluator& evaluator) {
+  std::string listing;
+  uint32_t location = 0;
+  for (const AsLine& line : statements) {
+    if (line.kind == Kind::Org) {
+      location = low16(evaluator.evaluate(line.operand));
+      appendPrefix(listing, 7, location);
+    } else if (emitsBytes(line.kind)) {
+      appendPrefix(listing, 2, location);
+      location = (location + line.size) & 0xFFFF;
+    } else {
+      listing.append(21, ' ');
+    }
+    appendSource(listing, line, lines);
+  }
+  return listing;
+}
+
+}  // namespace kiln

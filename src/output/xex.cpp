@@ -1,0 +1,26 @@
+#include "output/xex.h"
+
+#include "output/pieces.h"
+#include "output/shadow.h"
+
+namespace kiln {
+
+std::optional<Image> writeXex(const std::vector<AsSegment>& segments, const ShadowPlan& plan, uint32_t runAddress,
+                              Console& console) {
+  Pieces pieces;
+  size_t size = 0;
+  for (const AsSegment& segment : segments) {
+    if (!segment.bytes.empty()) splitShadow(segment, plan, pieces);
+    size += segment.bytes.size();
+  }
+  Image image;
+  image.reserve(size + 4 * pieces.plain.size() + 16);
+  appendWord(image, 0xFFFF);
+  for (const Piece& piece : pieces.plain)
+    appendLoadSegment(image, piece.address, piece.bytes);
+  if (!pieces.shadow.empty() && !stageShadow(image, plan.stageAddress, pieces.shadow, console)) return std::nullopt;
+  appendRunAddress(image, runAddress);
+  return image;
+}
+
+}  // namespace kiln

@@ -1,0 +1,75 @@
+// The state of a run, split by how long each part of it lives.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "base/diagnostics.h"
+#include "base/text_store.h"
+#include "output/segment.h"
+#include "passes/code_regions.h"
+#include "source/expression.h"
+#include "source/line.h"
+#include "source/symbols.h"
+
+namespace kiln {
+
+// A symbol that stands before the first line is read.
+struct NamedValue {
+  std::string name;
+  int64_t value;
+};
+
+// An address range, both ends inclusive; both 0 = not set.
+struct Window {
+  uint32_t start = 0;
+  uint32_t end = 0;
+};
+
+// Written by the driver before the run, constant from there on.
+struct Settings {
+  bool verbose = false;
+  std::vector<NamedValue> seeds;    // platform equates; a label may take the place of one
+  std::vector<NamedValue> defines;  // "-D", in order
+  uint32_t codeBankRegister = 0;    // address; 0 = none
+  uint32_t dataBankRegister = 0;
+  Window codeWindow;
+  Window dataWindow;
+  bool splitBank = false;
+  Window mainRegion;    // 0 = the banked writer's own
+  Window regcWindow;    // 0 = no regc banking
+  Window regcRegister;  // addresses of its low and high byte; 0 = none
+};
+
+// What one iteration finds out. Each iteration has its own, so that nothing of the one before is left in it.
+struct Iteration {
+  explicit Iteration(MessageList& warnings) : evaluator(symbols, warnings) {}
+  Iteration(const Iteration&) = delete;
+  Iteration& operator=(const Iteration&) = delete;
+
+  TextStore texts;  // put together while parsing and laying out
+  SymbolTable symbols;
+  Evaluator evaluator;
+  std::vector<AsLine> statements;
+  RegionList codeRegions;                                      // as the last ".code_regions" declared them
+  std::unordered_map<std::string_view, uint32_t> bankNumbers;  // by the operand of ".bank"
+};
+
+// One run.
+struct Assembler {
+  Settings settings;
+  Diagnostics diagnostics;
+  TextStore texts;
+  std::vector<std::string_view> lines;  // the expanded source; the rewriters change it between iterations
+  uint32_t rewriteCount = 0;            // numbers the labels of the long-branch rewriter, never reset
+  ShadowPlan shadowPlan;                // what the directives said last, in whichever iteration
+  std::optional<Iteration> iteration;   // the last one
+  std::vector<AsSegment> segments;      // filled by the emission pass
+};
+
+}  // namespace kiln

@@ -1,0 +1,174 @@
+#include "passes/emission_pass.h"
+
+#include "base/arithmetic.h"
+#include "base/text.h"
+#include "isa/operand_checks.h"
+#include "source/operands.h"
+
+namespace kiln {
+namespace {
+
+// A gap this long or longer begins a new segment; a shorter one is filled.
+constexpr uint32_t shortestSplit = 256;
+
+class EmissionPass {
+ public:
+  EmissionPass(Iteration& iteration, uint32_t bankOrigin, Diagnostics& diagnostics)
+      : iteration_(iteration), bankOrigin_(bankOrigin), diagnostics_(diagnostics) {}
+
+  std::vector<AsSegment> run();
+
+ private:
+  void emitStatement(AsLine& line);
+  void emitOrigin(uint32_t target);
+  bool fillsGap(uint32_t target) const;
+  bool crossesRegions(uint32_t target) const;
+  void openCloaked(std::string_view argument);
+  AsSegment& openSegment(uint32_t address);
+  std::vector<uint8_t>& currentBytes();
+
+  void encode(AsLine& line, std::vector<uint8_t>& bytes);
+  void emitItems(const AsLine& line, size_t itemSize, std::vector<uint8_t>& bytes);
+
+  Iteration& iteration_;
+  const uint32_t bankOrigin_;
+  Diagnostics& diagnostics_;
+  std::vector<AsSegment> segments_;
+  bool hasCurrent_ = false;  // the last segment is the one to append to
+  uint32_t pc_ = 0;
+  std::string scratch_;
+};
+
+std::vector<AsSegment> EmissionPass::run() {
+  for (AsLine& line : iteration_.statements) {
+    if (emitsBytes(line.kind)) {
+      emitStatement(line);
+    } else if (line.kind == Kind::Org) {
+      emitOrigin(low16(iteration_.evaluator.evaluate(line.operand)));
+    } else if (line.kind == Kind::Bank) {
+      openSegment(bankOrigin_).bank = static_cast<int32_t>(iteration_.bankNumbers.at(line.operand));
+    } else if (line.kind == Kind::CloakedSegment) {
+      openCloaked(line.operand);
+    } else if (line.kind == Kind::CloakedSegmentEnd) {
+      hasCurrent_ = false;
+    }
+  }
+  return std::move(segments_);
+}
+
+void EmissionPass::emitStatement(AsLine& line) {
+  std::vector<uint8_t>& bytes = currentBytes();
+  switch (line.kind) {
+    case Kind::Instruction:
+      encode(line, bytes);
+      break;
+    case Kind::Byte:
+      emitItems(line, 1, bytes);
+      break;
+    case Kind::Word:
+      emitItems(line, 2, bytes);
+      break;
+    case Kind::Long:
+      emitItems(line, 4, bytes);
+      break;
+    case Kind::String:
+      bytes.insert(bytes.end(), line.operand.begin(), line.operand.end());
+      bytes.push_back(0);
+      break;
+    default:
+      bytes.resize(bytes.size() + line.size);
+      break;
+  }
+  pc_ = (pc_ + line.size) & 0xFFFF;
+}
+
+void EmissionPass::emitOrigin(uint32_t target) {
+  if (!fillsGap(target)) {
+    openSegment(target);
+    return;
+  }
+  std::vector<uint8_t>& bytes = segments_.back().bytes;
+  bytes.resize(bytes.size() + (target - pc_));
+  pc_ = target;
+}
+
+bool EmissionPass::fillsGap(uint32_t target) const {
+  if (!hasCurrent_ || target < pc_ || target - pc_ >= shortestSplit) return false;
+  const AsSegment& current = segments_.back();
+  return !(current.bytes.empty() && current.start == target) && !crossesRegions(target);
+}
+
+bool EmissionPass::crossesRegions(uint32_t target) const {
+  if (iteration_.codeRegions.count() < 2) return false;
+  const int32_t from = iteration_.codeRegions.find(pc_);
+  return from >= 0 && from < iteration_.codeRegions.find(target);
+}
+
+void EmissionPass::openCloaked(std::string_view argument) {
+  Fields items(argument, ',');
+  std::string_view item;
+  items.next(item);
+  AsSegment& segment = openSegment(low16(iteration_.evaluator.evaluate(item)));
+  segment.cloaked = true;
+  if (items.next(item) && !equalIgnoringCase(trim(item), "none")) {
+    segment.cloakedId = static_cast<int32_t>(low32(iteration_.evaluator.evaluate(item)));
+  }
+}
+
+AsSegment& EmissionPass::openSegment(uint32_t address) {
+  pc_ = address;
+  hasCurrent_ = true;
+  segments_.emplace_back().start = address;
+  return segments_.back();
+}
+
+std::vector<uint8_t>& EmissionPass::currentBytes() {
+  if (!hasCurrent_) openSegment(pc_);
+  return segments_.back().bytes;
+}
+
+// The mode found without a row in the opcode table may have given way to its absolute form; it stays with the
+// statement, and so does the size. Without any row nothing is emitted, yet the size still counts.
+void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
+  int opcode = opcodeFor(line.mnemonic, line.mode);
+  const Mode absolute = absoluteForm(line.mode);
+  if (opcode < 0 && absolute != line.mode) {
+    line.mode = absolute;
+    line.size = instructionSize(absolute);
+    opcode = opcodeFor(line.mnemonic, absolute);
+  }
+  if (opcode < 0) {
+    diagnostics_.errors.add({linePrefix(line.lineNumber), "invalid addressing mode for ", mnemonicText(line.mnemonic)});
+    return;
+  }
+  bytes.push_back(static_cast<uint8_t>(opcode));
+  if (line.size == 1) return;
+  const std::string_view expression = valueExpression(line.operand, line.mode, scratch_);
+  const int64_t value = iteration_.evaluator.evaluate(expression);
+  encodeOperand({.mnemonic = line.mnemonic,
+                 .mode = line.mode,
+                 .line = line.lineNumber,
+                 .pc = pc_,
+                 .text = line.operand,
+                 .expression = expression,
+                 .value = value},
+                diagnostics_, bytes);
+}
+
+void EmissionPass::emitItems(const AsLine& line, size_t itemSize, std::vector<uint8_t>& bytes) {
+  DataItems items = line.items();
+  std::string_view item;
+  while (items.next(item)) {
+    uint64_t value = static_cast<uint64_t>(iteration_.evaluator.evaluate(item));
+    for (size_t i = 0; i < itemSize; ++i, value >>= 8)
+      bytes.push_back(static_cast<uint8_t>(value & 0xFF));
+  }
+}
+
+}  // namespace
+
+std::vector<AsSegment> emit(Iteration& iteration, uint32_t bankOrigin, Diagnostics& diagnostics) {
+  return EmissionPass(iteration, bankOrigin, diagnostics).run();
+}
+
+}  // namespace kiln

@@ -1,0 +1,17 @@
+// The first half of an iteration: the symbols that stand before the source, and the source as statements.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "passes/assembler.h"
+
+namespace kiln {
+
+// Enters the seeds, the bank registers and the definitions, each taking the place of an earlier one of its name.
+void enterInitialSymbols(const Settings& settings, SymbolTable& symbols);
+
+// Parses every line. Nothing is laid out yet, so only the initial symbols can select zero page.
+void parseStatements(const std::vector<std::string_view>& lines, Iteration& iteration);
+
+}  // namespace kiln

@@ -1,0 +1,223 @@
+// How a text is taken apart: a "<" or ">" in front takes the whole rest. Otherwise it is cut at every "+" and "-"
+// outside parentheses, else at every "*" and "/", but never at its first character; the parts are evaluated from left
+// to right, each by the same rules. Depth is counted from the right end, so that texts with unbalanced parentheses have
+// their set meaning too. The operators are found in one walk and ordered by depth and place: whoever looks at a part
+// then finds its operators by bisection, and a stack of pending parts stands in for recursion.
+#include "source/expression.h"
+
+#include <algorithm>
+
+#include "base/arithmetic.h"
+#include "base/text.h"
+#include "source/literals.h"
+
+namespace kiln {
+namespace {
+
+constexpr bool isOperator(char c) { return c == '+' || c == '-' || c == '*' || c == '/'; }
+
+// True for literals and names alone, which is what nearly every operand is.
+bool isSinglePart(std::string_view text) {
+  if (text.front() == '<' || text.front() == '>' || text.front() == '(') return false;
+  return std::none_of(text.begin() + 1, text.end(), isOperator);
+}
+
+int64_t combine(int64_t left, char sign, int64_t right) {
+  switch (sign) {
+    case '+':
+      return wrappingAdd(left, right);
+    case '-':
+      return wrappingSubtract(left, right);
+    case '*':
+      return wrappingMultiply(left, right);
+    default:
+      return definedDivide(left, right);
+  }
+}
+
+}  // namespace
+
+int64_t Evaluator::evaluate(std::string_view text) {
+  text = trim(text);
+  if (text.empty()) return 0;
+  return isSinglePart(text) ? evaluateLeaf(text) : evaluateParts(text);
+}
+
+int64_t Evaluator::evaluateForSize(std::string_view text) {
+  text = trim(text);
+  if (!text.empty() && text.front() == '$') return parseRadix(text.substr(1), 16);
+  if (!text.empty() && text.front() == '%') return parseRadix(text.substr(1), 2);
+  if (isDecimalLiteral(text)) return parseDecimal(text);
+  const Symbol* const symbol = symbols_.find(text);
+  return symbol != nullptr ? symbol->value : 256;
+}
+
+int64_t Evaluator::evaluateParts(std::string_view text) {
+  findOperators(text);
+  pending_.clear();
+  Part part{0, text.size(), 0};
+  int64_t value = 0;
+  do {
+    while (open(text, part)) {
+    }
+    const std::string_view leaf = text.substr(part.begin, part.end - part.begin);
+    value = leaf.empty() ? 0 : evaluateLeaf(leaf);
+  } while (close(value, part));
+  return value;
+}
+
+void Evaluator::findOperators(std::string_view text) {
+  sums_.clear();
+  products_.clear();
+  int64_t depth = 0;
+  for (size_t at = text.size(); at-- > 0;) {
+    const char c = text[at];
+    if (c == ')') ++depth;
+    if (c == '(') --depth;
+    if (depth < 0 || !isOperator(c)) continue;
+    std::vector<Operator>& operators = c == '+' || c == '-' ? sums_ : products_;
+    operators.push_back({static_cast<size_t>(depth), at, c});
+  }
+  const auto byDepthAndPlace = [](const Operator& a, const Operator& b) {
+    return a.depth != b.depth ? a.depth < b.depth : a.at < b.at;
+  };
+  for (std::vector<Operator>* operators : {&sums_, &products_}) {
+    std::reverse(operators->begin(), operators->end());
+    if (!std::is_sorted(operators->begin(), operators->end(), byDepthAndPlace)) {
+      std::sort(operators->begin(), operators->end(), byDepthAndPlace);
+    }
+  }
+}
+
+// Narrows the part to what is evaluated first in it; false when it is a leaf, or empty.
+bool Evaluator::open(std::string_view text, Part& part) {
+  while (part.begin < part.end && isBlank(text[part.begin]))
+    ++part.begin;
+  while (part.begin < part.end && isBlank(text[part.end - 1]))
+    --part.end;
+  if (part.begin == part.end) return false;
+  if (text[part.begin] == '<' || text[part.begin] == '>') {
+    openPrefixes(text, part);
+    return true;
+  }
+  if (openOperands(Pending::Kind::Sum, part) || openOperands(Pending::Kind::Product, part)) return true;
+  if (text[part.begin] != '(' || text[part.end - 1] != ')') return false;
+  ++part.begin;
+  --part.end;
+  ++part.depth;
+  return true;
+}
+
+// A run of prefixes needs one entry only: the innermost makes a byte, of which any further ">" leaves 0 and any
+// further "<" all.
+void Evaluator::openPrefixes(std::string_view text, Part& part) {
+  bool outerHigh = false;
+  char innermost = '<';
+  while (part.begin < part.end && (text[part.begin] == '<' || text[part.begin] == '>' || isBlank(text[part.begin]))) {
+    const char c = text[part.begin++];
+    if (isBlank(c)) continue;
+    outerHigh = outerHigh || innermost == '>';
+    innermost = c;
+  }
+  const Pending::Kind byteKind = innermost == '<' ? Pending::Kind::LowByte : Pending::Kind::HighByte;
+  pending_.push_back({.kind = outerHigh ? Pending::Kind::Zero : byteKind});
+}
+
+// Cuts the part at its operators of one kind, and narrows it to the first operand; false when it has none.
+bool Evaluator::openOperands(Pending::Kind kind, Part& part) {
+  Pending pending{.kind = kind, .end = part.end, .depth = part.depth};
+  if (kind == Pending::Kind::Product) {
+    pending.sign = '*';
+    pending.value = 1;
+  }
+  const std::vector<Operator>& operators = operatorsOf(pending);
+  const auto isBefore = [&part](const Operator& candidate, size_t at) {
+    return candidate.depth != part.depth ? candidate.depth < part.depth : candidate.at < at;
+  };
+  const auto first = std::lower_bound(operators.begin(), operators.end(), part.begin + 1, isBefore);
+  pending.nextOperator = static_cast<size_t>(first - operators.begin());
+  const size_t end = operandEnd(pending);
+  if (end == part.end) return false;
+  part.end = end;
+  pending_.push_back(pending);
+  return true;
+}
+
+const std::vector<Evaluator::Operator>& Evaluator::operatorsOf(const Pending& pending) const {
+  return pending.kind == Pending::Kind::Sum ? sums_ : products_;
+}
+
+// Where the operand at hand ends: at its next operator, or with the whole sum or product.
+size_t Evaluator::operandEnd(const Pending& pending) const {
+  const std::vector<Operator>& operators = operatorsOf(pending);
+  if (pending.nextOperator == operators.size()) return pending.end;
+  const Operator& next = operators[pending.nextOperator];
+  return next.depth == pending.depth && next.at < pending.end ? next.at : pending.end;
+}
+
+// Gives the value to what waits for it. True when an operand is left to evaluate, which is then the part at hand;
+// false when `value` is that of the whole text.
+bool Evaluator::close(int64_t& value, Part& part) {
+  for (; !pending_.empty(); pending_.pop_back()) {
+    Pending& pending = pending_.back();
+    switch (pending.kind) {
+      case Pending::Kind::LowByte:
+        value = lowByte(value);
+        continue;
+      case Pending::Kind::HighByte:
+        value = highByte(value);
+        continue;
+      case Pending::Kind::Zero:
+        value = 0;
+        continue;
+      case Pending::Kind::Sum:
+      case Pending::Kind::Product:
+        break;
+    }
+    value = combine(pending.value, pending.sign, value);
+    const size_t end = operandEnd(pending);
+    if (end == pending.end) continue;
+    pending.value = value;
+    pending.sign = operatorsOf(pending)[pending.nextOperator++].sign;
+    part = {end + 1, operandEnd(pending), pending.depth};
+    return true;
+  }
+  return false;
+}
+
+int64_t Evaluator::evaluateLeaf(std::string_view text) {
+  if (text.front() == '$') return parseRadix(text.substr(1), 16);
+  if (text.front() == '%') return parseRadix(text.substr(1), 2);
+  return evaluateName(text);
+}
+
+int64_t Evaluator::evaluateName(std::string_view text) {
+  const bool trailingH = isTrailingHLiteral(text);
+  const std::string_view withoutLast = text.substr(0, text.size() - 1);
+  if (Symbol* const symbol = symbols_.find(text)) {
+    if (trailingH && !symbol->ambiguityWarned) {
+      symbol->ambiguityWarned = true;
+      warnings_.add({"label '", text,
+                     "' is ambiguous with Z80-style hex literal; resolving to the label — rename it or "
+                     "use $",
+                     withoutLast, " to silence this warning"});
+    }
+    return symbol->value;
+  }
+  if (trailingH) return parseRadix(withoutLast, 16);
+  if (isDecimalLiteral(text)) return parseDecimal(text);
+  if (const Symbol* const symbol = symbols_.findIgnoringCase(text)) return symbol->value;
+  warnings_.add({"undefined symbol '", text, "', using 0"});
+  return 0;
+}
+
+std::string_view leadingSymbol(std::string_view expression) {
+  expression = trim(expression);
+  if (expression.empty() || !(isIdentifierStart(expression.front()) || expression.front() == '.')) return {};
+  size_t end = 1;
+  while (end < expression.size() && (isIdentifierCharacter(expression[end]) || expression[end] == '.'))
+    ++end;
+  return expression.substr(0, end);
+}
+
+}  // namespace kiln

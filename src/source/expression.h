@@ -1,0 +1,72 @@
+// The value of an expression's text against the symbol table.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "base/diagnostics.h"
+#include "source/symbols.h"
+
+namespace kiln {
+
+// Evaluates anew at each call: an unknown name is worth 0 and gives its warning every time it is met.
+class Evaluator {
+ public:
+  Evaluator(SymbolTable& symbols, MessageList& warnings) : symbols_(symbols), warnings_(warnings) {}
+
+  // Any text has a value; an empty one is 0. Time grows with the length of the text (times its logarithm where it has
+  // parentheses), whatever is nested in it, and the call stack does not grow at all.
+  int64_t evaluate(std::string_view text);
+
+  // The value that only chooses between zero-page and absolute modes: it knows plain literals and names that stand in
+  // the table already; everything else is 256. Silent.
+  int64_t evaluateForSize(std::string_view text);
+
+ private:
+  struct Operator {
+    size_t depth;  // of parentheses, counted from the right end of the text
+    size_t at;     // index in the text
+    char sign;
+  };
+
+  // A part of the text: [begin, end) at a depth of parentheses.
+  struct Part {
+    size_t begin;
+    size_t end;
+    size_t depth;
+  };
+
+  // What waits for the value of the part at hand.
+  struct Pending {
+    enum class Kind : uint8_t { Sum, Product, LowByte, HighByte, Zero } kind;
+    char sign = '+';          // operator between `value` and the part at hand
+    int64_t value = 0;        // of the operands before it
+    size_t nextOperator = 0;  // the operator behind the part at hand, in sums_ or products_
+    size_t end = 0;           // where the whole sum or product ends
+    size_t depth = 0;
+  };
+
+  int64_t evaluateParts(std::string_view text);
+  void findOperators(std::string_view text);
+  bool open(std::string_view text, Part& part);
+  bool openOperands(Pending::Kind kind, Part& part);
+  void openPrefixes(std::string_view text, Part& part);
+  bool close(int64_t& value, Part& part);
+  size_t operandEnd(const Pending& pending) const;
+  const std::vector<Operator>& operatorsOf(const Pending& pending) const;
+  int64_t evaluateLeaf(std::string_view text);
+  int64_t evaluateName(std::string_view text);
+
+  SymbolTable& symbols_;
+  MessageList& warnings_;
+  std::vector<Operator> sums_;      // "+" and "-" of the text at hand, by depth and then place
+  std::vector<Operator> products_;  // "*" and "/" likewise
+  std::vector<Pending> pending_;
+};
+
+// The name at the front of an expression: the run of letters, digits, "_" and "." when it begins with a letter, "_" or
+// "."; empty otherwise.
+std::string_view leadingSymbol(std::string_view expression);
+
+}  // namespace kiln

@@ -1,0 +1,78 @@
+// One statement of the program.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "base/text.h"
+#include "isa/opcodes.h"
+
+namespace kiln {
+
+enum class Kind : uint8_t {
+  Empty,
+  LabelOnly,
+  Instruction,
+  Assign,
+  Org,
+  Byte,
+  Word,
+  Long,
+  String,
+  Space,
+  CodeRegions,
+  Bank,
+  SpillPoint,
+  ShadowRanges,
+  ShadowStage,
+  CloakedSegment,
+  CloakedSegmentEnd,
+};
+
+// The value expressions of a data list. They are cut out of the list's text whenever they are walked: keeping them
+// apart would cost more memory than the text itself.
+class DataItems {
+ public:
+  explicit DataItems(std::string_view list) : fields_(list, ',') {}
+
+  // Moves to the next item, trimmed; empty ones are passed over. False when there is none left.
+  bool next(std::string_view& item) {
+    while (fields_.next(item)) {
+      item = trim(item);
+      if (!item.empty()) return true;
+    }
+    return false;
+  }
+
+ private:
+  Fields fields_;
+};
+
+// Texts are views into the source or into the run's text store. The struct fills one cache line, and a million of them
+// are the greater part of what a run keeps: its source text is found through its line number.
+struct AsLine {
+  std::string_view label;       // qualified with its scope; empty when the statement defines none
+  std::string_view operand;     // operand or argument; the list of Byte, Word and Long; the value of Assign
+  std::string_view assignName;  // of Assign
+  uint32_t size = 0;            // bytes in the output
+  uint32_t address = 0;         // location counter, 0..65535, once laid out
+  uint32_t lineNumber = 0;      // from 1, in the expanded source
+  Kind kind = Kind::Empty;
+  Mode mode = Mode::Implied;
+  Mnemonic mnemonic = Mnemonic::None;
+  bool labelLocal : 1 = false;        // written with a leading "." or ">"
+  bool longBranchMarked : 1 = false;  // stands on a line that the long-branch rewriter made
+  bool autoSpill : 1 = false;         // inserted by the code-region spill; no source line shows it
+
+  DataItems items() const { return DataItems(operand); }
+  std::string_view assignValue() const { return operand; }
+};
+static_assert(sizeof(AsLine) == 64);
+
+// True for the kinds that put bytes into the output.
+constexpr bool emitsBytes(Kind kind) {
+  return kind == Kind::Instruction || (kind >= Kind::Byte && kind <= Kind::Space);
+}
+
+}  // namespace kiln

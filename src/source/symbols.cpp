@@ -1,0 +1,94 @@
+#include "source/symbols.h"
+
+#include <cstring>
+
+#include "base/text.h"
+
+namespace kiln {
+namespace {
+
+uint64_t loadBytes(const char* at, size_t count) {
+  uint64_t value = 0;
+  std::memcpy(&value, at, count);
+  return value;
+}
+
+uint64_t mix(uint64_t value) {
+  value *= 0x9E3779B97F4A7C15U;
+  return value ^ (value >> 32);
+}
+
+// Eight bytes a step; names are short, so nearly all of them take one or two.
+uint64_t hashName(std::string_view name) {
+  uint64_t hash = name.size();
+  const char* at = name.data();
+  size_t left = name.size();
+  for (; left > 8; at += 8, left -= 8)
+    hash = mix(hash ^ loadBytes(at, 8));
+  return mix(hash ^ (left == 0 ? 0 : loadBytes(at, left)));
+}
+
+uint32_t tagOf(uint64_t hash) { return static_cast<uint32_t>(hash >> 32); }
+
+}  // namespace
+
+void SymbolTable::reserve(size_t count) {
+  symbols_.reserve(count);
+  size_t slotCount = 64;
+  while (slotCount < count * 2)
+    slotCount *= 2;
+  if (slotCount > slots_.size()) rebuild(slotCount);
+}
+
+// The slot that holds the name, or the free one where it belongs. The table is never full.
+size_t SymbolTable::slotFor(std::string_view name, uint64_t hash) const {
+  const size_t mask = slots_.size() - 1;
+  size_t at = hash & mask;
+  while (slots_[at].number != 0) {
+    if (slots_[at].tag == tagOf(hash) && symbols_[slots_[at].number - 1].name == name) break;
+    at = (at + 1) & mask;
+  }
+  return at;
+}
+
+void SymbolTable::rebuild(size_t slotCount) {
+  slots_.assign(slotCount, Slot{});
+  for (size_t i = 0; i < symbols_.size(); ++i) {
+    const uint64_t hash = hashName(symbols_[i].name);
+    slots_[slotFor(symbols_[i].name, hash)] = {tagOf(hash), static_cast<uint32_t>(i + 1)};
+  }
+}
+
+Symbol* SymbolTable::find(std::string_view name) {
+  if (slots_.empty()) return nullptr;
+  if (!hasDigitNames_ && !name.empty() && isDigit(name.front())) return nullptr;
+  const uint32_t number = slots_[slotFor(name, hashName(name))].number;
+  return number == 0 ? nullptr : &symbols_[number - 1];
+}
+
+Symbol& SymbolTable::enter(std::string_view name, bool& isNew) {
+  if (slots_.size() < 2 * (symbols_.size() + 1)) rebuild(slots_.empty() ? 64 : slots_.size() * 2);
+  const uint64_t hash = hashName(name);
+  Slot& slot = slots_[slotFor(name, hash)];
+  isNew = slot.number == 0;
+  if (!isNew) return symbols_[slot.number - 1];
+  symbols_.push_back(Symbol{.name = name});
+  slot = {tagOf(hash), static_cast<uint32_t>(symbols_.size())};
+  if (!name.empty() && isDigit(name.front())) hasDigitNames_ = true;
+  return symbols_.back();
+}
+
+void SymbolTable::set(std::string_view name, int64_t value) {
+  bool isNew = false;
+  enter(name, isNew).value = value;
+}
+
+Symbol* SymbolTable::findIgnoringCase(std::string_view name) {
+  for (; foldedCount_ < symbols_.size(); ++foldedCount_) {
+    folded_.try_emplace(toLower(symbols_[foldedCount_].name), static_cast<uint32_t>(foldedCount_));
+  }
+  const auto at = folded_.find(toLower(name));
+  return at == folded_.end() ? nullptr : &symbols_[at->second];
+}
+
+}  // namespace kiln

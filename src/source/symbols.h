@@ -1,0 +1,57 @@
+// The symbol table of one iteration: names to values, in the order in which the names came.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace kiln {
+
+struct Symbol {
+  std::string_view name;
+  int64_t value = 0;
+  uint32_t bank = 0;             // the bank in which the label stands, 0 = none
+  bool seed = false;             // came from a symbol file or the built-in equates; a label may take its place
+  bool ambiguityWarned = false;  // said already that the name looks like a number
+};
+
+// Names are views: whoever enters one keeps its text alive. A pointer to a symbol is good until the next enter().
+class SymbolTable {
+ public:
+  // Makes room for `count` names in all.
+  void reserve(size_t count);
+
+  // The symbol of exactly this name; null when there is none.
+  Symbol* find(std::string_view name);
+
+  // The symbol of exactly this name, entered with value 0 when it is new; `isNew` says which.
+  Symbol& enter(std::string_view name, bool& isNew);
+  void set(std::string_view name, int64_t value);
+
+  // The symbol that entered first among those whose names differ from `name` at most in letter case; else null.
+  Symbol* findIgnoringCase(std::string_view name);
+
+  const std::vector<Symbol>& symbols() const { return symbols_; }
+
+ private:
+  // A slot of the open-addressed index: part of the name's hash beside the symbol's number plus one, so that most
+  // probes end without a look at the symbol itself.
+  struct Slot {
+    uint32_t tag = 0;
+    uint32_t number = 0;
+  };
+
+  size_t slotFor(std::string_view name, uint64_t hash) const;
+  void rebuild(size_t slotCount);
+
+  std::vector<Symbol> symbols_;
+  std::vector<Slot> slots_;
+  bool hasDigitNames_ = false;  // some name begins with a digit; without one, no number needs a look-up
+
+  std::unordered_map<std::string, uint32_t> folded_;  // lower-case name to symbol number, filled on first need
+  size_t foldedCount_ = 0;                            // how many symbols it covers
+};
+
+}  // namespace kiln

@@ -1,0 +1,107 @@
+// A small machine that runs the program files kiln-as writes: a 6502 with the pell extensions, 64 KB of memory, bank
+// windows and an operating system ROM that can be switched off. Two things are simpler than in the real one: ADC and
+// SBC always count in binary (SED and CLD move the flag, and nothing else), and cycles are the documented base
+// numbers without page crossings. A machine can be copied, to try several continuations of one state.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kiln::test {
+
+// The addresses low..high show the bank whose number the registers hold: the byte at registerLow, and 256 times that
+// at registerHigh when there is one. Registers are plain memory; several windows may share one.
+struct BankWindow {
+  uint16_t low = 0;
+  uint16_t high = 0;
+  uint16_t registerLow = 0;
+  uint16_t registerHigh = 0;  // 0: none
+};
+
+class Machine {
+ public:
+  // The flags of p.
+  // clang-format off
+  enum Flag : uint8_t {
+    carry = 0x01, zero = 0x02, interruptsOff = 0x04, decimal = 0x08,
+    breakMark = 0x10, alwaysSet = 0x20, overflow = 0x40, negative = 0x80
+  };
+  // clang-format on
+
+  struct Segment {
+    uint16_t first = 0;
+    uint16_t last = 0;
+  };
+
+  // What the machine consists of; set before loading. Where windows overlap, the first that shows a bank wins.
+  std::vector<BankWindow> windows;
+  bool osRom = false;      // $C000-$CFFF and $D800-$FFFF are ROM, full of RTS, while bit 0 of $D301 is set
+  uint16_t nmiVector = 0;  // where the handler begins
+  // Called before every store of an instruction or of nmi(), lost ones included; not for poke and the loaders.
+  std::function<void(uint16_t address, uint8_t value)> onWrite;
+
+  uint8_t a = 0, x = 0, y = 0, s = 0xFF, p = alwaysSet;
+  uint16_t pc = 0;
+  uint64_t cycles = 0;
+  uint64_t steps = 0;
+
+  std::string error;                   // why a load, a run or a step failed; jumps and calls clear it
+  std::vector<Segment> segments;       // all that was loaded so far, in order
+  std::optional<uint16_t> runAddress;  // the last word that was loaded to $02E0
+
+  Machine() : memory_(0x10000) { memory_[0xD301] = 0xFF; }
+
+  // Memory as the processor sees it. What is poked into ROM is lost.
+  uint8_t peek(uint16_t address) const;
+  uint16_t peekWord(uint16_t address) const;
+  void poke(uint16_t address, uint8_t value);
+
+  // Main memory, whatever covers it.
+  uint8_t ram(uint16_t address) const { return memory_[address]; }
+  // A byte of a bank, selected or not; `address` must lie in windows[window]. Bank 0 is main memory.
+  uint8_t bankByte(size_t window, uint32_t bank, uint16_t address) const;
+
+  // Loads an Atari binary-load file, calling each init address as its segment has been loaded. False with `error`
+  // set when the file is malformed or an init routine fails.
+  bool loadXex(std::string_view file);
+  // Loads a file that begins with its load address.
+  bool loadPrg(std::string_view file);
+
+  // Calls a subroutine with the registers as they stand. False with `error` set when it did not return.
+  bool call(uint16_t address, uint64_t maxSteps);
+  // Calls the run address of the loaded file.
+  bool run(uint64_t maxSteps);
+
+  // The same in single steps: begin, step until returned. A step is false, with `error` set and pc at the culprit,
+  // at a BRK or an opcode that is none; from then on all steps are.
+  void beginCall(uint16_t address);
+  bool returned() const { return pc == returnMark; }
+  void jumpTo(uint16_t address);
+  bool step();
+
+  // Enters the handler at nmiVector, as between two instructions; its RTI comes back here.
+  void nmi();
+
+ private:
+  static constexpr uint16_t returnMark = 0xFFFF;  // half of the interrupt vector, so never the place of an instruction
+
+  using BankKey = std::pair<size_t, uint32_t>;  // the index of a window, the number of a bank
+
+  bool showsRom(uint16_t address) const;
+  BankKey selectedAt(uint16_t address) const;
+  void loadSegment(uint16_t first, std::string_view bytes);
+  bool honourVectors(const Segment& segment);
+  bool fail(std::string text);
+
+  std::vector<uint8_t> memory_;
+  std::map<BankKey, std::vector<uint8_t>> banks_;  // made by the first store
+};
+
+}  // namespace kiln::test

@@ -1,0 +1,270 @@
+#include "layout/layout.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "base/format.h"
+#include "layout/layout_parser.h"
+#include "layout/layout_values.h"
+
+namespace kiln {
+namespace {
+
+struct MemoryFiles final : FileReader {
+  std::optional<std::string> readFile(const std::string& path) const override {
+    const auto file = files.find(path);
+    return file == files.end() ? std::nullopt : std::optional(file->second);
+  }
+  bool exists(const std::string& path) const override { return files.count(path) != 0; }
+  bool isDirectory(const std::string&) const override { return false; }
+
+  std::map<std::string, std::string> files;
+};
+
+// Everything that is set, in the order of the fields; the error alone when there is one.
+std::string shown(const AsLayout& layout) {
+  if (!layout.error.empty()) return layout.error;
+  std::string text;
+  const auto addFlag = [&](const char* name, bool flag) { text += flag ? concat({name, " "}) : ""; };
+  const auto addPair = [&](const char* name, uint32_t low, uint32_t high) {
+    if (low != 0 || high != 0) text += concat({name, " ", dollarHex(low, 1), "-", dollarHex(high, 1), " "});
+  };
+  addFlag("banking", layout.hasBanking);
+  addPair("window", layout.codeWindowLo, layout.codeWindowHi);
+  for (size_t i = 0; i + 1 < layout.mainRegion.size(); i += 2) {
+    addPair("main", layout.mainRegion[i], layout.mainRegion[i + 1]);
+  }
+  addFlag("split", layout.codeWindowSplit);
+  addPair("half", layout.codeHalfLo, layout.codeHalfHi);
+  addPair("data", layout.dataWindowLo, layout.dataWindowHi);
+  addPair("registers", layout.codeReg, layout.dataReg);
+  addFlag("regc", layout.hasRegc);
+  addPair("regcWindow", layout.regcWindowLo, layout.regcWindowHi);
+  addPair("regcPage", layout.regcPageSize, 0);
+  addPair("regcReg", layout.regcRegLo, layout.regcRegHi);
+  for (const std::string& id : layout.cloakedIds)
+    text += concat({"'", id, "' "});
+  if (!text.empty()) text.pop_back();
+  return text;
+}
+
+struct Case {
+  std::string text;
+  std::string expected;
+};
+
+AsLayout parsed(const std::string& text) {
+  AsLayout layout;
+  parseLayout(layout, MemoryFiles{}, "d/t.lnk", text);
+  return layout;
+}
+
+void expectAll(const std::string& header, std::initializer_list<Case> cases) {
+  for (const Case& each : cases)
+    EXPECT_EQ(shown(parsed(header + each.text)), each.expected) << each.text;
+}
+
+TEST(Layout, NumbersAreDollarHexadecimalOrDecimal) {
+  const std::pair<const char*, int64_t> cases[] = {{" 12\t", 12},     {"$aF", 0xAF},
+                                                   {"0", 0},          {"4294967295", 0xFFFFFFFF},
+                                                   {"4294967298", 2}, {"$123456789", 0x23456789},
+                                                   {"", -1},          {"$", -1},
+                                                   {"$G", -1},        {"$1 2", -1},
+                                                   {"1a", -1},        {"-1", -1},
+                                                   {"0x1", -1}};
+  for (const auto& [text, expected] : cases) {
+    const std::optional<uint32_t> number = parseLayoutNumber(text);
+    EXPECT_EQ(number.has_value() ? int64_t{*number} : -1, expected) << text;
+  }
+}
+
+TEST(Layout, RangesAreFoundAnywhereInAValue) {
+  expectAll("[banking]\nwindow = ", {{"$4000-$7FFF", "banking window $4000-$7FFF"},
+                                     {"at $4000 \t-\t $7fff, or so", "banking window $4000-$7FFF"},
+                                     {"$1 $2000$3000-x-$-$4-$5-$6", "banking window $4-$5"},
+                                     {"$9-$1", "banking window $9-$1"},
+                                     {"$100000001-$2", "banking window $1-$2"},
+                                     {"$4000", "banking"}});
+  for (const char* none : {"$4000-7FFF", "4000-$7FFF", "$-$7FFF", "$4000-$", "$4000.$7FFF", ""}) {
+    EXPECT_FALSE(findLayoutRange(none).has_value()) << none;
+  }
+}
+
+TEST(Layout, BankingKeysSetTheirFields) {
+  expectAll("[banking]\n",
+            {{"", ""},
+             {"unknown = 1", "banking"},
+             {"Code Bank-Window = $1-$2", "banking window $1-$2"},
+             {"data-window = $1-$2", "banking data $1-$2"},
+             {"regc-window = $1-$2\nmy-reg = 3", "banking"},
+             {"code-reg = $82\ndata-reg = 131", "banking registers $82-$83"},
+             {"code-reg = $1-$2", "banking"},
+             {"CodeReg = 1\nDATAREG = 2", "banking registers $1-$2"},
+             {"codereg = 1\ncodereg = 1x\ncodereg = 0", "banking"},
+             {"datawindow = $6000-$7FFF", "banking data $6000-$7FFF"},
+             {"regcwindow = $1-$2", "banking regc regcWindow $1-$2"},
+             {"regcpagesize = 16", "banking regc regcPage $10-$0"},
+             {"regcreg = $D5-$D6", "banking regc regcReg $D5-$D6"},
+             {"regcreg = $D5-$D6\nregcreg = 5", "banking regc regcReg $5-$0"},
+             {"regcregion = $1-$2", "banking regc"},
+             {"regcregionspan = $1-$2", "banking regc"},
+             {"regcwindow = 1\nregcpagesize = $1-$2\nregcreg = x\nregcregion = 1\nregcregionspan = 1", "banking"}});
+}
+
+TEST(Layout, CodeWindowEndsWhereAnEarlierDataWindowEnds) {
+  expectAll("[banking]\n", {{"datawindow = $6000-$7FFF\ncodewindow = $4000-$5FFF",
+                             "banking window $4000-$7FFF split half $4000-$5FFF data $6000-$7FFF"},
+                            {"codewindow = $4000-$5FFF\ndatawindow = $6000-$7FFF",
+                             "banking window $4000-$0 split half $4000-$5FFF data $6000-$7FFF"},
+                            {"window = $1-$2\ncodewindow = $0-$5FFF", "banking window $1-$2 split half $0-$5FFF"},
+                            {"codewindow = none", "banking"}});
+}
+
+TEST(Layout, RegistersTakeTheFirstTwoItemsThatParse) {
+  expectAll("[banking]\nregisters = ", {{"$82, $83, $84", "banking registers $82-$83"},
+                                        {"x, , $82:$FF:1, $82:, :1, 130 : $3FF, 131", "banking registers $82-$83"},
+                                        {"$82:$F0, $83", "banking registers $0-$83"},
+                                        {"$82, $83:254, $84", "banking registers $82-$0"},
+                                        {"$82:$1FE", "banking"}});
+}
+
+TEST(Layout, MainIsAListOfRanges) {
+  expectAll("[memory]\n", {{"main = $A000-$BFFF, free, x $C0 - $CF\nother = $1-$2", "main $A000-$BFFF main $C0-$CF"},
+                           {"main = $1-$2\nmain = $3-$4", "main $3-$4"},
+                           {"main = $1-$2\nmain = none", ""}});
+}
+
+TEST(Layout, LinesAndSections) {
+  expectAll("", {{"", ""},
+                 {"# a\n\n \t\r\n[BANKING]\r\n  CodeReg\t=\t1 \r\n", "banking registers $1-$0"},
+                 {"[banking] # a\ncodereg = 1 # 2\ndatareg = #2", "banking registers $1-$0"},
+                 {"[ banking ]\ncodereg = 1\n[]\ncodereg = 1\n[banking]x = 1", ""},
+                 {"[memory]\ncodereg = 1\n[banking]\nmain = $1-$2\n[banker]\ncodereg = 1", "banking"},
+                 {"# a\n[banking]\r\n\ncodereg", "d/t.lnk:4: expected 'key = value'"},
+                 {"nothing", "d/t.lnk:1: expected 'key = value'"},
+                 {"\n Main = a = b\n[", "d/t.lnk:2: key 'main' outside any section"},
+                 {"[memory", "d/t.lnk:1: expected 'key = value'"},
+                 {"=", "d/t.lnk:1: key '' outside any section"},
+                 {std::string("[bank\0]\na\0b = 1\n]", 17), "d/t.lnk:3: expected 'key = value'"}});
+}
+
+TEST(Layout, CloakedEntriesNameTheirIds) {
+  const std::string notRange = "' contains '<n>' but bank is not a range — placeholder is only valid with `bank = N-M`";
+  const std::string noPlaceholder = " (range) needs '<n>' placeholder in id (e.g. `id = ext<n>`); got '";
+  const std::string repeated = "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)";
+  expectAll("[cloaked]\n",
+            {{"", "'lib'"},
+             {"bank = 3\nid = Ext 1\nother = 2\n[CLOAKED]\nbank = 4-5\nid = ext<n>", "'Ext 1' 'ext4' 'ext5'"},
+             {"bank = $9 - $B\nid = <n>a<n>b", "'9a9b' '10a10b' '11a11b'"},
+             {"bank = 3\nid = ext<n>", "d/t.lnk: [cloaked] id 'ext<n>" + notRange},
+             {"bank = 1-2\nbank = none\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
+             {"bank = 5-5\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
+             {"bank = 5-3\nid = ext\n[cloaked]\nid =", "'ext' ''"},
+             {"bank = 3-5\n[memory]\nx", "d/t.lnk: [cloaked] bank = 3-5" + noPlaceholder + "lib'"},
+             {"bank = 0-9000000", "d/t.lnk: [cloaked] bank = 0-9000000" + noPlaceholder + "lib'"},
+             {"bank = 1-2\nbank = x\nbank = 7-\nbank = -7\nbank = 1-2-3\nid = <n>", "'1' '2'"},
+             {"bank = $FFFFFFFE-1\nid = <n>", "'-2' '-1' '0' '1'"},
+             {"bank = 2147483646-2147483647\nid = <n>", "'2147483646' '2147483647'"},
+             {"bank = 0-2000000000\nid = <n>", "d/t.lnk: [cloaked] bank = 0-2000000000 (range) is too long"},
+             {"[memory]\n[banking]", "'lib'"},
+             {"id = a \r\n", "'a'"},
+             {"bank = 3-5\nx", "d/t.lnk:3: expected 'key = value'"},
+             {"[cloaked]\n[cloaked]\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
+             {"bank = 0-1000000\nid = <n>", "d/t.lnk: [cloaked] bank = 0-1000000 (range) is too long"},
+             {"[cloaked]\n", "d/t.lnk: duplicate [cloaked] id 'lib" + repeated},
+             {"id = a\n[cloaked]\nbank = 1-3\nid = <n>\n[cloaked]\nid = 3\n[cloaked]\nid = a",
+              "d/t.lnk: duplicate [cloaked] id '3" + repeated}});
+  EXPECT_EQ(parsed("[cloaked]\nbank = 7").cloakedBankLo, 7);
+  for (const char* noBank : {"bank = 5-3\nbank = none", "bank = 5-3\n[cloaked]\nid = a"}) {
+    const AsLayout layout = parsed(concat({"[cloaked]\n", noBank}));
+    EXPECT_EQ(layout.cloakedBankLo, -1);
+    EXPECT_EQ(layout.cloakedBankHi, -1);
+  }
+}
+
+const char* const missing = "The file “x.lnk” couldn’t be opened because there is no such file.";
+
+TEST(Layout, LoadingReadsIncludesFirst) {
+  const std::pair<std::map<std::string, std::string>, std::string> cases[] = {
+      // The lines of an include stand before the file's own, wherever its "#include" is; the first include wins.
+      {{{"t/x.lnk",
+         "[banking]\ncodereg = 1\ncodereg = x\n #include \"a.lnk\" \r\n#include \"b.lnk\"\n[memory]\nmain = $5-$6"},
+        {"t/a.lnk", "[banking]\ncodereg = 2\ndatareg = 3\n[memory]\nmain = $1-$2\n[cloaked]"},
+        {"t/b.lnk", "[banking]\ndatareg = 4\nwindow = $7-$8\n[cloaked]"}},
+       "banking window $7-$8 main $5-$6 registers $1-$3"},
+      {{{"t/x.lnk", "[banking]\ncodewindow = $1-$2\n#include \"a.lnk\""}, {"t/a.lnk", "[banking]\ndatawindow = $3-$4"}},
+       "banking window $1-$4 split half $1-$2 data $3-$4"},
+      // Names are what stands between the first quote and the last, relative to the file that holds the line.
+      {{{"t/x.lnk", "#include\n#include \"\n#includes \"s//a.lnk\" # of all"},
+        {"t/s/a.lnk", "#include \"a\"b\""},
+        {"t/s/layouts/a\"b", "#include \"c.lnk\""},
+        {"t/s/layouts/c.lnk", "[memory]\nmain = $1-$2"}},
+       "main $1-$2"},
+      {{{"t/x.lnk", "#include \"a\""}, {"t/a", "[memory]\nmain = $1-$2"}, {"t/layouts/a", "x"}}, "main $1-$2"},
+      {{{"t/x.lnk", "[memory]\n#include\"a\"\n #Include \"b\"\nx#include \"c\""}, {"t/a", ""}},
+       "t/x.lnk:4: expected 'key = value'"},
+      // The first error is the only one, and an include's comes before the file's own.
+      {{{"t/x.lnk", "x\n#include \"a\"\n#include \"b\""}, {"t/a", "#include \"c\""}, {"t/c", "\ny"}, {"t/b", "z"}},
+       "t/c:2: expected 'key = value'"},
+      {{{"t/x.lnk", "#include \"d/x.lnk\""}, {"x.lnk", ""}}, missing},
+      {{{"t/y.lnk", ""}}, missing},
+      {{{"t/x.lnk", "\xFF"}}, "The file “x.lnk” couldn’t be opened using text encoding Unicode (UTF-8)."},
+      // Circles, however the way round is written.
+      {{{"t/x.lnk", "#include \"x.lnk\""}}, "t/x.lnk: #include of 'x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"./x.lnk\""}, {"t/./x.lnk", ""}}, "t/x.lnk: #include of './x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"s/a\""}, {"t/s/a", "#include \"../x.lnk\""}, {"t/s/../x.lnk", ""}},
+       "t/s/a: #include of '../x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"a\"\n#include \"a\"\n#include \"b\""}, {"t/a", ""}, {"t/b", "#include \"a\""}}, ""}};
+  for (const auto& [files, expected] : cases) {
+    MemoryFiles reader;
+    reader.files = files;
+    EXPECT_EQ(shown(loadLayout(reader, "t/x.lnk")), expected) << files.begin()->second;
+  }
+}
+
+TEST(Layout, MergingFillsEachFieldThatIsNotSet) {
+  const std::string text =
+      "[banking]\ndatawindow = $14-$15\ncodewindow = $12-$13\nwindow = $10-$11\nregisters = $16, $17\n"
+      "regcwindow = $18-$19\nregcpagesize = $1A\nregcreg = $1B-$1C\n[memory]\nmain = $1-$2\n";
+  std::string otherText = text + "[cloaked]\nid = a";
+  for (char& c : otherText)
+    c = c == '1' ? '2' : c;
+  const AsLayout full = parsed(text);
+  AsLayout filled;
+  mergeLayout(filled, full);
+  EXPECT_EQ(shown(filled),
+            "banking window $10-$11 main $1-$2 split half $12-$13 data $14-$15 registers $16-$17 regc "
+            "regcWindow $18-$19 regcPage $1A-$0 regcReg $1B-$1C");
+  AsLayout other = parsed(otherText);
+  other.error = "e";
+  mergeLayout(filled, other);
+  mergeLayout(filled, AsLayout{});
+  EXPECT_EQ(shown(filled), shown(full));
+  parseLayout(filled, MemoryFiles{}, "t", "[banking]\ncodereg = 0");
+  EXPECT_EQ(filled.codeReg, 0u);
+  EXPECT_EQ(filled.dataReg, 0x17u);
+}
+
+TEST(Layout, SizeIsNoDanger) {
+  MemoryFiles reader;  // a chain of 20,000 files, each of which includes the next one twice
+  for (int i = 0; i < 20'000; ++i) {
+    const std::string line = concat({"#include \"", decimal(i + 1), "\"\n"});
+    reader.files[decimal(i)] = line + line;
+  }
+  reader.files["20000"] = "[memory]\nmain = $1-$2";
+  EXPECT_EQ(shown(loadLayout(reader, "0")), "main $1-$2");
+
+  const std::string dollars(10'000'000, '$');
+  reader.files["0"] = "[banking]\nwindow = " + dollars + "1-$2\nregisters = " + dollars;
+  EXPECT_EQ(shown(loadLayout(reader, "0")), "banking window $1-$2");
+  reader.files["0"] = "[cloaked]\nbank = 0-999999\nid = <n>";
+  EXPECT_EQ(loadLayout(reader, "0").cloakedIds.back(), "999999");
+}
+
+}  // namespace
+}  // namespace kiln

@@ -1,0 +1,127 @@
+// Code for the memory under the ROM: the staging segment byte for byte, what it does, and where it does not fit.
+#include "output/shadow.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <string>
+
+#include "support/machine.h"
+
+namespace kiln {
+namespace {
+
+struct ErrorText final : Console {
+  void printError(std::string_view text) override { errors += text; }
+  void printOutput(std::string_view text) override { ADD_FAILURE() << text; }
+  std::string errors;
+};
+
+// Bytes that repeat nowhere within two pages.
+std::vector<uint8_t> counting(size_t size, uint8_t first) {
+  std::vector<uint8_t> bytes(size);
+  for (size_t i = 0; i < size; ++i)
+    bytes[i] = static_cast<uint8_t>(first + i + i / 256);
+  return bytes;
+}
+
+TEST(Shadow, oneBlockByteForByte) {
+  const std::vector<uint8_t> code = counting(16, 0xA0);
+  ErrorText console;
+  Image image = "x";
+  ASSERT_TRUE(stageShadow(image, 0x2000, {{0xC000, code}}, console));
+  EXPECT_EQ(console.errors, "");
+  Image expected = "x";
+  appendHexText(expected,
+                "00 20 88 20 "                                         // header
+                "08 78 A9 00 8D 0E D4 AD 01 D3 29 FE 8D 01 D3 A2 00 "  // interrupts and ROM off
+                "BD 6D 20 85 C0 E8 BD 6D 20 85 C1 E8 BD 6D 20 85 C2 E8 BD 6D 20 85 C3 E8 BD 6D 20 85 C4 E8 "
+                "BD 6D 20 85 C5 E8 "  // an entry read
+                "A5 C4 05 C5 F0 23 A0 00 B1 C0 91 C2 E6 C0 D0 02 E6 C1 E6 C2 D0 02 E6 C3 A5 C4 D0 02 C6 C5 C6 C4 "
+                "A5 C4 05 C5 D0 E0 4C 11 20 "                    // the copy loop and the way back
+                "AD 01 D3 09 01 8D 01 D3 A9 40 8D 0E D4 28 60 "  // all on again
+                "79 20 00 C0 10 00 00 00 00 00 00 00 "           // the table
+                "A0 A1 A2 A3 A4 A5 A6 A7 A8 A9 AA AB AC AD AE AF "
+                "E2 02 E3 02 00 20");
+  EXPECT_EQ(image, expected);
+}
+
+TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
+  const std::vector<uint8_t> large = counting(0x2B1, 3), page = counting(0x100, 7), single = {0x5A};
+  Image image = "\xFF\xFF";
+  ErrorText console;
+  ASSERT_TRUE(stageShadow(image, 0x34F3, {{0xD8F0, large}, {0xC000, page}, {0xD900, single}}, console));
+
+  test::Machine machine;
+  machine.osRom = true;
+  machine.y = 0x99;
+  machine.p = test::Machine::alwaysSet | test::Machine::carry;
+  machine.poke(0xD301, 0xFD);
+  std::vector<uint8_t> interrupts, ports;
+  machine.onWrite = [&](uint16_t address, uint8_t value) {
+    if (address == 0xD40E) interrupts.push_back(value);
+    if (address == 0xD301) ports.push_back(value);
+  };
+  ASSERT_TRUE(machine.loadXex(image)) << machine.error;
+
+  std::vector<uint8_t> expected(0x10000);
+  std::copy(large.begin(), large.end(), expected.begin() + 0xD8F0);
+  std::copy(page.begin(), page.end(), expected.begin() + 0xC000);
+  expected[0xD900] = 0x5A;
+  for (uint32_t address = 0xC000; address < 0x10000; ++address) {
+    if (address >> 8 == 0xD3 || address >> 8 == 0xD4) continue;
+    ASSERT_EQ(machine.ram(static_cast<uint16_t>(address)), expected[address]) << address;
+  }
+  EXPECT_EQ(interrupts, (std::vector<uint8_t>{0, 0x40}));
+  EXPECT_EQ(ports, (std::vector<uint8_t>{0xFC, 0xFD}));
+  EXPECT_EQ(machine.p, test::Machine::alwaysSet | test::Machine::carry);
+  EXPECT_EQ(machine.s, 0xFF);
+}
+
+TEST(Shadow, itMustEndBelowTheTop) {
+  const auto screenRam = [](const std::string& range, const std::string& size) {
+    return "kiln-as: warning: shadow staging segment " + range + " extends " + size +
+           " bytes into screen RAM at $8000. The XEX loader writes staging bytes there during load. The xl-shadow "
+           "startup template clears screen RAM at boot after the staging stub finishes, so ANTIC won't read stale "
+           "bytes — but tighter shadow code (`-O2` / `-O3`) would avoid the overlap entirely.\n";
+  };
+  const auto overflows = [](const std::string& stage) {
+    return "kiln-as: shadow staging payload at " + stage +
+           " overflows 64 KB (would extend past $FFFF). Reduce shadow-region code size or move .shadow_stage lower.\n";
+  };
+  const std::string tooLong =
+      "kiln-as: shadow staging payload at $FF86 is 123 bytes, runs past $FFFF. Reduce shadow-region code size or pick "
+      "a lower stage address.\n";
+  const struct {
+    uint32_t stage;
+    std::vector<size_t> sizes;  // of the pieces
+    bool fits;
+    std::string errors;
+  } rows[] = {
+      // Stub, table and bytes: 121 + 7 = 128 for one piece, 127 + 1 for two.
+      {0x7F80, {7}, true, ""},
+      {0x7F80, {8}, true, screenRam("$7F80-$8000", "1")},
+      {0x7F80, {1, 1}, true, screenRam("$7F80-$8000", "1")},
+      // The first byte of the piece at $FFFF, and at $10000.
+      {0xFF86, {1}, true, screenRam("$FF86-$FFFF", "32768")},
+      {0xFF86, {2}, false, screenRam("$FF86-$10000", "32769") + tooLong},
+      {0xFF87, {1}, false, screenRam("$FF87-$10000", "32769") + overflows("$FF87")},
+      {0xFF80, {1, 1}, false, screenRam("$FF80-$10000", "32769") + overflows("$FF80")},
+  };
+  for (const auto& row : rows) {
+    std::vector<std::vector<uint8_t>> bytes;
+    for (size_t size : row.sizes)
+      bytes.push_back(counting(size, 1));
+    std::vector<Piece> pieces;
+    for (const std::vector<uint8_t>& piece : bytes)
+      pieces.push_back({0xC000, piece});
+    ErrorText console;
+    Image image = "x";
+    EXPECT_EQ(stageShadow(image, row.stage, pieces, console), row.fits);
+    EXPECT_EQ(console.errors, row.errors);
+    EXPECT_EQ(image.size() > 1, row.fits) << row.stage;
+  }
+}
+
+}  // namespace
+}  // namespace kiln
