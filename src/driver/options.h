@@ -10,9 +10,14 @@
 #include <vector>
 
 #include "host/console.h"
-#include "passes/assembler.h"
 
 namespace kiln {
+
+// An address range, both ends inclusive; both 0 = not set.
+struct Window {
+  uint32_t start = 0;
+  uint32_t end = 0;
+};
 
 // What the command line asks for. Options given twice hold the later value.
 struct Options {

@@ -7,11 +7,13 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "driver/options.h"
+#include "driver/settings.h"
+#include "output/banked.h"
 #include "output/listing.h"
 #include "output/prg.h"
 #include "output/xex.h"
 #include "passes/pipeline.h"
-#include "source/literals.h"
+#include "source/preprocessor.h"
 
 namespace kiln {
 namespace {
@@ -51,27 +53,6 @@ std::optional<std::string> readInputs(Host& host, const std::vector<std::string>
   return source;
 }
 
-std::vector<std::string_view> splitLines(std::string_view source) {
-  std::vector<std::string_view> lines;
-  Fields fields(source, '\n');
-  std::string_view line;
-  while (fields.next(line))
-    lines.push_back(line);
-  return lines;
-}
-
-void applyOptions(const Options& options, Settings& settings) {
-  settings.verbose = options.verbose;
-  settings.codeBankRegister = options.codeRegister;
-  settings.dataBankRegister = options.dataRegister;
-  if (options.codeWindow.end != 0) settings.codeWindow = options.codeWindow;
-  if (options.dataWindow.end != 0) settings.dataWindow = options.dataWindow;
-  settings.splitBank = options.shortSplit || options.longSplit;
-  if (options.longSplit) settings.dataWindow = options.splitDataWindow;
-  for (const auto& [name, wording] : options.defines)
-    settings.defines.push_back({name, parseDefinition(wording)});
-}
-
 // All messages in one write: there may be a million of them.
 void printMessages(Console& console, std::string_view prefix, const MessageList& messages) {
   std::string text;
@@ -90,8 +71,11 @@ uint32_t chooseRunAddress(const Options& options, Assembler& assembler) {
 }
 
 std::optional<Image> buildImage(Host& host, const Options& options, Assembler& assembler, bool prg) {
-  if (prg) return writePrg(assembler.segments);
-  return writeXex(assembler.segments, assembler.shadowPlan, chooseRunAddress(options, assembler), host);
+  const std::vector<AsSegment>& segments = assembler.segments;
+  if (prg) return writePrg(segments);
+  const uint32_t runAddress = chooseRunAddress(options, assembler);
+  if (!options.banked) return writeXex(segments, assembler.shadowPlan, runAddress, host);
+  return writeBanked(segments, assembler.shadowPlan, assembler.settings.banking, runAddress, host);
 }
 
 void printSummary(Console& console, const std::string& input, const std::string& output,
@@ -120,9 +104,14 @@ int run(Host& host, std::span<const std::string> arguments) {
 
   Assembler assembler;
   assembler.diagnostics.mainSourcePath = options.inputs.front();
-  applyOptions(options, assembler.settings);
+  const std::string layoutError = settle(host, arguments, options, assembler.settings);
+  if (!layoutError.empty()) {
+    host.printError(concat({"kiln-as: cannot read layout '", *options.layout, "': ", layoutError, "\n"}));
+    return 1;
+  }
   // The settings are fixed below this line.
-  assembler.lines = splitLines(assembler.texts.own(std::move(*source)));
+  Preprocessor preprocessor(host, options.includePaths, assembler.texts, assembler.diagnostics.errors);
+  assembler.lines = preprocessor.run(assembler.texts.own(std::move(*source)), options.inputs.front());
   const bool assembled = assemble(assembler);
   printMessages(host, "kiln-as: warning: ", assembler.diagnostics.warnings);
   if (!assembled) {

@@ -55,10 +55,21 @@ bool readAll(int descriptor, std::string& bytes) {
   return true;
 }
 
+// The system's calls end a path at its first NUL, and would so reach another file than the one named.
+bool isNameable(const std::string& path) { return path.find('\0') == std::string::npos; }
+
+bool readStatus(const std::string& path, struct stat& status) {
+  return isNameable(path) && ::stat(path.c_str(), &status) == 0;
+}
+
+int openFile(const std::string& path, int flags) {
+  return isNameable(path) ? ::open(path.c_str(), flags | O_CLOEXEC, 0666) : -1;
+}
+
 }  // namespace
 
 std::optional<std::string> RealHost::readFile(const std::string& path) const {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const FileDescriptor file(openFile(path, O_RDONLY));
   if (!file.isOpen()) return std::nullopt;
   std::string bytes;
   struct stat status {};
@@ -71,16 +82,16 @@ std::optional<std::string> RealHost::readFile(const std::string& path) const {
 
 bool RealHost::exists(const std::string& path) const {
   struct stat status {};
-  return ::stat(path.c_str(), &status) == 0;
+  return readStatus(path, status);
 }
 
 bool RealHost::isDirectory(const std::string& path) const {
   struct stat status {};
-  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+  return readStatus(path, status) && S_ISDIR(status.st_mode);
 }
 
 bool RealHost::writeFile(const std::string& path, std::string_view bytes) {
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  FileDescriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
   return file.isOpen() && writeAll(file.number(), bytes) && file.close();
 }
 

@@ -94,7 +94,6 @@ void closeCloakedEntry(AsLayout& layout, std::string_view path) {
 
 void checkCloakedIds(AsLayout& layout, std::string_view path) {
   std::unordered_set<std::string_view> seen;
-  seen.reserve(layout.cloakedIds.size());
   for (const std::string& id : layout.cloakedIds) {
     if (seen.insert(id).second) continue;
     layout.error = concat({path, ": duplicate [cloaked] id '", id,

@@ -42,19 +42,9 @@ constexpr BankingKey bankingKeys[] = {
 };
 // clang-format on
 
-constexpr bool matches(const BankingKey& row, std::string_view key) {
+bool matches(const BankingKey& row, std::string_view key) {
   return row.end.empty() ? key == row.begin : key.starts_with(row.begin) && key.ends_with(row.end);
 }
-
-constexpr bool noExactKeyMatchesAPattern() {
-  for (const BankingKey& exact : bankingKeys) {
-    for (const BankingKey& pattern : bankingKeys) {
-      if (exact.end.empty() && !pattern.end.empty() && matches(pattern, exact.begin)) return false;
-    }
-  }
-  return true;
-}
-static_assert(noExactKeyMatchesAPattern());
 
 const BankingKey* findBankingKey(std::string_view key) {
   for (const BankingKey& row : bankingKeys) {

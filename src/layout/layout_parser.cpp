@@ -35,7 +35,7 @@ Section sectionOf(std::string_view name) {
   return equalIgnoringCase(name, "cloaked") ? Section::Cloaked : Section::Other;
 }
 
-// The sections and keys of one file.
+// The sections and keys of one file; nothing is read into a layout that has an error.
 class KeyReader {
  public:
   KeyReader(AsLayout& layout, std::string_view path) : layout_(layout), path_(path) {}
@@ -134,7 +134,7 @@ class LayoutLoader {
     for (;;) {
       OpenLayout& top = open_.back();
       if (startNextInclude(top)) continue;
-      if (top.layout.error.empty()) KeyReader(top.layout, top.path).read(top.text);
+      KeyReader(top.layout, top.path).read(top.text);
       if (open_.size() == 1) return std::move(top.layout);
       closeTop();
     }

@@ -11,6 +11,7 @@
 
 #include "base/diagnostics.h"
 #include "base/text_store.h"
+#include "output/bank_values.h"
 #include "output/segment.h"
 #include "passes/code_regions.h"
 #include "source/expression.h"
@@ -25,25 +26,12 @@ struct NamedValue {
   int64_t value;
 };
 
-// An address range, both ends inclusive; both 0 = not set.
-struct Window {
-  uint32_t start = 0;
-  uint32_t end = 0;
-};
-
 // Written by the driver before the run, constant from there on.
 struct Settings {
   bool verbose = false;
   std::vector<NamedValue> seeds;    // platform equates; a label may take the place of one
   std::vector<NamedValue> defines;  // "-D", in order
-  uint32_t codeBankRegister = 0;    // address; 0 = none
-  uint32_t dataBankRegister = 0;
-  Window codeWindow;
-  Window dataWindow;
-  bool splitBank = false;
-  Window mainRegion;    // 0 = the banked writer's own
-  Window regcWindow;    // 0 = no regc banking
-  Window regcRegister;  // addresses of its low and high byte; 0 = none
+  BankedSettings banking;           // the bank window is the code window: both ends 0 = none
 };
 
 // What one iteration finds out. Each iteration has its own, so that nothing of the one before is left in it.

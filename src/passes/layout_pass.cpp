@@ -169,9 +169,10 @@ void LayoutPass::moveTo(uint32_t address) {
 // An origin inside the code window begins a bank of its own, although no name leads to it.
 void LayoutPass::setOrigin(int64_t address) {
   pc_ = low16(address);
-  const Window& window = settings_.codeWindow;
-  const bool windowIsSet = window.start != 0 || window.end != 0;
-  if (windowIsSet && window.start <= pc_ && pc_ <= window.end) ++bankCounter_;
+  const uint32_t low = settings_.banking.bankWindowLow;
+  const uint32_t high = settings_.banking.bankWindowHigh;
+  const bool windowIsSet = low != 0 || high != 0;
+  if (windowIsSet && low <= pc_ && pc_ <= high) ++bankCounter_;
   currentBank_ = 0;
 }
 
@@ -180,7 +181,7 @@ void LayoutPass::selectBank(const AsLine& line) {
   if (isNew) entry->second = ++bankCounter_;
   currentBank_ = entry->second;
   iteration_.symbols.set(iteration_.texts.join({"__bank_", line.operand}), currentBank_);
-  moveTo(low16(settings_.codeWindow.start));
+  moveTo(low16(settings_.banking.bankWindowLow));
 }
 
 void LayoutPass::setStageAddress(const AsLine& line) {

@@ -39,7 +39,7 @@ bool assemble(Assembler& assembler) {
   Diagnostics& diagnostics = assembler.diagnostics;
   diagnostics.errors.keepRecorded();
   diagnostics.warnings.keepRecorded();
-  const uint32_t bankOrigin = low16(assembler.settings.codeWindow.start);
+  const uint32_t bankOrigin = low16(assembler.settings.banking.bankWindowLow);
   for (int round = 1; round <= iterationLimit; ++round) {
     parseAndLayOut(assembler);
     if (!diagnostics.errors.empty()) return false;

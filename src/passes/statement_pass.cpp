@@ -11,8 +11,9 @@ void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
     symbol.value = seed.value;
     symbol.seed = true;
   }
-  if (settings.codeBankRegister != 0) symbols.set("__bank_code_reg", settings.codeBankRegister);
-  if (settings.dataBankRegister != 0) symbols.set("__bank_data_reg", settings.dataBankRegister);
+  const BankedSettings& banking = settings.banking;
+  if (banking.codeBankRegister != 0) symbols.set("__bank_code_reg", banking.codeBankRegister);
+  if (banking.dataBankRegister != 0) symbols.set("__bank_data_reg", banking.dataBankRegister);
   for (const NamedValue& define : settings.defines)
     symbols.set(define.name, define.value);
 }

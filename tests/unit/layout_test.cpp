@@ -95,30 +95,37 @@ TEST(Layout, RangesAreFoundAnywhereInAValue) {
   }
 }
 
+const std::string everyKey =
+    "[banking]\ndatawindow = $14-$15\ncodewindow = $12-$13\nwindow = $10-$11\nregisters = $16, $17\n"
+    "regcwindow = $18-$19\nregcpagesize = $1A\nregcreg = $1B-$1C\n[memory]\nmain = $1-$2\n";
+const std::string everyField =
+    "banking window $10-$11 main $1-$2 split half $12-$13 data $14-$15 registers $16-$17 regc regcWindow $18-$19 "
+    "regcPage $1A-$0 regcReg $1B-$1C";
+
 TEST(Layout, BankingKeysSetTheirFields) {
-  expectAll("[banking]\n",
-            {{"", ""},
-             {"unknown = 1", "banking"},
-             {"Code Bank-Window = $1-$2", "banking window $1-$2"},
-             {"data-window = $1-$2", "banking data $1-$2"},
-             {"regc-window = $1-$2\nmy-reg = 3", "banking"},
-             {"code-reg = $82\ndata-reg = 131", "banking registers $82-$83"},
-             {"code-reg = $1-$2", "banking"},
-             {"CodeReg = 1\nDATAREG = 2", "banking registers $1-$2"},
-             {"codereg = 1\ncodereg = 1x\ncodereg = 0", "banking"},
-             {"datawindow = $6000-$7FFF", "banking data $6000-$7FFF"},
-             {"regcwindow = $1-$2", "banking regc regcWindow $1-$2"},
-             {"regcpagesize = 16", "banking regc regcPage $10-$0"},
-             {"regcreg = $D5-$D6", "banking regc regcReg $D5-$D6"},
-             {"regcreg = $D5-$D6\nregcreg = 5", "banking regc regcReg $5-$0"},
-             {"regcregion = $1-$2", "banking regc"},
-             {"regcregionspan = $1-$2", "banking regc"},
-             {"regcwindow = 1\nregcpagesize = $1-$2\nregcreg = x\nregcregion = 1\nregcregionspan = 1", "banking"}});
+  expectAll(everyKey, {{"", everyField}});
+  expectAll("[banking]\n", {{"", ""},
+                            {"Code Bank-Window = $1-$2\ndata-window = $3-$4", "banking window $1-$2 data $3-$4"},
+                            {"code-reg = $82\ndata-reg = 131", "banking registers $82-$83"},
+                            {"CodeReg = 1\nDATAREG = 2", "banking registers $1-$2"},
+                            {"codereg = 1\ncodereg = 1x\ncodereg = 0", "banking"},
+                            {"regcpagesize = 16", "banking regc regcPage $10-$0"},
+                            {"regcwindow = $1-$2", "banking regc regcWindow $1-$2"},
+                            {"regcreg = $D5-$D6\nregcreg = 5", "banking regc regcReg $5-$0"},
+                            {"regcregion = $1-$2", "banking regc"},
+                            {"regcregionspan = $1-$2", "banking regc"}});
+  for (const char* range : {"code-window", "data-window", "window", "codewindow", "datawindow", "regcwindow",
+                            "regcregion", "regcregionspan"}) {
+    EXPECT_EQ(shown(parsed(concat({"[banking]\n", range, "= 1"}))), "banking") << range;
+  }
+  for (const char* number : {"code-reg", "data-reg", "codereg", "datareg", "regcpagesize", "my-reg", "regc-window"}) {
+    EXPECT_EQ(shown(parsed(concat({"[banking]\n", number, "= $1-$2\n", "regcreg = x"}))), "banking") << number;
+  }
 }
 
 TEST(Layout, CodeWindowEndsWhereAnEarlierDataWindowEnds) {
-  expectAll("[banking]\n", {{"datawindow = $6000-$7FFF\ncodewindow = $4000-$5FFF",
-                             "banking window $4000-$7FFF split half $4000-$5FFF data $6000-$7FFF"},
+  expectAll("[banking]\n", {{"datawindow = $0-$7FFF\ncodewindow = $4000-$5FFF",
+                             "banking window $4000-$7FFF split half $4000-$5FFF data $0-$7FFF"},
                             {"codewindow = $4000-$5FFF\ndatawindow = $6000-$7FFF",
                              "banking window $4000-$0 split half $4000-$5FFF data $6000-$7FFF"},
                             {"window = $1-$2\ncodewindow = $0-$5FFF", "banking window $1-$2 split half $0-$5FFF"},
@@ -159,7 +166,7 @@ TEST(Layout, CloakedEntriesNameTheirIds) {
   const std::string repeated = "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)";
   expectAll("[cloaked]\n",
             {{"", "'lib'"},
-             {"bank = 3\nid = Ext 1\nother = 2\n[CLOAKED]\nbank = 4-5\nid = ext<n>", "'Ext 1' 'ext4' 'ext5'"},
+             {"bank = 3\nid = Ext 1\nother = 2-3\n[CLOAKED]\nbank = 4-5\nid = ext<n>", "'Ext 1' 'ext4' 'ext5'"},
              {"bank = $9 - $B\nid = <n>a<n>b", "'9a9b' '10a10b' '11a11b'"},
              {"bank = 3\nid = ext<n>", "d/t.lnk: [cloaked] id 'ext<n>" + notRange},
              {"bank = 1-2\nbank = none\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
@@ -217,6 +224,7 @@ TEST(Layout, LoadingReadsIncludesFirst) {
       // Circles, however the way round is written.
       {{{"t/x.lnk", "#include \"x.lnk\""}}, "t/x.lnk: #include of 'x.lnk' never ends"},
       {{{"t/x.lnk", "#include \"./x.lnk\""}, {"t/./x.lnk", ""}}, "t/x.lnk: #include of './x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"./a\""}, {"t/./a", "#include \"a\""}}, "t/./a: #include of 'a' never ends"},
       {{{"t/x.lnk", "#include \"s/a\""}, {"t/s/a", "#include \"../x.lnk\""}, {"t/s/../x.lnk", ""}},
        "t/s/a: #include of '../x.lnk' never ends"},
       {{{"t/x.lnk", "#include \"a\"\n#include \"a\"\n#include \"b\""}, {"t/a", ""}, {"t/b", "#include \"a\""}}, ""}};
@@ -228,23 +236,18 @@ TEST(Layout, LoadingReadsIncludesFirst) {
 }
 
 TEST(Layout, MergingFillsEachFieldThatIsNotSet) {
-  const std::string text =
-      "[banking]\ndatawindow = $14-$15\ncodewindow = $12-$13\nwindow = $10-$11\nregisters = $16, $17\n"
-      "regcwindow = $18-$19\nregcpagesize = $1A\nregcreg = $1B-$1C\n[memory]\nmain = $1-$2\n";
-  std::string otherText = text + "[cloaked]\nid = a";
+  std::string otherText = everyKey + "[cloaked]\nid = a";
   for (char& c : otherText)
     c = c == '1' ? '2' : c;
-  const AsLayout full = parsed(text);
+  const AsLayout full = parsed(everyKey);
   AsLayout filled;
   mergeLayout(filled, full);
-  EXPECT_EQ(shown(filled),
-            "banking window $10-$11 main $1-$2 split half $12-$13 data $14-$15 registers $16-$17 regc "
-            "regcWindow $18-$19 regcPage $1A-$0 regcReg $1B-$1C");
+  EXPECT_EQ(shown(filled), everyField);
   AsLayout other = parsed(otherText);
   other.error = "e";
   mergeLayout(filled, other);
   mergeLayout(filled, AsLayout{});
-  EXPECT_EQ(shown(filled), shown(full));
+  EXPECT_EQ(shown(filled), everyField);
   parseLayout(filled, MemoryFiles{}, "t", "[banking]\ncodereg = 0");
   EXPECT_EQ(filled.codeReg, 0u);
   EXPECT_EQ(filled.dataReg, 0x17u);

@@ -3,8 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "support/machine.h"
 

@@ -1,0 +1,108 @@
+#include "source/macros.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "source/statements.h"
+
+namespace kiln {
+namespace {
+
+// A label is seen before a macro's name only when its colon stands in the first columns.
+constexpr size_t labelColumns = 20;
+
+struct Call {
+  const Macro* macro = nullptr;  // null: the line calls none
+  std::string_view label;        // up to and including its colon; empty without one
+  std::string_view arguments;
+};
+
+Call findCall(const MacroTable& macros, std::string_view line) {
+  Call call;
+  std::string_view rest = trim(withoutComment(line));
+  const size_t colon = rest.substr(0, labelColumns).find(':');
+  if (colon != std::string_view::npos && beginsLikeLabel(trim(rest.substr(0, colon)))) {
+    call.label = rest.substr(0, colon + 1);
+    rest.remove_prefix(colon + 1);
+  }
+  const std::string_view name = takeWord(rest);
+  if (!name.empty()) call.macro = macros.find(name);
+  call.arguments = trim(rest);
+  return call;
+}
+
+// `line` with every occurrence of `name` replaced, left to right; `line` itself when there is none.
+void replaceAll(std::string& line, std::string_view name, std::string_view argument, std::string& scratch) {
+  size_t at = line.find(name);
+  if (at == std::string::npos) return;
+  scratch.clear();
+  size_t copied = 0;
+  for (; at != std::string::npos; at = line.find(name, copied)) {
+    scratch.append(line, copied, at - copied).append(argument);
+    copied = at + name.size();
+  }
+  scratch.append(line, copied);
+  line.swap(scratch);
+}
+
+}  // namespace
+
+Macro& MacroTable::define(std::string_view head) {
+  const std::string_view name = takeWord(head);
+  Macro& macro = macros_.emplace_back();
+  Fields parameters(head, ',');
+  std::string_view parameter;
+  while (parameters.next(parameter)) {
+    parameter = trim(parameter);
+    if (!parameter.empty()) macro.parameters.push_back(parameter);
+  }
+  byName_[name] = macros_.size() - 1;
+  return macro;
+}
+
+const Macro* MacroTable::find(std::string_view name) const {
+  const auto at = byName_.find(name);
+  return at == byName_.end() ? nullptr : &macros_[at->second];
+}
+
+void instantiateMacro(const Macro& macro, std::string_view arguments, TextStore& texts,
+                      std::vector<std::string_view>& lines) {
+  std::vector<std::string_view> values;
+  if (!arguments.empty()) {
+    Fields fields(arguments, ',');
+    std::string_view value;
+    while (fields.next(value))
+      values.push_back(trim(value));
+  }
+  const size_t pairs = std::min(values.size(), macro.parameters.size());
+  std::string line;
+  std::string scratch;
+  for (std::string_view bodyLine : macro.body) {
+    line = bodyLine;
+    for (size_t i = 0; i < pairs; ++i)
+      replaceAll(line, macro.parameters[i], values[i], scratch);
+    lines.push_back(line == bodyLine ? bodyLine : texts.join({line}));
+  }
+}
+
+size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_view>& lines, size_t begin, size_t end) {
+  while (begin < end && findCall(macros, lines[begin]).macro == nullptr)
+    ++begin;
+  return begin;
+}
+
+void expandMacros(const MacroTable& macros, TextStore& texts, std::vector<std::string_view>& lines, size_t begin) {
+  const std::vector<std::string_view> originals(lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end());
+  lines.resize(begin);
+  for (std::string_view line : originals) {
+    const Call call = findCall(macros, line);
+    if (call.macro == nullptr) {
+      lines.push_back(line);
+      continue;
+    }
+    if (!call.label.empty()) lines.push_back(call.label);
+    instantiateMacro(*call.macro, call.arguments, texts, lines);
+  }
+}
+
+}  // namespace kiln

@@ -1,0 +1,46 @@
+// Macros: text templates whose parameters are replaced as plain text.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/text_store.h"
+
+namespace kiln {
+
+struct Macro {
+  std::vector<std::string_view> parameters;
+  std::vector<std::string_view> body;  // lines as written, indentation and comments included
+};
+
+// All macros of a run. The last definition of a name holds.
+class MacroTable {
+ public:
+  // The new macro, with an empty body. `head` is the text behind ".macro ": a name, then the parameters.
+  Macro& define(std::string_view head);
+
+  // Letter case counts. Null when there is none.
+  const Macro* find(std::string_view name) const;
+
+  // Definitions so far, repeated ones included: when it has not changed, no line has another meaning than before.
+  size_t count() const { return macros_.size(); }
+
+ private:
+  std::vector<Macro> macros_;
+  std::unordered_map<std::string_view, size_t> byName_;
+};
+
+// Appends the body lines with each parameter that has an argument replaced by it: one parameter after the other, so
+// that a later one also applies to what an earlier one brought in. `arguments` is the text behind the macro's name.
+void instantiateMacro(const Macro& macro, std::string_view arguments, TextStore& texts,
+                      std::vector<std::string_view>& lines);
+
+// The index of the first of lines [begin, end) that calls a macro; `end` when none does.
+size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_view>& lines, size_t begin, size_t end);
+
+// Replaces every line from index `begin` on that calls a macro. What a macro gives is not looked at again.
+void expandMacros(const MacroTable& macros, TextStore& texts, std::vector<std::string_view>& lines, size_t begin);
+
+}  // namespace kiln

@@ -1,0 +1,61 @@
+// Source text to the flat list of lines that the passes read: includes replaced, macros collected and expanded.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/diagnostics.h"
+#include "base/text_store.h"
+#include "host/file_reader.h"
+#include "source/macros.h"
+
+namespace kiln {
+
+class Preprocessor {
+ public:
+  // `texts` takes the included files; the lines are views into it. Files that are not found, or never end, are errors.
+  Preprocessor(const FileReader& files, const std::vector<std::string>& includePaths, TextStore& texts,
+               MessageList& errors)
+      : files_(files), includePaths_(includePaths), texts_(texts), errors_(errors) {}
+
+  // The lines of a source; `path` is where its own includes are looked for first. N line ends give N + 1 lines.
+  std::vector<std::string_view> run(std::string_view text, std::string_view path);
+
+ private:
+  // A file that is being read. Files nest as deep as memory allows, so they are kept here and not on the call stack.
+  struct OpenFile {
+    std::string_view path;  // as the include names it
+    std::string_view text;
+    size_t next = 0;             // where in the text the next line begins; past the end when there is none
+    size_t firstLine = 0;        // its first line among all
+    Macro* openMacro = nullptr;  // being defined
+  };
+
+  // Lines [begin, end) called no macro when there were `macroCount` definitions.
+  struct Settled {
+    size_t begin;
+    size_t end;
+    size_t macroCount;
+  };
+
+  void readLine(OpenFile& file, std::string_view line);
+  void include(std::string_view argument, std::string_view includingPath);
+  void open(std::string_view text, std::string_view path);
+  void closeFile();
+  void expandFrom(size_t begin);
+  size_t findUnsettledCall(size_t begin) const;
+
+  const FileReader& files_;
+  const std::vector<std::string>& includePaths_;
+  TextStore& texts_;
+  MessageList& errors_;
+  MacroTable macros_;
+  std::vector<OpenFile> openFiles_;
+  std::unordered_map<std::string_view, std::vector<std::string_view>> openTexts_;  // by path
+  std::vector<std::string_view> lines_;
+  std::vector<Settled> settled_;  // in order, apart from each other
+};
+
+}  // namespace kiln

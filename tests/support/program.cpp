@@ -1,0 +1,89 @@
+#include "support/program.h"
+
+#include <gtest/gtest.h>
+
+#include "driver/run.h"
+#include "output/image.h"
+
+namespace kiln::test {
+
+std::string bytes(const std::string& hex) {
+  std::string spelled;
+  appendHexText(spelled, hex);
+  return spelled;
+}
+
+std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, unsigned runAddress) {
+  std::string file = "\xFF\xFF";
+  const auto word = [&file](size_t value) {
+    file.push_back(static_cast<char>(value & 0xFF));
+    file.push_back(static_cast<char>(value >> 8 & 0xFF));
+  };
+  for (const auto& [address, hex] : segments) {
+    const std::string content = bytes(hex);
+    if (content.empty()) continue;
+    word(address);
+    word(address + content.size() - 1);
+    file += content;
+  }
+  word(0x02E0);
+  word(0x02E1);
+  word(runAddress);
+  return file;
+}
+
+std::string say(const std::string& text) { return "kiln-as: " + text + "\n"; }
+
+void expectRun(const Run& run, void (*prepare)(MemoryHost&)) {
+  SCOPED_TRACE("source:\n" + run.source.substr(0, 2000));
+  MemoryHost host;
+  host.files = run.files;
+  host.files.try_emplace("main.asm", run.source);
+  if (prepare != nullptr) prepare(host);
+  std::vector<std::string> arguments = {"kiln-as"};
+  arguments.insert(arguments.end(), run.arguments.begin(), run.arguments.end());
+  EXPECT_EQ(kiln::run(host, arguments), run.status);
+  EXPECT_EQ(host.standardError, run.standardError);
+  EXPECT_EQ(host.standardOutput, run.standardOutput);
+  EXPECT_EQ(host.written, run.written);
+}
+
+namespace {
+
+std::string messages(const std::string& kind, const std::vector<std::string>& texts) {
+  std::string lines;
+  for (const std::string& text : texts)
+    lines += say(kind + ": " + text);
+  return lines;
+}
+
+std::vector<std::string> withMain(const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = options;
+  arguments.push_back("main.asm");
+  return arguments;
+}
+
+}  // namespace
+
+void expectCode(const std::string& source, const std::vector<std::pair<unsigned, std::string>>& segments,
+                const std::vector<std::string>& warnings, const std::vector<std::string>& options) {
+  size_t size = 0;
+  for (const auto& [address, hex] : segments)
+    size += bytes(hex).size();
+  const std::string count = std::to_string(segments.size()) + (segments.size() == 1 ? " segment)" : " segments)");
+  expectRun({.source = source,
+             .arguments = withMain(options),
+             .standardError = messages("warning", warnings) +
+                              say("assembled 'main.asm' -> 'main.xex' (" + std::to_string(size) + " bytes, " + count),
+             .written = {{"main.xex", xex(segments, segments.empty() ? 0x3400 : segments.front().first)}}});
+}
+
+void expectErrors(const std::string& source, const std::vector<std::string>& errors,
+                  const std::vector<std::string>& warnings, const std::vector<std::string>& options) {
+  expectRun({.source = source,
+             .arguments = withMain(options),
+             .status = 1,
+             .standardError = messages("warning", warnings) + messages("error", errors)});
+}
+
+}  // namespace kiln::test
