@@ -17,6 +17,7 @@
 // other register rules, in the wrong bank; hence the checks. They look at lengths alone, not at where a segment ends.
 #include "output/banked.h"
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 

@@ -14,7 +14,9 @@
 // table, has eight bits: 41 pieces and the last entry are within its reach, and nothing here stops a program with more.
 #include "output/shadow.h"
 
+#include <initializer_list>
 #include <optional>
+#include <string_view>
 
 #include "base/format.h"
 
@@ -32,7 +34,7 @@ constexpr std::string_view hideRom =
     "08 "        // PHP
     "78 "        // SEI
     "A9 00 "     // LDA #$00
-    "8D 0E D4 "  // STA $D40E   NMIEN: no interrupts of either kind, for their vectors are in the ROM
+    "8D 0E D4 "  // STA $D40E   NMIEN: no interrupt of either kind from here on, for their vectors are in the ROM
     "AD 01 D3 "  // LDA $D301   PORTB
     "29 FE "     // AND #$FE
     "8D 01 D3 "  // STA $D301
@@ -116,7 +118,7 @@ bool fail(Console& console, std::initializer_list<std::string_view> message) {
 }  // namespace
 
 bool stageShadow(Image& image, uint32_t stageAddress, const std::vector<Piece>& pieces, Console& console) {
-  const uint64_t payload = stageAddress + stubSize + entrySize * (pieces.size() + 1);
+  const uint64_t payload = uint64_t{stageAddress} + stubSize + entrySize * (pieces.size() + 1);
   uint64_t end = payload;
   for (const Piece& piece : pieces)
     end += piece.bytes.size();

@@ -48,6 +48,12 @@ struct Iteration {
   std::unordered_map<std::string_view, uint32_t> bankNumbers;  // by the operand of ".bank"
 };
 
+// The targets that calls have been staged for so far: operands as their statements have them, qualified.
+struct StageTargets {
+  std::vector<std::string_view> operands;
+  std::unordered_map<std::string_view, size_t> numbers;
+};
+
 // One run.
 struct Assembler {
   Settings settings;
@@ -55,6 +61,7 @@ struct Assembler {
   TextStore texts;
   std::vector<std::string_view> lines;  // the expanded source; the rewriters change it between iterations
   uint32_t rewriteCount = 0;            // numbers the labels of the long-branch rewriter, never reset
+  StageTargets stageTargets;            // of the cross-bank stager, numbered on likewise
   ShadowPlan shadowPlan;                // what the directives said last, in whichever iteration
   std::optional<Iteration> iteration;   // the last one
   std::vector<AsSegment> segments;      // filled by the emission pass

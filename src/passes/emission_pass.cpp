@@ -3,26 +3,22 @@
 #include "base/arithmetic.h"
 #include "base/text.h"
 #include "isa/operand_checks.h"
+#include "passes/segment_cursor.h"
 #include "source/operands.h"
 
 namespace kiln {
 namespace {
 
-// A gap this long or longer begins a new segment; a shorter one is filled.
-constexpr uint32_t shortestSplit = 256;
-
 class EmissionPass {
  public:
   EmissionPass(Iteration& iteration, uint32_t bankOrigin, Diagnostics& diagnostics)
-      : iteration_(iteration), bankOrigin_(bankOrigin), diagnostics_(diagnostics) {}
+      : iteration_(iteration), bankOrigin_(bankOrigin), diagnostics_(diagnostics), cursor_(iteration.codeRegions) {}
 
   std::vector<AsSegment> run();
 
  private:
   void emitStatement(AsLine& line);
   void emitOrigin(uint32_t target);
-  bool fillsGap(uint32_t target) const;
-  bool crossesRegions(uint32_t target) const;
   void openCloaked(std::string_view argument);
   AsSegment& openSegment(uint32_t address);
   std::vector<uint8_t>& currentBytes();
@@ -33,9 +29,8 @@ class EmissionPass {
   Iteration& iteration_;
   const uint32_t bankOrigin_;
   Diagnostics& diagnostics_;
-  std::vector<AsSegment> segments_;
-  bool hasCurrent_ = false;  // the last segment is the one to append to
-  uint32_t pc_ = 0;
+  SegmentCursor cursor_;
+  std::vector<AsSegment> segments_;  // the last one is the one to append to while the cursor is open
   std::string scratch_;
 };
 
@@ -50,7 +45,7 @@ std::vector<AsSegment> EmissionPass::run() {
     } else if (line.kind == Kind::CloakedSegment) {
       openCloaked(line.operand);
     } else if (line.kind == Kind::CloakedSegmentEnd) {
-      hasCurrent_ = false;
+      cursor_.close();
     }
   }
   return std::move(segments_);
@@ -79,29 +74,18 @@ void EmissionPass::emitStatement(AsLine& line) {
       bytes.resize(bytes.size() + line.size);
       break;
   }
-  pc_ = (pc_ + line.size) & 0xFFFF;
+  cursor_.advance(line.size);
 }
 
 void EmissionPass::emitOrigin(uint32_t target) {
-  if (!fillsGap(target)) {
+  if (cursor_.splitsAt(target)) {
     openSegment(target);
     return;
   }
+  const uint32_t gap = target - cursor_.pc();
   std::vector<uint8_t>& bytes = segments_.back().bytes;
-  bytes.resize(bytes.size() + (target - pc_));
-  pc_ = target;
-}
-
-bool EmissionPass::fillsGap(uint32_t target) const {
-  if (!hasCurrent_ || target < pc_ || target - pc_ >= shortestSplit) return false;
-  const AsSegment& current = segments_.back();
-  return !(current.bytes.empty() && current.start == target) && !crossesRegions(target);
-}
-
-bool EmissionPass::crossesRegions(uint32_t target) const {
-  if (iteration_.codeRegions.count() < 2) return false;
-  const int32_t from = iteration_.codeRegions.find(pc_);
-  return from >= 0 && from < iteration_.codeRegions.find(target);
+  bytes.resize(bytes.size() + gap);
+  cursor_.advance(gap);
 }
 
 void EmissionPass::openCloaked(std::string_view argument) {
@@ -116,14 +100,13 @@ void EmissionPass::openCloaked(std::string_view argument) {
 }
 
 AsSegment& EmissionPass::openSegment(uint32_t address) {
-  pc_ = address;
-  hasCurrent_ = true;
+  cursor_.open(address);
   segments_.emplace_back().start = address;
   return segments_.back();
 }
 
 std::vector<uint8_t>& EmissionPass::currentBytes() {
-  if (!hasCurrent_) openSegment(pc_);
+  if (!cursor_.isOpen()) openSegment(cursor_.pc());
   return segments_.back().bytes;
 }
 
@@ -148,7 +131,7 @@ void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
   encodeOperand({.mnemonic = line.mnemonic,
                  .mode = line.mode,
                  .line = line.lineNumber,
-                 .pc = pc_,
+                 .pc = cursor_.pc(),
                  .text = line.operand,
                  .expression = expression,
                  .value = value},

@@ -2,6 +2,7 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "passes/cross_bank.h"
 #include "passes/emission_pass.h"
 #include "passes/layout_pass.h"
 #include "passes/line_edits.h"
@@ -43,10 +44,15 @@ bool assemble(Assembler& assembler) {
   for (int round = 1; round <= iterationLimit; ++round) {
     parseAndLayOut(assembler);
     if (!diagnostics.errors.empty()) return false;
-    const std::vector<LineEdit> edits =
-        rewriteLongBranches(*assembler.iteration, bankOrigin, assembler.rewriteCount, assembler.texts);
-    if (edits.empty()) break;
-    noteProgress(assembler, round, "rewrote", edits.size(), "long branch", "long branches");
+    std::vector<LineEdit> edits;
+    if (const size_t staged = stageCrossBankCalls(assembler, edits); staged != 0) {
+      if (!diagnostics.errors.empty()) return false;
+      noteProgress(assembler, round, "staged", staged, "cross-bank call", "cross-bank calls");
+    } else {
+      edits = rewriteLongBranches(*assembler.iteration, bankOrigin, assembler.rewriteCount, assembler.texts);
+      if (edits.empty()) break;
+      noteProgress(assembler, round, "rewrote", edits.size(), "long branch", "long branches");
+    }
     // The lines stay as the statements know them when there is no iteration left to read them anew.
     if (round < iterationLimit) applyEdits(assembler.lines, edits);
   }

@@ -1,5 +1,7 @@
 #include "source/statements.h"
 
+#include <utility>
+
 #include "base/text.h"
 #include "source/directives.h"
 #include "source/operands.h"
@@ -49,23 +51,36 @@ std::string_view withoutComment(std::string_view line) {
   return line;
 }
 
-void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std::vector<AsLine>& statements) {
-  const std::string_view code = withoutComment(line);
-  const bool marked = line.find(longBranchComment) != std::string_view::npos;
-  const size_t before = statements.size();
-  const auto append = [&](std::string_view text) {
-    statements.push_back(parseStatement(text));
-    statements.back().lineNumber = lineNumber;
-    statements.back().longBranchMarked = marked;
-    applyScope(statements.back());
-  };
-  for (std::string_view rest = code; !rest.empty();) {
-    const size_t separator = rest.find(statementSeparator);
-    const std::string_view text = trim(rest.substr(0, separator));
-    if (!text.empty()) append(text);
-    rest = separator == std::string_view::npos ? "" : rest.substr(separator + statementSeparator.size());
+bool StatementTexts::next(std::string_view& text) {
+  while (!rest_.empty()) {
+    const size_t separator = rest_.find(statementSeparator);
+    text = trim(rest_.substr(0, separator));
+    rest_ = separator == std::string_view::npos ? "" : rest_.substr(separator + statementSeparator.size());
+    if (text.empty()) continue;
+    found_ = true;
+    return true;
   }
-  if (statements.size() == before) append(trim(code));
+  text = trim(code_);
+  return !std::exchange(found_, true);
+}
+
+std::string_view writtenOperand(std::string_view statement) {
+  AsLine ignored;
+  takeLabel(statement, ignored);
+  takeWord(statement);
+  return trim(statement);
+}
+
+void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std::vector<AsLine>& statements) {
+  const bool marked = line.find(longBranchComment) != std::string_view::npos;
+  StatementTexts texts(withoutComment(line));
+  std::string_view text;
+  while (texts.next(text)) {
+    AsLine& statement = statements.emplace_back(parseStatement(text));
+    statement.lineNumber = lineNumber;
+    statement.longBranchMarked = marked;
+    applyScope(statement);
+  }
 }
 
 AsLine StatementParser::parseStatement(std::string_view text) {

@@ -14,6 +14,24 @@ namespace kiln {
 // The line before its first ";" outside double quotes. A quote toggles; nothing escapes it.
 std::string_view withoutComment(std::string_view line);
 
+// Walks the statements of a line without its comment: the trimmed texts between the separators " : ", empty ones left
+// out. A line that has nothing else is one empty statement, or one that consists of the separator's colon.
+class StatementTexts {
+ public:
+  explicit StatementTexts(std::string_view code) : code_(code), rest_(code) {}
+
+  // Moves to the next statement; false when there is none left.
+  bool next(std::string_view& text);
+
+ private:
+  std::string_view code_;
+  std::string_view rest_;
+  bool found_ = false;
+};
+
+// The operand in the text of an instruction as it is written there, label and mnemonic cut off.
+std::string_view writtenOperand(std::string_view statement);
+
 // What the long-branch rewriter puts behind the branches that it makes.
 inline constexpr std::string_view longBranchComment = "; longbr";
 // How the labels begin that it makes; they open no scope.

@@ -51,18 +51,13 @@ std::string write(const Segments& segments, const BankedSettings& settings, cons
   return console.errors + (image ? hex(*image) : "nothing");
 }
 
-BankedSettings registers(uint32_t code, uint32_t data) {
-  BankedSettings settings;
-  settings.codeBankRegister = code;
-  settings.dataBankRegister = data;
-  return settings;
-}
+BankedSettings registers(uint32_t code, uint32_t data) { return {.codeBankRegister = code, .dataBankRegister = data}; }
 
-BankedSettings split() {
+BankedSettings split(uint32_t dataLow = 0x6000, uint32_t dataHigh = 0x6FFF) {
   BankedSettings settings = registers(0x82, 0x83);
   settings.splitBank = true;
-  settings.dataWindowLow = 0x6000;
-  settings.dataWindowHigh = 0x6FFF;
+  settings.dataWindowLow = dataLow;
+  settings.dataWindowHigh = dataHigh;
   return settings;
 }
 
@@ -147,39 +142,33 @@ TEST(BankCounters, everyKindCountsForItself) {
 }
 
 TEST(BankCounters, eachEndOfTheWindowHasItsDefaultAndNumbersWrap) {
-  BankedSettings settings;
-  settings.bankWindowHigh = 0x47FF;
-  EXPECT_EQ(numbers(settings, {{0x3FFF, 1}, {0x4000, 1}, {0x47FF, 1}, {0x4800, 1}}), "main; plain 1; plain 1; main; ");
-  settings.bankWindowLow = 0x4700;
-  settings.bankWindowHigh = 0;
-  EXPECT_EQ(numbers(settings, {{0x46FF, 1}, {0x4700, 1}, {0x7FFF, 1}, {0x8000, 1}}), "main; plain 1; plain 1; main; ");
-  BankCounters counters(settings);
+  EXPECT_EQ(numbers({.bankWindowHigh = 0x47FF}, {{0x3FFF, 1}, {0x4000, 1}, {0x47FF, 1}, {0x4800, 1}}),
+            "main; plain 1; plain 1; main; ");
+  EXPECT_EQ(numbers({.bankWindowLow = 0x4700}, {{0x46FF, 1}, {0x4700, 1}, {0x7FFF, 1}, {0x8000, 1}}),
+            "main; plain 1; plain 1; main; ");
+  BankCounters counters({});
   for (uint32_t i = 1; i < 0x10000; ++i)
     ASSERT_EQ(counters.next(0x7FFF, -1)->value, i);
   EXPECT_EQ(counters.next(0x4700, -1)->value, 0);
   EXPECT_EQ(counters.next(0x4700, -1)->value, 1);
 }
 
-TEST(Banked, theCodeRegisterIsRequiredForEveryBankedSegment) {
-  const std::string missing =
-      "kiln-as: banked output requires a code bank register from the layout (registers = <code>, <data>); none set — "
-      "there is no $82 default\nnothing";
-  EXPECT_EQ(write({{0x4000, {}}}, registers(0, 0x83)), missing);
-  EXPECT_EQ(write({{0x5000, {1}}}, regc(registers(0, 0x83))), missing);
-  EXPECT_EQ(write({{0x2000, {1}}}, registers(0, 0)), start + "00 20 00 20 01 " + end);
-}
-
-TEST(Banked, cloakedSegmentsAreCountedAndLeftOut) {
+TEST(Banked, cloakedSegmentsAreLeftOutAndBankedOnesNeedARegister) {
   const std::string unnumbered =
       "kiln-as: cloaked segments are only supported on xe-family targets (xeBankMask = 0); ignoring 2 segment(s)\n";
   const std::string numbered =
       "kiln-as: numbered-bank cloaked segments are only supported on xe-family targets (xeBankMask = 0); ignoring 1 "
       "segment(s)\n";
+  const std::string missing =
+      "kiln-as: banked output requires a code bank register from the layout (registers = <code>, <data>); none set — "
+      "there is no $82 default\nnothing";
   EXPECT_EQ(write({cloaked(-1, 1), cloaked(0, 1), cloaked(-1, 0)}, {}), unnumbered + numbered + start + end);
-  EXPECT_EQ(write({cloaked(5, 0)}, {}), numbered + start + end);
+  EXPECT_EQ(write({{0x4000, {}}, cloaked(5, 0)}, registers(0, 0x83)), numbered + missing);
+  EXPECT_EQ(write({{0x5000, {1}}}, regc(registers(0, 0x83))), missing);
+  EXPECT_EQ(write({{0x2000, {1}}}, registers(0, 0)), start + "00 20 00 20 01 " + end);
 }
 
-// Accepted with `size` bytes; with one more the message, which has two gaps, names the number.
+// Accepted with `size` bytes; with one more it is refused, and the message names the number between its two parts.
 void expectLimit(uint32_t at, const BankedSettings& settings, size_t size, const std::string& before,
                  const std::string& after) {
   ErrorText console;
@@ -204,13 +193,10 @@ TEST(Banked, segmentsMustFitTheirBank) {
   expectLimit(0x4800, split(), 0x2000, "kiln-as: banked code segment at $4800 is ",
               " bytes — exceeds the 8192B split-bank code half ($4000-$5FFF" + packer);
 
-  BankedSettings settings = split();
-  settings.dataWindowLow = settings.dataWindowHigh = 0;
-  expectLimit(0x6000, settings, 0x4000, "kiln-as: banked segment at $6000 is ",
+  expectLimit(0x6000, split(0, 0), 0x4000, "kiln-as: banked segment at $6000 is ",
               " bytes — exceeds the 16384B bank page size");
   // A data half below the window leaves no room for code at all.
-  settings.dataWindowLow = settings.dataWindowHigh = 0x3FFF;
-  EXPECT_EQ(write({{0x4000, {1}}}, settings),
+  EXPECT_EQ(write({{0x4000, {1}}}, split(0x3FFF, 0x3FFF)),
             "kiln-as: banked code segment at $4000 is 1 bytes — exceeds the -1B split-bank code half ($4000-$3FFE" +
                 packer + "\nnothing");
 }
@@ -219,9 +205,7 @@ TEST(Banked, mainSegmentsMustEndWithTheirRegion) {
   const std::string lost = " bytes. The program will load under vell (flat 64 KB) but crash on real hardware.";
   expectLimit(0xA000, {}, 0x2000, "kiln-as: main code segment at $A000 is ",
               " bytes — overflows the 8192B main region ($A000-$BFFF) by 1" + lost);
-  BankedSettings settings;
-  settings.mainRegionLow = 0xF000;
-  settings.mainRegionHigh = 0xFFFE;
+  const BankedSettings settings = {.mainRegionLow = 0xF000, .mainRegionHigh = 0xFFFE};
   expectLimit(0xFFFE, settings, 1, "kiln-as: main code segment at $FFFE is ",
               " bytes — overflows the 4095B main region ($F000-$FFFE) by 1" + lost);
   // Only what starts inside is checked.

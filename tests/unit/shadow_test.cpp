@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -55,7 +55,6 @@ TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
 
   test::Machine machine;
   machine.osRom = true;
-  machine.y = 0x99;
   machine.p = test::Machine::alwaysSet | test::Machine::carry;
   machine.poke(0xD301, 0xFD);
   std::vector<uint8_t> interrupts, ports;
@@ -65,14 +64,12 @@ TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
   };
   ASSERT_TRUE(machine.loadXex(image)) << machine.error;
 
-  std::vector<uint8_t> expected(0x10000);
-  std::copy(large.begin(), large.end(), expected.begin() + 0xD8F0);
-  std::copy(page.begin(), page.end(), expected.begin() + 0xC000);
-  expected[0xD900] = 0x5A;
-  for (uint32_t address = 0xC000; address < 0x10000; ++address) {
-    if (address >> 8 == 0xD3 || address >> 8 == 0xD4) continue;
-    ASSERT_EQ(machine.ram(static_cast<uint16_t>(address)), expected[address]) << address;
+  for (uint32_t i = 0; i <= large.size(); ++i) {
+    const uint8_t expected = i == 0x10 ? 0x5A : i < large.size() ? large[i] : 0;  // the third lies in the first
+    ASSERT_EQ(machine.ram(static_cast<uint16_t>(0xD8F0 + i)), expected) << i;
   }
+  for (uint32_t i = 0; i <= page.size(); ++i)
+    ASSERT_EQ(machine.ram(static_cast<uint16_t>(0xC000 + i)), i < page.size() ? page[i] : 0) << i;
   EXPECT_EQ(interrupts, (std::vector<uint8_t>{0, 0x40}));
   EXPECT_EQ(ports, (std::vector<uint8_t>{0xFC, 0xFD}));
   EXPECT_EQ(machine.p, test::Machine::alwaysSet | test::Machine::carry);
@@ -93,6 +90,7 @@ TEST(Shadow, itMustEndBelowTheTop) {
   const std::string tooLong =
       "kiln-as: shadow staging payload at $FF86 is 123 bytes, runs past $FFFF. Reduce shadow-region code size or pick "
       "a lower stage address.\n";
+  const std::vector<uint8_t> bytes = counting(8, 1);
   const struct {
     uint32_t stage;
     std::vector<size_t> sizes;  // of the pieces
@@ -110,12 +108,9 @@ TEST(Shadow, itMustEndBelowTheTop) {
       {0xFF80, {1, 1}, false, screenRam("$FF80-$10000", "32769") + overflows("$FF80")},
   };
   for (const auto& row : rows) {
-    std::vector<std::vector<uint8_t>> bytes;
-    for (size_t size : row.sizes)
-      bytes.push_back(counting(size, 1));
     std::vector<Piece> pieces;
-    for (const std::vector<uint8_t>& piece : bytes)
-      pieces.push_back({0xC000, piece});
+    for (size_t size : row.sizes)
+      pieces.push_back({0xC000, std::span(bytes).first(size)});
     ErrorText console;
     Image image = "x";
     EXPECT_EQ(stageShadow(image, row.stage, pieces, console), row.fits);

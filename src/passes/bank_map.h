@@ -1,0 +1,53 @@
+// Where the statements of an iteration will lie when they are written: in which bank, or in main memory.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "output/bank_values.h"
+#include "output/segment.h"
+#include "passes/assembler.h"
+
+namespace kiln {
+
+// The memory outside every bank window and every range of shadow code.
+class MainMemory {
+ public:
+  MainMemory(const BankedSettings& settings, const ShadowPlan& shadowPlan);
+
+  // True when all of `size` bytes from `address` (0..65535) lie in main memory.
+  bool holds(uint32_t address, uint64_t size) const;
+
+ private:
+  std::vector<uint32_t> taken_;  // how many addresses below the index are not in main memory
+};
+
+// A stretch of main memory that statements fill one behind the other, without an origin between them.
+struct MainRun {
+  uint32_t start = 0;
+  uint64_t size = 0;
+  size_t lastLine = 0;   // index of the source line with its last byte
+  bool isSplit = false;  // that line goes on somewhere else, so nothing can be put behind it
+};
+
+struct BankMap {
+  // The bank of each label that stands behind a ".bank", and of each name assigned from one. Absent inside when the
+  // writer does not bank the segment.
+  std::unordered_map<std::string_view, std::optional<BankValue>> labels;
+  std::vector<MainRun> mainRuns;
+  bool usesHighByte = false;        // some bank's number does not fit a byte
+  bool endsCloaked = false;         // the source ends inside a cloaked segment
+  std::optional<size_t> stageLine;  // index of the source line with the label "__bank_stage"
+  bool stageInMain = false;         // what is put behind that line lies in main memory
+};
+
+// The label that says where generated code goes.
+inline constexpr std::string_view stageLabel = "__bank_stage";
+
+// Walks the statements once they are laid out. Says nothing: what cannot be evaluated is reported by the other passes.
+BankMap mapBanks(Iteration& iteration, const BankedSettings& settings, const MainMemory& mainMemory);
+
+}  // namespace kiln

@@ -1,0 +1,40 @@
+// Where the next byte goes, and when a new segment opens for it.
+#pragma once
+
+#include <cstdint>
+
+#include "passes/code_regions.h"
+
+namespace kiln {
+
+// Follows the statements in order; whoever asks does with the segments what he likes. The regions must outlive it.
+class SegmentCursor {
+ public:
+  explicit SegmentCursor(const RegionList& regions) : regions_(regions) {}
+
+  uint32_t pc() const { return pc_; }
+
+  // False when no segment is at hand: the next byte needs a new one at pc().
+  bool isOpen() const { return isOpen_; }
+
+  // True when an origin begins a new segment; false when the gap up to it is filled instead.
+  bool splitsAt(uint32_t target) const;
+
+  // A new segment at `address`, 0..65535.
+  void open(uint32_t address);
+  // No segment from here on.
+  void close() { isOpen_ = false; }
+  // `size` bytes for the segment at hand.
+  void advance(uint32_t size);
+
+ private:
+  bool crossesRegions(uint32_t target) const;
+
+  const RegionList& regions_;
+  uint32_t pc_ = 0;
+  uint32_t start_ = 0;
+  bool isOpen_ = false;
+  bool isEmpty_ = true;
+};
+
+}  // namespace kiln

@@ -1,0 +1,39 @@
+// The 6502 code that carries calls from bank to bank, as source lines.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "base/text_store.h"
+
+namespace kiln {
+
+// What stands behind every line that the stager writes or changes.
+inline constexpr std::string_view stageComment = " ; xbank";
+
+// The addresses of the registers that select a bank.
+struct BankRegisters {
+  uint32_t low;                  // takes the low byte of a bank's number
+  std::optional<uint32_t> high;  // takes the high byte, where there is one to take
+};
+
+// The bytes that one target's routine takes, and those of the code and data that all of them share.
+uint32_t stageRoutineSize(const BankRegisters& registers);
+uint32_t stageCommonSize(const BankRegisters& registers);
+
+// The name of a target's routine, and of the symbols that it expects: the target's address less one, and the low and
+// the high byte of its bank.
+std::string_view stageRoutineName(size_t target, TextStore& texts);
+std::string_view stageSymbolName(size_t target, char part, TextStore& texts);  // part: 'a', 'v' or 'h'
+
+// Appends the routine of one target, and the code and data that all of them share.
+void appendStageRoutine(size_t target, const BankRegisters& registers, TextStore& texts,
+                        std::vector<std::string_view>& lines);
+void appendStageCommon(const BankRegisters& registers, TextStore& texts, std::vector<std::string_view>& lines);
+
+// The label before which further routines are put.
+inline constexpr std::string_view stageCommonLabel = "_kxb_call";
+
+}  // namespace kiln

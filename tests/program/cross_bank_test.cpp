@@ -1,0 +1,304 @@
+// Calls across banks, run on the small machine.
+#include <gtest/gtest.h>
+
+#include "driver/run.h"
+#include "support/machine.h"
+#include "support/program.h"
+
+namespace kiln::test {
+namespace {
+
+// A way of banking: how the program is assembled, and the machine that it runs on.
+struct Banking {
+  std::vector<std::string> options;
+  std::vector<BankWindow> windows;
+  std::string layout = "";
+  std::string before = "";   // source in front of the first bank
+  std::string between = "";  // source between two banks
+};
+
+const Banking plain{{"-b", "-code-reg", "82", "-data-reg", "83", "-code-window", "4000-5FFF"},
+                    {{0x4000, 0x5FFF, 0x82}}};
+const Banking absolute{{"-b", "-code-reg", "D500", "-data-reg", "D501", "-code-window", "4000-5FFF"},
+                       {{0x4000, 0x5FFF, 0xD500}}};
+// An origin inside the window takes one of the writer's numbers, so that from there on they differ from the banks'.
+const Banking split{{"-b", "--split-bank", "-code-reg", "82", "-data-reg", "83", "-code-window", "4000-7FFF",
+                     "--data-window", "6000:7FFF"},
+                    {{0x4000, 0x5FFF, 0x82}, {0x6000, 0x7FFF, 0x83}},
+                    "",
+                    "    .org $6000\n    .byte 9\n",
+                    "    .org $5000\n    .byte 8\n    .org $6000\n    .byte 7\n"};
+const Banking regc{{"-L", "main.lnk"},
+                   {{0x4000, 0x7FFF, 0xD510, 0xD511}},
+                   "[banking]\nwindow = $4000-$7FFF\nregisters = $82, $83\nregcwindow = $4000-$7FFF\n"
+                   "regcreg = $D510-$D511\n",
+                   "",
+                   "    .org $5000\n    .byte 8\n"};
+
+Banking manyBanks() {
+  Banking banking = plain;
+  banking.windows = {{0x4000, 0x5FFF, 0x82, 0x83}};
+  for (int i = 0; i < 300; ++i)
+    banking.before += "    .bank x" + std::to_string(i) + "\n    NOP\n";
+  return banking;
+}
+
+struct Built {
+  Machine machine;
+  std::string listing;
+};
+
+// The program assembled and loaded, every bank in its place.
+Built build(const Banking& banking, const std::string& source) {
+  MemoryHost host;
+  host.files = {{"main.asm", source}, {"main.lnk", banking.layout}};
+  std::vector<std::string> arguments = {"kiln-as", "main.asm", "-l", "main.lst"};
+  arguments.insert(arguments.end(), banking.options.begin(), banking.options.end());
+  EXPECT_EQ(run(host, arguments), 0) << host.standardError;
+  EXPECT_EQ(host.standardError.find("kiln-as: assembled"), 0U) << host.standardError;
+  Built built;
+  built.machine.windows = banking.windows;
+  EXPECT_TRUE(built.machine.loadXex(host.written["main.xex"])) << built.machine.error;
+  built.listing = host.written["main.lst"];
+  return built;
+}
+
+std::string memory(const Machine& machine, uint16_t from, size_t count) {
+  std::string text;
+  for (size_t i = 0; i < count; ++i)
+    text.push_back(static_cast<char>(machine.peek(static_cast<uint16_t>(from + i))));
+  return text;
+}
+
+// Calls first in bank one, which calls second in bank two. Both note how they are entered, and main how they return.
+std::string nestedCalls(const Banking& banking) {
+  return "    .org $2000\n"
+         "main: LDA #$11 : PHA : LDX #$22 : LDY #$33 : LDA #$CB : PHA : LDA #$44 : PLP\n"
+         "    jsr FIRST ; in another letter case\n"
+         "    PHP : STA $0610 : STX $0611 : STY $0612 : PLA : STA $0613 : TSX : STX $0614 : PLA : STA $0615\n"
+         "    CLD : RTS\n" +
+         banking.before +
+         "    .bank one\n"
+         "first: PHP : STA $0600 : STX $0601 : STY $0602 : PLA : STA $0603 : TSX : STX $0604 : LDA 3,SP : STA $0605\n"
+         "    JSR second : LDA mark1 : STA $0606\n"
+         "    LDX #$AA : LDY #$BB : LDA #$49 : PHA : LDA #$CC : PLP : RTS\n"
+         "mark1: .byte 1\n" +
+         banking.between +
+         "    .bank two\n"
+         "second: LDA mark2 : STA $0607 : TSX : STX $0608 : RTS\n"
+         "mark2: .byte 2\n";
+}
+
+// N, V, D, I, Z and C as PLP and PHP leave them.
+constexpr int entryFlags = 0xCB | Machine::breakMark | Machine::alwaysSet;
+constexpr int returnFlags = 0x49 | Machine::breakMark | Machine::alwaysSet;
+
+std::string expectedNotes() {
+  std::string notes(0x16, '\0');
+  const int entry[] = {0x44, 0x22, 0x33, entryFlags, 0xFA, 0x11, 1, 2, 0xF8};
+  const int back[] = {0xCC, 0xAA, 0xBB, returnFlags, 0xFC, 0x11};
+  std::copy(std::begin(entry), std::end(entry), notes.begin());
+  std::copy(std::begin(back), std::end(back), notes.begin() + 0x10);
+  return notes;
+}
+
+TEST(CrossBank, CallsChangeNothingThatADirectCallWouldNot) {
+  for (const Banking& banking : {plain, absolute, split, regc, manyBanks()}) {
+    SCOPED_TRACE(banking.options.at(1) + banking.layout);
+    Machine machine = build(banking, nestedCalls(banking)).machine;
+    machine.s = 0xFF;
+    ASSERT_TRUE(machine.run(100000)) << machine.error;
+    EXPECT_EQ(memory(machine, 0x0600, 0x16), expectedNotes());
+    for (const BankWindow& window : banking.windows)
+      EXPECT_EQ(machine.peek(window.registerLow), 0);
+    EXPECT_EQ(machine.s, 0xFF);
+  }
+}
+
+TEST(CrossBank, CallsMayBeInterruptedAnywhereByCalls) {
+  for (const Banking& banking : {plain, manyBanks()}) {
+    const std::string handler =
+        "handler: PHA : TXA : PHA : TYA : PHA : LDA __bank_current : PHA : JSR tick : JSR tock\n"
+        "    PLA : CMP __bank_current : BEQ .same : INC $0632\n"
+        ".same: PLA : TAY : PLA : TAX : PLA : RTI\n";
+    const std::string ticks =
+        "    .bank three\ntick: LDA #3 : JSR tock : INC $0630 : RTS\n    .bank four\ntock: JMP count\n    .bank five\n"
+        "count: LDX #9 : INC $0631 : RTS\n";
+    Built built = build(banking, nestedCalls(banking) + ticks + "    .org $3000\n" + handler);
+    Machine machine = std::move(built.machine);
+    machine.nmiVector = 0x3000;
+    size_t interrupts = 0;
+    for (machine.beginCall(0x2000); !machine.returned(); ++interrupts) {
+      Machine hit = machine;
+      hit.nmi();
+      while (!hit.returned() && hit.step()) {
+      }
+      ASSERT_EQ(hit.error, "") << "interrupt " << interrupts;
+      ASSERT_EQ(memory(hit, 0x0600, 0x16), expectedNotes()) << "interrupt " << interrupts;
+      ASSERT_EQ(memory(hit, 0x0630, 3), std::string("\1\2\0", 3)) << "interrupt " << interrupts;
+      ASSERT_EQ(hit.s, 0xFF);
+      ASSERT_EQ(hit.peek(0x82), 0);
+      ASSERT_EQ(hit.peek(0x83), 0);
+      ASSERT_TRUE(machine.step()) << machine.error;
+    }
+    EXPECT_GT(interrupts, 200U);
+  }
+}
+
+// Three banks that call each other in a circle, as deep as $0620 says. Each writes down its bank on the way back.
+constexpr const char* circle =
+    "    .org $2000\nmain: JSR f1 : RTS\n    .org $2F00\n    .word __bank_current\n"
+    "    .bank one\nf1: DEC $0620 : BEQ .out : JSR f2 : LDA m1 : JSR note\n.out: RTS\nm1: .byte 1\n"
+    "    .bank two\nf2: DEC $0620 : BEQ .out : JSR f3 : LDA m2 : JSR note\n.out: RTS\nm2: .byte 2\n"
+    "    .bank three\nf3: DEC $0620 : BEQ .out : JSR f1 : LDA m3 : JSR note\n.out: RTS\nm3: .byte 3\n"
+    "    .org $2F80\nnote: LDX $0621 : STA $0700,X : INC $0621 : RTS\n";
+
+TEST(CrossBank, CallsNestAndOverflowHarmsOnlyTheOldestReturns) {
+  Machine machine = build(plain, circle).machine;
+  machine.poke(0x0620, 65);
+  ASSERT_TRUE(machine.run(100000)) << machine.error;
+  std::string expected;
+  for (int level = 64; level >= 1; --level)
+    expected.push_back(static_cast<char>((level - 1) % 3 + 1));
+  EXPECT_EQ(memory(machine, 0x0700, 64), expected);
+  EXPECT_EQ(machine.peek(0x0621), 64);
+
+  const uint16_t data = machine.peekWord(0x2F00);
+  machine.onWrite = [data](uint16_t address, uint8_t) {
+    const bool allowed = (address >= 0x0100 && address < 0x0200) || (address >= data && address < data + 386) ||
+                         (address >= 0x0620 && address < 0x0800) || address == 0x82;
+    EXPECT_TRUE(allowed) << address;
+  };
+  machine.poke(0x0620, 0);  // 256 levels: more than the ring and the stack hold
+  (void)machine.run(100000);
+}
+
+TEST(CrossBank, JumpsAreTailCalls) {
+  Machine machine = build(plain,
+                          "    .org $2000\nmain: JSR a1 : STA $0600 : LDA $82 : STA $0601 : RTS\n"
+                          "back: RTS\n"
+                          "    .bank a\na1: JSR a2 : CLC : ADC m1 : RTS\na2: JMP b1\nm1: .byte 1\n"
+                          "    .bank b\nb1: LDA m2 : JMP c1+1\nm2: .byte 2\n"
+                          "    .bank c\nc1: RTS\n    JMP a3\nc2: RTS\nalias = c2\n"
+                          "    .bank d\nd1: RTS\n"
+                          "    .bank e\na3: PHA : JSR alias : PLA : ADC #0 : JMP back\n")
+                        .machine;
+  ASSERT_TRUE(machine.run(10000)) << machine.error;
+  EXPECT_EQ(memory(machine, 0x0600, 2), std::string("\3\0", 2));
+}
+
+TEST(CrossBank, EndlessJumpsFillNothing) {
+  Machine machine =
+      build(plain,
+            "    .org $2000\nmain: LDX #$FF : TXS\n    JMP one\n    .org $2F00\n    .word __bank_current\n"
+            "    .bank one\none: INC $0600 : BNE .next : INC $0601\n.next: JMP two\n"
+            "    .bank two\ntwo: JMP one\n")
+          .machine;
+  const uint16_t data = machine.peekWord(0x2F00);
+  const uint8_t before = machine.peek(static_cast<uint16_t>(data + 1));
+  machine.onWrite = [data](uint16_t address, uint8_t) {
+    const bool allowed = (address >= 0x0100 && address < 0x0200) || (address >= data && address < data + 386) ||
+                         address == 0x0600 || address == 0x0601 || address == 0x82;
+    EXPECT_TRUE(allowed) << address;
+  };
+  machine.jumpTo(0x2000);
+  while (machine.peekWord(0x0600) < 5000)
+    ASSERT_TRUE(machine.step()) << machine.error;
+  EXPECT_EQ(machine.s, 0xFF);
+  EXPECT_EQ(machine.peek(static_cast<uint16_t>(data + 1)), before + 1);
+}
+
+// The price of it, as documented: cycles of a call, and of a jump behind it, beyond those of direct ones; and bytes.
+TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
+  const std::string banks = "    .bank two\ng: RTS\n";
+  const std::string main = "    .org $2000\nmain: JSR f : RTS\n    .bank one\nf: ";
+  Machine call = build(plain, main + "RTS\n").machine;
+  Machine jump = build(plain, main + "JMP g\n" + banks).machine;
+  call.cycles = jump.cycles = 0;
+  ASSERT_TRUE(call.run(1000) && jump.run(1000));
+  EXPECT_EQ(call.cycles, 6 + 6 + 6 + 278U);
+  EXPECT_EQ(jump.cycles, 6 + 3 + 6 + 6 + 278 + 128U);
+  const auto sizeOfMain = [](const Machine& machine) {
+    for (const Machine::Segment& segment : machine.segments) {
+      if (segment.first == 0x2000) return segment.last - segment.first + 1;
+    }
+    return 0;
+  };
+  EXPECT_EQ(sizeOfMain(call), 4 + 17 + 138 + 386);
+  EXPECT_EQ(sizeOfMain(jump), 4 + 2 * 17 + 138 + 386);
+}
+
+std::string listed(const std::string& listing, const std::string& part) {
+  const size_t at = listing.find(part);
+  if (at == std::string::npos) return "";
+  const size_t begin = listing.rfind('\n', at) + 1;
+  return listing.substr(begin + 21, listing.find('\n', at) - begin - 21);
+}
+
+TEST(CrossBank, OnlyTheOperandOfACallChanges) {
+  const std::string source =
+      "    .org $2000\n"
+      "main: JSR far : jsr\tfar : LDA #1 ; two of them\n"
+      "    .string \"x : JMP far+3\n"
+      "    JSR near : JMP (vector) : JSR $4000 : JSR near2\n"
+      "near: RTS\nvector: .word far\nnear2 = near\n"
+      "    .bank one\nfar: NOP\n.deep: RTS\n    JSR far : JMP .deep : JSR near\n"
+      "    .bank two\nother: JSR far.deep\n    RTS\n";
+  const std::string listing = build(plain, source).listing;
+  EXPECT_EQ(listed(listing, "two of"), "main: JSR _kxb_0 : jsr\t_kxb_0 : LDA #1 ; two of them ; xbank");
+  EXPECT_EQ(listed(listing, ".string"), "    .string \"x : JMP _kxb_1 : \" ; xbank");
+  EXPECT_EQ(listed(listing, "(vector)"), "    JSR near : JMP (vector) : JSR $4000 : JSR near2");
+  EXPECT_EQ(listed(listing, ".deep : "), "    JSR far : JMP .deep : JSR near");
+  EXPECT_EQ(listed(listing, "other"), "other: JSR _kxb_2 ; xbank");
+  // Nothing to switch with, nothing to stage.
+  Banking withoutRegister{{"-code-window", "4000-5FFF"}, {}};
+  EXPECT_EQ(build(withoutRegister, source).listing.find("xbank"), std::string::npos);
+}
+
+// The address at which the first generated line is listed.
+std::string stagedAt(const Banking& banking, const std::string& source) {
+  const std::string listing = build(banking, source).listing;
+  const size_t at = listing.find(">_kxb_0:");
+  return at == std::string::npos ? "" : listing.substr(listing.rfind('\n', at) + 3, 4);
+}
+
+TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
+  const std::string banks = "    .bank one\nf: RTS\n    .bank two\n    JSR f\n";
+  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\n__bank_stage: NOP\n    .org $3000\n    .space 99\n" + banks),
+            "2004");
+  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\nend:\n    .org $3000\n    .space 2\n" + banks), "2003");
+  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\n    .org $3000\n    .space 99\nend:\n" + banks), "3063");
+  // There is no room behind the larger ones: other code follows, or the window.
+  EXPECT_EQ(
+      stagedAt(plain,
+               "    .org $2000\n    .space 99\n    .org $2200\n    JSR f\n    .org $3F00\n    .space 64\n" + banks),
+      "2203");
+  EXPECT_EQ(stagedAt(plain, banks), "A000");
+  Banking flat{{"-code-reg", "82", "-code-window", "4000-5FFF"}, {}};
+  EXPECT_EQ(stagedAt(flat, banks + "    .cloaked_segment $2000\n    NOP\n"), "A000");
+  EXPECT_EQ(stagedAt(plain,
+                     "    .shadow_ranges $2000-$20FF\n    .shadow_stage $3000\n    .org $2000\n    .space 256\n"
+                     "    .org $9000\n    NOP\n" +
+                         banks),
+            "9001");
+  // A line that goes on elsewhere has no place behind it.
+  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    NOP : .bank zero\n" + banks), "A000");
+  expectErrors("    .bank one\n__bank_stage:\nf: RTS\n    .bank two\n    JSR f\n",
+               {"main.asm:2: '__bank_stage' must lie in main memory"}, {}, plain.options);
+  // Without a call it may lie anywhere.
+  build(plain, "    .bank one\n__bank_stage: RTS\n");
+}
+
+TEST(CrossBank, CallsLongBranchesAndRegionsSettleTogether) {
+  const std::string source =
+      "    .code_regions $2000-$20FF,$3000-$3FFF\n    .org $2000\n"
+      "main: LDA #0\n    BEQ far\n    .space 200\n    JMP far\n    .space 150\nfar: JSR f : STA $0600 : RTS\n"
+      "    .bank one\nf: JMP f2\n    .space 200\nf2: LDX #0\n    BEQ g\n"
+      "    .bank two\ng: LDA m : RTS\nm: .byte 42\n";
+  Machine machine = build(plain, source).machine;
+  ASSERT_TRUE(machine.run(1000)) << machine.error;
+  EXPECT_EQ(machine.peek(0x0600), 42);
+}
+
+}  // namespace
+}  // namespace kiln::test
