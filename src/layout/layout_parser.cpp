@@ -133,7 +133,11 @@ class LayoutLoader {
     open_.back().layout = std::move(layout);
     for (;;) {
       OpenLayout& top = open_.back();
-      if (startNextInclude(top)) continue;
+      std::string_view line;
+      if (top.layout.error.empty() && top.lines.next(line)) {
+        if (const std::optional<std::string_view> name = includedName(line)) include(top, *name);
+        continue;
+      }
       KeyReader(top.layout, top.path).read(top.text);
       if (open_.size() == 1) return std::move(top.layout);
       closeTop();
@@ -146,31 +150,18 @@ class LayoutLoader {
     openIdentities_.insert(identityOf(path));
   }
 
-  // Merges the includes that are known already; true when it has opened one that must be read first.
-  bool startNextInclude(OpenLayout& top) {
-    std::string_view line;
-    while (top.layout.error.empty() && top.lines.next(line)) {
-      const std::optional<std::string_view> name = includedName(line);
-      if (name.has_value() && include(top, *name)) return true;
-    }
-    return false;
-  }
-
-  bool include(OpenLayout& top, std::string_view name) {
+  // Merges what a finished file brings; any other is opened, to be read before the search in `top` goes on.
+  void include(OpenLayout& top, std::string_view name) {
     const std::string path = resolveInclude(files_, top.path, name);
     if (openIdentities_.contains(identityOf(path))) {
       top.layout.error = concat({top.path, ": #include of '", name, "' never ends"});
-      return false;
-    }
-    if (const auto known = finished_.find(path); known != finished_.end()) {
+    } else if (const auto known = finished_.find(path); known != finished_.end()) {
       mergeLayout(top.layout, known->second);
-      return false;
+    } else {
+      TextFile file = readTextFile(files_, path);
+      top.layout.error = std::move(file.error);
+      if (top.layout.error.empty()) open(path, std::move(file.text));
     }
-    TextFile file = readTextFile(files_, path);
-    top.layout.error = std::move(file.error);
-    if (!top.layout.error.empty()) return false;
-    open(path, std::move(file.text));
-    return true;
   }
 
   // Hands the finished file at the top to the one that includes it.

@@ -126,7 +126,8 @@ void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
   }
   bytes.push_back(static_cast<uint8_t>(opcode));
   if (line.size == 1) return;
-  const std::string_view expression = valueExpression(line.operand, line.mode, scratch_);
+  const std::string_view operand = line.hasCommaSpaces ? withoutCommaSpaces(line.operand, scratch_) : line.operand;
+  const std::string_view expression = valueExpression(operand, line.mode);
   const int64_t value = iteration_.evaluator.evaluate(expression);
   encodeOperand({.mnemonic = line.mnemonic,
                  .mode = line.mode,
@@ -139,12 +140,15 @@ void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
 }
 
 void EmissionPass::emitItems(const AsLine& line, size_t itemSize, std::vector<uint8_t>& bytes) {
+  bytes.resize(bytes.size() + line.size);
+  uint8_t* to = bytes.data() + (bytes.size() - line.size);
   DataItems items = line.items();
   std::string_view item;
   while (items.next(item)) {
     uint64_t value = static_cast<uint64_t>(iteration_.evaluator.evaluate(item));
-    for (size_t i = 0; i < itemSize; ++i, value >>= 8)
-      bytes.push_back(static_cast<uint8_t>(value & 0xFF));
+    *to++ = static_cast<uint8_t>(value & 0xFF);
+    for (size_t i = 1; i < itemSize; ++i)
+      *to++ = static_cast<uint8_t>((value >>= 8) & 0xFF);
   }
 }
 

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "base/diagnostics.h"
+#include "base/text.h"
+#include "source/literals.h"
 #include "source/symbols.h"
 
 namespace kiln {
@@ -17,7 +19,13 @@ class Evaluator {
 
   // Any text has a value; an empty one is 0. Time grows with the length of the text (times its logarithm where it has
   // parentheses), whatever is nested in it, and the call stack does not grow at all.
-  int64_t evaluate(std::string_view text);
+  int64_t evaluate(std::string_view text) {
+    text = trim(text);
+    if (text.empty()) return 0;
+    const int64_t literal = parsePlainLiteral(text);
+    if (literal >= 0 && (text.front() == '$' || !symbols_.hasDigitNames())) return literal;
+    return evaluateGeneral(text);
+  }
 
   // The value that only chooses between zero-page and absolute modes: it knows plain literals and names that stand in
   // the table already; everything else is 256. Silent.
@@ -47,6 +55,8 @@ class Evaluator {
     size_t depth = 0;
   };
 
+  int64_t evaluateGeneral(std::string_view text);
+  bool evaluateTwoLeaves(std::string_view text, int64_t& value);
   int64_t evaluateParts(std::string_view text);
   void findOperators(std::string_view text);
   bool open(std::string_view text, Part& part);

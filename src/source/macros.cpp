@@ -31,20 +31,6 @@ Call findCall(const MacroTable& macros, std::string_view line) {
   return call;
 }
 
-// `line` with every occurrence of `name` replaced, left to right; `line` itself when there is none.
-void replaceAll(std::string& line, std::string_view name, std::string_view argument, std::string& scratch) {
-  size_t at = line.find(name);
-  if (at == std::string::npos) return;
-  scratch.clear();
-  size_t copied = 0;
-  for (; at != std::string::npos; at = line.find(name, copied)) {
-    scratch.append(line, copied, at - copied).append(argument);
-    copied = at + name.size();
-  }
-  scratch.append(line, copied);
-  line.swap(scratch);
-}
-
 }  // namespace
 
 Macro& MacroTable::define(std::string_view head) {
@@ -65,24 +51,33 @@ const Macro* MacroTable::find(std::string_view name) const {
   return at == byName_.end() ? nullptr : &macros_[at->second];
 }
 
-void instantiateMacro(const Macro& macro, std::string_view arguments, TextStore& texts,
-                      std::vector<std::string_view>& lines) {
-  std::vector<std::string_view> values;
-  if (!arguments.empty()) {
-    Fields fields(arguments, ',');
-    std::string_view value;
-    while (fields.next(value))
-      values.push_back(trim(value));
-  }
-  const size_t pairs = std::min(values.size(), macro.parameters.size());
-  std::string line;
-  std::string scratch;
+void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, std::vector<std::string_view>& lines) {
+  values_.clear();
+  Fields fields(arguments, ',');
+  std::string_view value;
+  while (!arguments.empty() && fields.next(value))
+    values_.push_back(trim(value));
+  const size_t pairs = std::min(values_.size(), macro.parameters.size());
   for (std::string_view bodyLine : macro.body) {
-    line = bodyLine;
+    line_ = bodyLine;
     for (size_t i = 0; i < pairs; ++i)
-      replaceAll(line, macro.parameters[i], values[i], scratch);
-    lines.push_back(line == bodyLine ? bodyLine : texts.join({line}));
+      replaceAll(macro.parameters[i], values_[i]);
+    lines.push_back(line_ == bodyLine ? bodyLine : texts_.join({line_}));
   }
+}
+
+// Every occurrence of `name` in the line, from left to right.
+void MacroExpander::replaceAll(std::string_view name, std::string_view argument) {
+  size_t at = line_.find(name);
+  if (at == std::string::npos) return;
+  replaced_.clear();
+  size_t copied = 0;
+  for (; at != std::string::npos; at = line_.find(name, copied)) {
+    replaced_.append(line_, copied, at - copied).append(argument);
+    copied = at + name.size();
+  }
+  replaced_.append(line_, copied);
+  line_.swap(replaced_);
 }
 
 size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_view>& lines, size_t begin, size_t end) {
@@ -91,7 +86,7 @@ size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_vie
   return begin;
 }
 
-void expandMacros(const MacroTable& macros, TextStore& texts, std::vector<std::string_view>& lines, size_t begin) {
+void MacroExpander::expand(const MacroTable& macros, std::vector<std::string_view>& lines, size_t begin) {
   const std::vector<std::string_view> originals(lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end());
   lines.resize(begin);
   for (std::string_view line : originals) {
@@ -101,7 +96,7 @@ void expandMacros(const MacroTable& macros, TextStore& texts, std::vector<std::s
       continue;
     }
     if (!call.label.empty()) lines.push_back(call.label);
-    instantiateMacro(*call.macro, call.arguments, texts, lines);
+    instantiate(*call.macro, call.arguments, lines);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/name_hash.h"
 #include "base/text_store.h"
 
 namespace kiln {
@@ -29,18 +30,32 @@ class MacroTable {
 
  private:
   std::vector<Macro> macros_;
-  std::unordered_map<std::string_view, size_t> byName_;
+  std::unordered_map<std::string_view, size_t, NameHash> byName_;
 };
 
-// Appends the body lines with each parameter that has an argument replaced by it: one parameter after the other, so
-// that a later one also applies to what an earlier one brought in. `arguments` is the text behind the macro's name.
-void instantiateMacro(const Macro& macro, std::string_view arguments, TextStore& texts,
-                      std::vector<std::string_view>& lines);
+// Writes macro calls out. Its scratch memory serves call after call.
+class MacroExpander {
+ public:
+  // `texts` takes the lines that are made.
+  explicit MacroExpander(TextStore& texts) : texts_(texts) {}
+
+  // Appends the body lines with each parameter that has an argument replaced by it: one parameter after the other, so
+  // that a later one also applies to what an earlier one brought in. `arguments` is the text behind the macro's name.
+  void instantiate(const Macro& macro, std::string_view arguments, std::vector<std::string_view>& lines);
+
+  // Replaces every line from index `begin` on that calls a macro. What a macro gives is not looked at again.
+  void expand(const MacroTable& macros, std::vector<std::string_view>& lines, size_t begin);
+
+ private:
+  void replaceAll(std::string_view name, std::string_view argument);
+
+  TextStore& texts_;
+  std::vector<std::string_view> values_;
+  std::string line_;
+  std::string replaced_;
+};
 
 // The index of the first of lines [begin, end) that calls a macro; `end` when none does.
 size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_view>& lines, size_t begin, size_t end);
-
-// Replaces every line from index `begin` on that calls a macro. What a macro gives is not looked at again.
-void expandMacros(const MacroTable& macros, TextStore& texts, std::vector<std::string_view>& lines, size_t begin);
 
 }  // namespace kiln

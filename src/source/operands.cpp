@@ -49,27 +49,31 @@ std::string_view withoutCommaSpaces(std::string_view operand, std::string& scrat
   return scratch;
 }
 
-Mode classifyOperand(std::string_view operand, bool branch, Evaluator& evaluator) {
-  if (branch) return Mode::Relative;
+Mode classifyOperand(std::string_view operand, Evaluator& evaluator) {
   const Mode stackMode = classifyStack(operand);
   if (stackMode != Mode::Implied) return stackMode;
-  if (operand.front() == '#') return Mode::Immediate;
   if (operand.front() == '(') {
     const Mode indirectMode = classifyParenthesised(operand);
     if (indirectMode != Mode::Implied) return indirectMode;
   }
+  if (operand.front() == '#') return Mode::Immediate;
   const std::string_view value = operand.substr(0, operand.size() - std::min<size_t>(operand.size(), 2));
   if (endsWithIgnoringCase(operand, ",X")) return bySize(value, Mode::ZeroPageX, Mode::AbsoluteX, evaluator);
   if (endsWithIgnoringCase(operand, ",Y")) return bySize(value, Mode::ZeroPageY, Mode::AbsoluteY, evaluator);
+  return classifyWithoutComma(operand, evaluator);
+}
+
+Mode classifyWithoutComma(std::string_view operand, Evaluator& evaluator) {
+  if (operand.front() == '#') return Mode::Immediate;
+  if (operand.front() == '(' && operand.back() == ')') return Mode::Indirect;
   return bySize(operand, Mode::ZeroPage, Mode::Absolute, evaluator);
 }
 
-std::string_view valueExpression(std::string_view operand, Mode mode, std::string& scratch) {
-  std::string_view value = withoutCommaSpaces(operand, scratch);
+std::string_view valueExpression(std::string_view operand, Mode mode) {
   const Decoration decoration = decorations[static_cast<size_t>(mode)];
-  value.remove_prefix(decoration.front);
-  value.remove_suffix(decoration.back);
-  return trim(value);
+  operand.remove_prefix(decoration.front);
+  operand.remove_suffix(decoration.back);
+  return trim(operand);
 }
 
 std::string_view qualifyReferences(std::string_view operand, std::string_view scope, TextStore& texts) {

@@ -13,12 +13,15 @@ namespace kiln {
 // An operand without the spaces next to its commas. The view is into `operand` or into `scratch`.
 std::string_view withoutCommaSpaces(std::string_view operand, std::string& scratch);
 
-// The mode that an operand spells; `operand` is trimmed and has no spaces next to its commas. Every operand spells one.
-Mode classifyOperand(std::string_view operand, bool branch, Evaluator& evaluator);
+// The mode that the operand of an instruction other than a branch spells; it is trimmed and has no spaces next to its
+// commas. Every operand spells one.
+Mode classifyOperand(std::string_view operand, Evaluator& evaluator);
+// The same for an operand that has no comma at all.
+Mode classifyWithoutComma(std::string_view operand, Evaluator& evaluator);
 
-// The value expression of an operand in this mode: the text without the mode's own characters, trimmed. The view is
-// into `operand` or into `scratch`.
-std::string_view valueExpression(std::string_view operand, Mode mode, std::string& scratch);
+// The value expression of an operand in this mode, which has no spaces next to its commas: the text without the mode's
+// own characters, trimmed.
+std::string_view valueExpression(std::string_view operand, Mode mode);
 
 // The operand with the scope set before the dot of each reference to a local label. It is `operand` itself when there
 // is no such reference or no scope.

@@ -12,10 +12,9 @@ namespace {
 constexpr std::string_view macroWord = ".macro ";
 constexpr std::string_view includeWord = ".include ";
 
-// What follows `word` when the line, without its comment and trimmed, begins with it in any letter case; null data
-// when it does not. Few lines have the dot, so few have their comment looked for.
-std::string_view argumentOf(std::string_view line, std::string_view word) {
-  const std::string_view start = trimLeft(line);
+// What follows `word` when the line, whose leading blanks are gone, begins with it in any letter case once its comment
+// is off and it is trimmed; null data when it does not.
+std::string_view argumentOf(std::string_view start, std::string_view word) {
   if (!startsWithIgnoringCase(start, word)) return {};
   const std::string_view form = trim(withoutComment(start));
   return form.size() < word.size() ? std::string_view{} : trim(form.substr(word.size()));
@@ -24,7 +23,6 @@ std::string_view argumentOf(std::string_view line, std::string_view word) {
 }  // namespace
 
 std::vector<std::string_view> Preprocessor::run(std::string_view text, std::string_view path) {
-  lines_.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
   open(text, path);
   while (!openFiles_.empty()) {
     OpenFile& file = openFiles_.back();
@@ -41,7 +39,13 @@ std::vector<std::string_view> Preprocessor::run(std::string_view text, std::stri
 }
 
 void Preprocessor::readLine(OpenFile& file, std::string_view line) {
-  const std::string_view macroHead = argumentOf(line, macroWord);
+  const std::string_view start = trimLeft(line);
+  const bool mayDirect = !start.empty() && start.front() == '.';
+  if (!mayDirect && file.openMacro == nullptr) {
+    lines_.push_back(line);
+    return;
+  }
+  const std::string_view macroHead = argumentOf(start, macroWord);
   if (macroHead.data() != nullptr) {
     file.openMacro = &macros_.define(macroHead);
     return;
@@ -51,7 +55,7 @@ void Preprocessor::readLine(OpenFile& file, std::string_view line) {
     return;
   }
   file.openMacro = nullptr;
-  const std::string_view includeArgument = argumentOf(line, includeWord);
+  const std::string_view includeArgument = argumentOf(start, includeWord);
   if (includeArgument.data() == nullptr) {
     lines_.push_back(line);
   } else {
@@ -93,7 +97,7 @@ void Preprocessor::expandFrom(size_t begin) {
   while (!settled_.empty() && settled_.back().begin >= begin)
     settled_.pop_back();
   if (call > begin) settled_.push_back({begin, call, macros_.count()});
-  if (call < lines_.size()) expandMacros(macros_, texts_, lines_, call);
+  if (call < lines_.size()) MacroExpander(texts_).expand(macros_, lines_, call);
 }
 
 size_t Preprocessor::findUnsettledCall(size_t begin) const {

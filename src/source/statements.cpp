@@ -1,5 +1,6 @@
 #include "source/statements.h"
 
+#include <array>
 #include <utility>
 
 #include "base/text.h"
@@ -10,6 +11,83 @@ namespace kiln {
 namespace {
 
 constexpr std::string_view statementSeparator = " : ";
+
+// The characters that mean something in a line or an operand before anything is known about it. A table tells them from
+// all others in one step, and most lines have none or one.
+enum Special : uint8_t { Quote = 1, Semicolon = 2, Colon = 4, Equals = 8, Comma = 16, Dot = 32, Space = 64, Tab = 128 };
+
+constexpr std::array<uint8_t, 256> makeSpecials() {
+  std::array<uint8_t, 256> specials{};
+  specials['"'] = Quote;
+  specials[';'] = Semicolon;
+  specials[':'] = Colon;
+  specials['='] = Equals;
+  specials[','] = Comma;
+  specials['.'] = Dot;
+  specials[' '] = Space;
+  specials['\t'] = Tab;
+  return specials;
+}
+
+constexpr std::array<uint8_t, 256> specials = makeSpecials();
+
+uint8_t specialOf(char c) { return specials[static_cast<unsigned char>(c)]; }
+
+// All kinds of special characters in the text.
+uint8_t specialsOf(std::string_view text) {
+  uint8_t all = 0;
+  for (char c : text)
+    all |= specialOf(c);
+  return all;
+}
+
+// What one walk over a physical line tells.
+struct LineShape {
+  std::string_view code;  // without its comment, trimmed
+  uint8_t specials = 0;   // in the code
+  bool splits = false;    // it may be more than one statement
+  bool marked = false;    // the long-branch rewriter wrote it
+};
+
+// A line longer than this is searched for what would make it more than one plain statement; searching is quicker by the
+// character and dearer by the line than walking (data lists gain a tenth of their whole time, short lines would lose).
+constexpr size_t longLine = 40;
+
+bool isPlain(std::string_view line) {
+  for (char c : {'"', ';', ':', '='}) {
+    if (line.find(c) != std::string_view::npos) return false;
+  }
+  return true;
+}
+
+LineShape shapeOf(std::string_view line) {
+  LineShape shape;
+  if (line.size() > longLine && isPlain(line)) {
+    shape.code = trim(line);
+    shape.specials = Dot;
+    return shape;
+  }
+  bool quoted = false;
+  size_t begin = 0;
+  while (begin < line.size() && isBlank(line[begin]))
+    ++begin;
+  size_t end = line.size();
+  for (size_t i = begin; i < line.size(); ++i) {
+    const uint8_t special = specialOf(line[i]);
+    shape.specials |= special;
+    if ((special & (Quote | Semicolon | Colon)) == 0) continue;
+    if (special == Quote) quoted = !quoted;
+    if (special == Colon) shape.splits = shape.splits || (i > 0 && line[i - 1] == ' ');
+    if (special == Semicolon && !quoted) {
+      end = i;
+      break;
+    }
+  }
+  shape.code = trimRight(line.substr(begin, end - begin));
+  // Where there is a mark there is a semicolon, the first of them in the code or right behind it.
+  if ((shape.specials & Semicolon) != 0) shape.marked = line.find(longBranchComment) != std::string_view::npos;
+  return shape;
+}
 
 // Takes the label off the front of `text`. Only the first character before the colon is looked at, so that everything
 // up to the first colon is the label, blanks and quotes included.
@@ -72,34 +150,42 @@ std::string_view writtenOperand(std::string_view statement) {
 }
 
 void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std::vector<AsLine>& statements) {
-  const bool marked = line.find(longBranchComment) != std::string_view::npos;
+  const LineShape shape = shapeOf(line);
+  const auto append = [&](std::string_view text) {
+    AsLine& statement = statements.emplace_back();
+    statement.lineNumber = lineNumber;
+    statement.longBranchMarked = shape.marked;
+    if (!text.empty()) parseStatement(text, shape.specials, statement);
+  };
+  if (!shape.splits) return append(shape.code);
   StatementTexts texts(withoutComment(line));
   std::string_view text;
-  while (texts.next(text)) {
-    AsLine& statement = statements.emplace_back(parseStatement(text));
-    statement.lineNumber = lineNumber;
-    statement.longBranchMarked = marked;
-    applyScope(statement);
-  }
+  while (texts.next(text))
+    append(text);
 }
 
-AsLine StatementParser::parseStatement(std::string_view text) {
-  AsLine line;
-  takeLabel(text, line);
+// `specials` are those of the whole line: what it does not have, no statement of it has.
+void StatementParser::parseStatement(std::string_view text, uint8_t specials, AsLine& line) {
+  if ((specials & Colon) != 0) takeLabel(text, line);
+  if (!line.label.empty()) openScope(line);
   if (text.empty()) {
     if (!line.label.empty()) line.kind = Kind::LabelOnly;
-  } else if (!parseAssignment(text, line) && !parseDirective(text, evaluator_, line)) {
-    parseInstruction(text, line);
+    return;
   }
-  return line;
+  if ((specials & Equals) != 0 && parseAssignment(text, line)) return;
+  if (!parseDirective(text, evaluator_, line)) parseInstruction(text, line);
+  // The text of a .string is data, and data lists name their labels in full.
+  const bool qualifies = line.kind == Kind::Instruction || line.kind == Kind::Org || line.kind >= Kind::Space;
+  if (qualifies && (specials & Dot) != 0) qualifyOperand(line);
 }
 
 // A word that is no mnemonic leaves the statement empty: it vanishes without a message.
 void StatementParser::parseInstruction(std::string_view text, AsLine& line) {
-  line.mnemonic = mnemonicOf(takeWord(text));
+  if (text.size() > 3 && !isBlank(text[3])) return;
+  line.mnemonic = mnemonicOf(text.substr(0, 3));
   if (line.mnemonic == Mnemonic::None) return;
   line.kind = Kind::Instruction;
-  const std::string_view words = trimLeft(text);
+  const std::string_view words = trimLeft(text.substr(3));
   if (!words.empty()) {
     parseOperand(words, line);
   } else if (isShift(line.mnemonic)) {
@@ -109,13 +195,23 @@ void StatementParser::parseInstruction(std::string_view text, AsLine& line) {
 }
 
 void StatementParser::parseOperand(std::string_view words, AsLine& line) {
-  const std::string_view operand = joinWords(words);
-  if (equalIgnoringCase(operand, "A")) {
+  const uint8_t inside = specialsOf(words);
+  const std::string_view operand = (inside & (Space | Tab)) != 0 ? joinWords(words) : words;
+  if (operand.size() == 1 && toUpper(operand.front()) == 'A') {
     line.mode = Mode::Accumulator;
     return;
   }
   line.operand = operand;
-  line.mode = classifyOperand(withoutCommaSpaces(operand, scratch_), isBranch(line.mnemonic), evaluator_);
+  line.hasCommaSpaces = (inside & Comma) != 0 && (inside & (Space | Tab)) != 0;
+  if (isBranch(line.mnemonic)) {
+    line.mode = Mode::Relative;
+    return;
+  }
+  if ((inside & Comma) == 0) {
+    line.mode = classifyWithoutComma(operand, evaluator_);
+  } else {
+    line.mode = classifyOperand(line.hasCommaSpaces ? withoutCommaSpaces(operand, scratch_) : operand, evaluator_);
+  }
   const Mode absolute = absoluteForm(line.mode);
   if (opcodeFor(line.mnemonic, line.mode) < 0 && opcodeFor(line.mnemonic, absolute) >= 0) line.mode = absolute;
 }
@@ -133,17 +229,20 @@ std::string_view StatementParser::joinWords(std::string_view words) {
   return texts_.join({joined});
 }
 
-void StatementParser::applyScope(AsLine& line) {
-  if (!line.label.empty()) {
-    if (line.label.front() == '.') {
-      if (!scope_.empty()) line.label = texts_.join({scope_, line.label});
-    } else if (!line.labelLocal && line.label.substr(0, longBranchLabel.size()) != longBranchLabel) {
-      scope_ = line.label;
-    }
+// Qualifies a local label with the scope; any other opens a scope of its own.
+void StatementParser::openScope(AsLine& line) {
+  if (line.label.front() == '.') {
+    if (!scope_.empty()) line.label = texts_.join({scope_, line.label});
+  } else if (!line.labelLocal && line.label.substr(0, longBranchLabel.size()) != longBranchLabel) {
+    scope_ = line.label;
   }
-  // The text of a .string is data, and data lists and assigned values name their labels in full.
-  const bool qualifies = line.kind == Kind::Instruction || line.kind == Kind::Org || line.kind >= Kind::Space;
-  if (qualifies) line.operand = qualifyReferences(line.operand, scope_, texts_);
+}
+
+void StatementParser::qualifyOperand(AsLine& line) {
+  const std::string_view qualified = qualifyReferences(line.operand, scope_, texts_);
+  // A scope may hold anything, commas and spaces included.
+  if (qualified.data() != line.operand.data()) line.hasCommaSpaces = true;
+  line.operand = qualified;
 }
 
 }  // namespace kiln

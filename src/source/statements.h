@@ -48,11 +48,12 @@ class StatementParser {
   void parseLine(std::string_view line, uint32_t lineNumber, std::vector<AsLine>& statements);
 
  private:
-  AsLine parseStatement(std::string_view text);
+  void parseStatement(std::string_view text, uint8_t specials, AsLine& line);
   void parseInstruction(std::string_view text, AsLine& line);
   void parseOperand(std::string_view words, AsLine& line);
   std::string_view joinWords(std::string_view words);
-  void applyScope(AsLine& line);
+  void openScope(AsLine& line);
+  void qualifyOperand(AsLine& line);
 
   Evaluator& evaluator_;
   TextStore& texts_;

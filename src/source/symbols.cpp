@@ -1,32 +1,10 @@
 #include "source/symbols.h"
 
-#include <cstring>
-
+#include "base/name_hash.h"
 #include "base/text.h"
 
 namespace kiln {
 namespace {
-
-uint64_t loadBytes(const char* at, size_t count) {
-  uint64_t value = 0;
-  std::memcpy(&value, at, count);
-  return value;
-}
-
-uint64_t mix(uint64_t value) {
-  value *= 0x9E3779B97F4A7C15U;
-  return value ^ (value >> 32);
-}
-
-// Eight bytes a step; names are short, so nearly all of them take one or two.
-uint64_t hashName(std::string_view name) {
-  uint64_t hash = name.size();
-  const char* at = name.data();
-  size_t left = name.size();
-  for (; left > 8; at += 8, left -= 8)
-    hash = mix(hash ^ loadBytes(at, 8));
-  return mix(hash ^ (left == 0 ? 0 : loadBytes(at, left)));
-}
 
 uint32_t tagOf(uint64_t hash) { return static_cast<uint32_t>(hash >> 32); }
 
@@ -45,7 +23,7 @@ size_t SymbolTable::slotFor(std::string_view name, uint64_t hash) const {
   const size_t mask = slots_.size() - 1;
   size_t at = hash & mask;
   while (slots_[at].number != 0) {
-    if (slots_[at].tag == tagOf(hash) && symbols_[slots_[at].number - 1].name == name) break;
+    if (slots_[at].tag == tagOf(hash) && sameName(symbols_[slots_[at].number - 1].name, name)) break;
     at = (at + 1) & mask;
   }
   return at;

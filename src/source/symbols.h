@@ -33,6 +33,9 @@ class SymbolTable {
   // The symbol that entered first among those whose names differ from `name` at most in letter case; else null.
   Symbol* findIgnoringCase(std::string_view name);
 
+  // True when some name begins with a digit; without one, no number needs a look-up.
+  bool hasDigitNames() const { return hasDigitNames_; }
+
   const std::vector<Symbol>& symbols() const { return symbols_; }
 
  private:
@@ -48,7 +51,7 @@ class SymbolTable {
 
   std::vector<Symbol> symbols_;
   std::vector<Slot> slots_;
-  bool hasDigitNames_ = false;  // some name begins with a digit; without one, no number needs a look-up
+  bool hasDigitNames_ = false;
 
   std::unordered_map<std::string, uint32_t> folded_;  // lower-case name to symbol number, filled on first need
   size_t foldedCount_ = 0;                            // how many symbols it covers

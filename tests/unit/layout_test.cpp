@@ -11,20 +11,10 @@
 #include "base/format.h"
 #include "layout/layout_parser.h"
 #include "layout/layout_values.h"
+#include "support/memory_host.h"
 
 namespace kiln {
 namespace {
-
-struct MemoryFiles final : FileReader {
-  std::optional<std::string> readFile(const std::string& path) const override {
-    const auto file = files.find(path);
-    return file == files.end() ? std::nullopt : std::optional(file->second);
-  }
-  bool exists(const std::string& path) const override { return files.count(path) != 0; }
-  bool isDirectory(const std::string&) const override { return false; }
-
-  std::map<std::string, std::string> files;
-};
 
 // Everything that is set, in the order of the fields; the error alone when there is one.
 std::string shown(const AsLayout& layout) {
@@ -60,7 +50,7 @@ struct Case {
 
 AsLayout parsed(const std::string& text) {
   AsLayout layout;
-  parseLayout(layout, MemoryFiles{}, "d/t.lnk", text);
+  parseLayout(layout, test::MemoryHost{}, "d/t.lnk", text);
   return layout;
 }
 
@@ -210,9 +200,12 @@ TEST(Layout, LoadingReadsIncludesFirst) {
       {{{"t/x.lnk", "#include \"./a\""}, {"t/./a", "#include \"a\""}}, "t/./a: #include of 'a' never ends"},
       {{{"t/x.lnk", "#include \"s/a\""}, {"t/s/a", "#include \"../x.lnk\""}, {"t/s/../x.lnk", ""}},
        "t/s/a: #include of '../x.lnk' never ends"},
-      {{{"t/x.lnk", "#include \"a\"\n#include \"a\"\n#include \"b\""}, {"t/a", ""}, {"t/b", "#include \"a\""}}, ""}};
+      {{{"t/x.lnk", "#include \"b\"\n#include \"a\"\n#include \"b\""},
+        {"t/a", "[memory]\nmain = $1-$2"},
+        {"t/b", "#include \"a\"\n[memory]\nmain = none"}},
+       "main $1-$2"}};
   for (const auto& [files, expected] : cases) {
-    MemoryFiles reader;
+    test::MemoryHost reader;
     reader.files = files;
     EXPECT_EQ(shown(loadLayout(reader, "t/x.lnk")), expected) << files.begin()->second;
   }
@@ -231,13 +224,13 @@ TEST(Layout, MergingFillsEachFieldThatIsNotSet) {
   mergeLayout(filled, other);
   mergeLayout(filled, AsLayout{});
   EXPECT_EQ(shown(filled), everyField);
-  parseLayout(filled, MemoryFiles{}, "t", "[banking]\ncodereg = 0");
+  parseLayout(filled, test::MemoryHost{}, "t", "[banking]\ncodereg = 0");
   EXPECT_EQ(filled.codeReg, 0u);
   EXPECT_EQ(filled.dataReg, 0x17u);
 }
 
 TEST(Layout, SizeIsNoDanger) {
-  MemoryFiles reader;  // a chain of 20,000 files, each of which includes the next one twice
+  test::MemoryHost reader;  // a chain of 20,000 files, each of which includes the next one twice
   for (int i = 0; i < 20'000; ++i) {
     const std::string line = concat({"#include \"", decimal(i + 1), "\"\n"});
     reader.files[decimal(i)] = line + line;
