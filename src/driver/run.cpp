@@ -1,6 +1,8 @@
 #include "driver/run.h"
 
+#include <new>
 #include <optional>
+#include <stdexcept>
 
 #include "base/arithmetic.h"
 #include "base/format.h"
@@ -88,9 +90,26 @@ void printSummary(Console& console, const std::string& input, const std::string&
               decimal(static_cast<int64_t>(segments.size())), segments.size() == 1 ? " segment)\n" : " segments)\n"}));
 }
 
-}  // namespace
+// Writes the output and the listing; false when the output cannot be, or when either would replace a file that the run
+// has read. The path is printed then.
+bool writeFiles(Host& host, const Options& options, const std::optional<std::string>& outputPath,
+                const std::optional<Image>& image, Assembler& assembler) {
+  const auto refuse = [&host](const std::string& path) {
+    host.printError(concat({"kiln-as: error: cannot write '", path, "'\n"}));
+    return false;
+  };
+  if (!outputPath.has_value() || !image.has_value()) return refuse(outputPath.value_or("(null)"));
+  if (host.wasRead(*outputPath)) return refuse(*outputPath);
+  if (options.listing.has_value() && host.wasRead(*options.listing)) return refuse(*options.listing);
+  if (!host.writeFile(*outputPath, *image)) return refuse(*outputPath);
+  if (!options.listing.has_value()) return true;
+  Iteration& iteration = *assembler.iteration;
+  // The program is there already: that its listing cannot be written is no failure.
+  (void)host.writeFile(*options.listing, renderListing(iteration.statements, assembler.lines, iteration.evaluator));
+  return true;
+}
 
-int run(Host& host, std::span<const std::string> arguments) {
+int assembleFiles(Host& host, std::span<const std::string> arguments) {
   Options options;
   const std::span<const std::string> afterProgram = arguments.subspan(arguments.empty() ? 0 : 1);
   if (const std::optional<int> status = scanArguments(afterProgram, host, options)) return *status;
@@ -120,16 +139,22 @@ int run(Host& host, std::span<const std::string> arguments) {
   }
 
   const std::optional<Image> image = buildImage(host, options, assembler, wantsPrg(options, outputPath));
-  if (!outputPath.has_value() || !image.has_value() || !host.writeFile(*outputPath, *image)) {
-    host.printError(concat({"kiln-as: error: cannot write '", outputPath.value_or("(null)"), "'\n"}));
-    return 1;
-  }
-  if (options.listing.has_value()) {
-    Iteration& iteration = *assembler.iteration;
-    (void)host.writeFile(*options.listing, renderListing(iteration.statements, assembler.lines, iteration.evaluator));
-  }
+  if (!writeFiles(host, options, outputPath, image, assembler)) return 1;
   printSummary(host, options.inputs.front(), *outputPath, assembler.segments);
   return 0;
+}
+
+}  // namespace
+
+int run(Host& host, std::span<const std::string> arguments) {
+  try {
+    return assembleFiles(host, arguments);
+  } catch (const std::bad_alloc&) {
+    host.printError("kiln-as: error: out of memory\n");
+  } catch (const std::length_error&) {
+    host.printError("kiln-as: error: out of memory\n");
+  }
+  return 1;
 }
 
 }  // namespace kiln

@@ -14,7 +14,10 @@ namespace kiln {
 
 class Host : public FileReader, public Console {
  public:
-  // Creates or replaces the file; false when that fails.
+  // True when the path names, in whatever spelling, a file that this run has read.
+  virtual bool wasRead(const std::string& path) const = 0;
+  // Creates or replaces the file. False when that fails; then nothing is left behind, and a file that stood there still
+  // does.
   virtual bool writeFile(const std::string& path, std::string_view bytes) = 0;
   // The names in a directory, "." and ".." left out, in no set order; absent when it cannot be listed.
   virtual std::optional<std::vector<std::string>> listDirectory(const std::string& path) const = 0;

@@ -5,9 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <utility>
+
+#include "base/format.h"
 
 namespace kiln {
 namespace {
@@ -16,7 +20,10 @@ class FileDescriptor {
  public:
   explicit FileDescriptor(int number) : number_(number) {}
   FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
   ~FileDescriptor() {
     if (number_ >= 0) ::close(number_);
   }
@@ -62,22 +69,70 @@ bool readStatus(const std::string& path, struct stat& status) {
   return isNameable(path) && ::stat(path.c_str(), &status) == 0;
 }
 
+// A new file beside the one that it shall become, taken away again unless it does.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& target) {
+    const std::string directory = target.substr(0, target.rfind('/') + 1);
+    // Names are free unless a run with the same process number was killed while writing.
+    for (int i = 0; i < 100 && !file_.isOpen(); ++i) {
+      path_ = concat({directory, ".kiln-as-", decimal(::getpid()), "-", decimal(i)});
+      file_ = FileDescriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+      if (!file_.isOpen() && errno != EEXIST) break;
+    }
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() {
+    if (isCreated_) ::unlink(path_.c_str());
+  }
+
+  bool write(std::string_view bytes) {
+    isCreated_ = file_.isOpen();
+    return isCreated_ && writeAll(file_.number(), bytes);
+  }
+  bool setMode(mode_t mode) { return ::fchmod(file_.number(), mode) == 0; }
+  bool become(const std::string& target) {
+    if (!file_.close() || ::rename(path_.c_str(), target.c_str()) != 0) return false;
+    isCreated_ = false;
+    return true;
+  }
+
+ private:
+  std::string path_;
+  FileDescriptor file_{-1};
+  bool isCreated_ = false;
+};
+
 int openFile(const std::string& path, int flags) {
   return isNameable(path) ? ::open(path.c_str(), flags | O_CLOEXEC, 0666) : -1;
 }
 
 }  // namespace
 
+RealHost::RealHost() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
 std::optional<std::string> RealHost::readFile(const std::string& path) const {
   const FileDescriptor file(openFile(path, O_RDONLY));
   if (!file.isOpen()) return std::nullopt;
   std::string bytes;
   struct stat status {};
+  if (::fstat(file.number(), &status) != 0) return std::nullopt;
   // One byte more than the file holds: the read that finds its end needs no growth, and the line end that is joined
   // to the last source line has its place.
-  if (::fstat(file.number(), &status) == 0 && status.st_size > 0) bytes.resize(static_cast<size_t>(status.st_size) + 1);
+  if (status.st_size > 0) bytes.resize(static_cast<size_t>(status.st_size) + 1);
   if (!readAll(file.number(), bytes)) return std::nullopt;
+  if (S_ISREG(status.st_mode)) filesRead_.emplace_back(status.st_dev, status.st_ino);
   return bytes;
+}
+
+bool RealHost::wasRead(const std::string& path) const {
+  struct stat status {};
+  if (!readStatus(path, status)) return false;
+  return std::find(filesRead_.begin(), filesRead_.end(), std::pair(status.st_dev, status.st_ino)) != filesRead_.end();
 }
 
 bool RealHost::exists(const std::string& path) const {
@@ -90,9 +145,21 @@ bool RealHost::isDirectory(const std::string& path) const {
   return readStatus(path, status) && S_ISDIR(status.st_mode);
 }
 
+// A file of its own is written beside and renamed, so that there is the old one or the new one and nothing between.
+// Devices, pipes and links are there to be written through; a link keeps its other names.
 bool RealHost::writeFile(const std::string& path, std::string_view bytes) {
-  FileDescriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
-  return file.isOpen() && writeAll(file.number(), bytes) && file.close();
+  if (!isNameable(path) || path.empty()) return false;
+  struct stat status {};
+  const bool isThere = ::lstat(path.c_str(), &status) == 0;
+  if (isThere && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) {
+    FileDescriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
+    return file.isOpen() && writeAll(file.number(), bytes) && file.close();
+  }
+  if (isThere && ::access(path.c_str(), W_OK) != 0) return false;
+  TemporaryFile file(path);
+  if (!file.write(bytes)) return false;
+  if (isThere && !file.setMode(status.st_mode & 07777)) return false;
+  return file.become(path);
 }
 
 std::optional<std::vector<std::string>> RealHost::listDirectory(const std::string& path) const {

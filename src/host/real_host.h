@@ -1,20 +1,32 @@
 // The operating system itself.
 #pragma once
 
+#include <sys/types.h>
+
+#include <utility>
+#include <vector>
+
 #include "host/host.h"
 
 namespace kiln {
 
 class RealHost final : public Host {
  public:
+  // From here on a reader that goes away and a file that grows too large are failed writes, and end no program.
+  RealHost();
+
   std::optional<std::string> readFile(const std::string& path) const override;
   bool exists(const std::string& path) const override;
   bool isDirectory(const std::string& path) const override;
+  bool wasRead(const std::string& path) const override;
   bool writeFile(const std::string& path, std::string_view bytes) override;
   std::optional<std::vector<std::string>> listDirectory(const std::string& path) const override;
   std::optional<std::string> environment(const std::string& name) const override;
   void printError(std::string_view text) override;
   void printOutput(std::string_view text) override;
+
+ private:
+  mutable std::vector<std::pair<dev_t, ino_t>> filesRead_;
 };
 
 }  // namespace kiln

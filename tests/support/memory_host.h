@@ -23,10 +23,12 @@ class MemoryHost : public Host {
   std::optional<std::string> readFile(const std::string& path) const override {
     const auto file = files.find(path);
     if (file == files.end() || unreadable.count(path) != 0) return std::nullopt;
+    read_.insert(path);
     return file->second;
   }
   bool exists(const std::string& path) const override { return files.count(path) != 0 || isDirectory(path); }
   bool isDirectory(const std::string& path) const override { return directories.count(path) != 0; }
+  bool wasRead(const std::string& path) const override { return read_.count(path) != 0; }
   bool writeFile(const std::string& path, std::string_view bytes) override {
     if (path.empty() || unwritable.count(path) != 0 || isDirectory(path)) return false;
     written[path] = bytes;
@@ -51,6 +53,9 @@ class MemoryHost : public Host {
   }
   void printError(std::string_view text) override { standardError += text; }
   void printOutput(std::string_view text) override { standardOutput += text; }
+
+ private:
+  mutable std::set<std::string> read_;
 };
 
 }  // namespace kiln::test
