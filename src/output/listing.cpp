@@ -14,23 +14,23 @@ void appendPrefix(std::string& listing, size_t before, uint32_t address) {
 }
 
 // Statements that the code-region spill inserted stand on no source line; they are shown as they would be written.
-void appendSource(std::string& listing, const AsLine& line, const std::vector<std::string_view>& lines) {
+void appendSource(std::string& listing, const AsLine& line, LineReader& lines) {
   if (line.autoSpill) {
     listing += line.kind == Kind::Org ? "    .org " : "    JMP ";
     listing += line.operand;
     listing += " ; auto-spill";
   } else {
-    listing += lines[line.lineNumber - 1];
+    listing += lines.at(line.lineNumber - 1);
   }
   listing.push_back('\n');
 }
 
 }  // namespace
 
-std::string renderListing(const std::vector<AsLine>& statements, const std::vector<std::string_view>& lines,
-                          Evaluator& evaluator) {
+std::string renderListing(const std::vector<AsLine>& statements, const SourceLines& lines, Evaluator& evaluator) {
   std::string listing;
   uint32_t location = 0;
+  LineReader reader(lines.pieces());
   for (const AsLine& line : statements) {
     if (line.kind == Kind::Org) {
       location = low16(evaluator.evaluate(line.operand));
@@ -41,7 +41,10 @@ std::string renderListing(const std::vector<AsLine>& statements, const std::vect
     } else {
       listing.append(21, ' ');
     }
-    appendSource(listing, line, lines);
+    appendSource(listing, line, reader);
+    for (uint32_t i = 0; i < line.furtherLines(); ++i) {
+      listing.append(21, ' ').append(reader.at(line.lineNumber + i)).push_back('\n');
+    }
   }
   return listing;
 }

@@ -7,12 +7,12 @@
 
 #include "source/expression.h"
 #include "source/line.h"
+#include "source/source_lines.h"
 
 namespace kiln {
 
 // One line a statement. `lines` are the source lines that the statements were parsed from; the evaluator gives the
 // origins their values, by the final symbols.
-std::string renderListing(const std::vector<AsLine>& statements, const std::vector<std::string_view>& lines,
-                          Evaluator& evaluator);
+std::string renderListing(const std::vector<AsLine>& statements, const SourceLines& lines, Evaluator& evaluator);
 
 }  // namespace kiln

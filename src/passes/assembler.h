@@ -16,6 +16,7 @@
 #include "passes/code_regions.h"
 #include "source/expression.h"
 #include "source/line.h"
+#include "source/source_lines.h"
 #include "source/symbols.h"
 
 namespace kiln {
@@ -59,12 +60,12 @@ struct Assembler {
   Settings settings;
   Diagnostics diagnostics;
   TextStore texts;
-  std::vector<std::string_view> lines;  // the expanded source; the rewriters change it between iterations
-  uint32_t rewriteCount = 0;            // numbers the labels of the long-branch rewriter, never reset
-  StageTargets stageTargets;            // of the cross-bank stager, numbered on likewise
-  ShadowPlan shadowPlan;                // what the directives said last, in whichever iteration
-  std::optional<Iteration> iteration;   // the last one
-  std::vector<AsSegment> segments;      // filled by the emission pass
+  SourceLines lines;                   // the expanded source; the rewriters change it between iterations
+  uint32_t rewriteCount = 0;           // numbers the labels of the long-branch rewriter, never reset
+  StageTargets stageTargets;           // of the cross-bank stager, numbered on likewise
+  ShadowPlan shadowPlan;               // what the directives said last, in whichever iteration
+  std::optional<Iteration> iteration;  // the last one
+  std::vector<AsSegment> segments;     // filled by the emission pass
 };
 
 }  // namespace kiln

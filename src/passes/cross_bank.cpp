@@ -52,7 +52,8 @@ class CallStager {
         settings_(assembler.settings.banking),
         mainMemory_(settings_, assembler.shadowPlan),
         map_(mapBanks(iteration_, settings_, mainMemory_)),
-        edits_(edits) {}
+        edits_(edits),
+        reader_(assembler.lines.pieces()) {}
 
   void dropUnbanked(std::vector<Call>& calls);
   void setSymbols();
@@ -74,6 +75,7 @@ class CallStager {
   const MainMemory mainMemory_;
   const BankMap map_;
   std::vector<LineEdit>& edits_;
+  LineReader reader_;
 };
 
 const BankValue* CallStager::bankOf(std::string_view operand) {
@@ -138,7 +140,7 @@ void CallStager::stage(const std::vector<Call>& calls) {
     while (end < calls.size() && calls[end].line == calls[i].line)
       ++end;
     const size_t line = calls[i].line;
-    edits_.push_back({line, {editLine(assembler_.lines[line], &calls[i], calls.data() + end)}});
+    edits_.push_back({line, {editLine(reader_.at(line), &calls[i], calls.data() + end)}});
     i = end;
   }
   if (assembler_.stageTargets.operands.size() != known) putRoutines(known);
@@ -168,7 +170,7 @@ LineEdit& CallStager::editAt(size_t line) {
   const auto at = std::lower_bound(edits_.begin(), edits_.end(), line,
                                    [](const LineEdit& edit, size_t index) { return edit.index < index; });
   if (at != edits_.end() && at->index == line) return *at;
-  return *edits_.insert(at, {line, {assembler_.lines[line]}});
+  return *edits_.insert(at, {line, {reader_.at(line)}});
 }
 
 // The routines of the targets from number `firstTarget` on, and with the first of all the code that they share.
@@ -219,7 +221,7 @@ size_t CallStager::choosePlace(uint32_t size, std::vector<std::string_view>& lea
   if (map_.endsCloaked) lead.push_back(assembler_.texts.join({"    .cloaked_segment_end", stageComment}));
   const std::string origin = dollarHex(withDefaults(settings_).mainRegionLow);
   lead.push_back(assembler_.texts.join({"    .org ", origin, stageComment}));
-  return assembler_.lines.size() - 1;
+  return assembler_.lines.count() - 1;
 }
 
 // True when nothing else begins in the `size` bytes behind the run, and all of them are main memory.

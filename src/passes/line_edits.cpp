@@ -2,20 +2,23 @@
 
 namespace kiln {
 
-void applyEdits(std::vector<std::string_view>& source, const std::vector<LineEdit>& edits) {
-  size_t size = source.size();
-  for (const LineEdit& edit : edits)
-    size += edit.lines.size() - 1;
-  std::vector<std::string_view> edited;
-  edited.reserve(size);
-  size_t copied = 0;
-  for (const LineEdit& edit : edits) {
-    edited.insert(edited.end(), source.begin() + static_cast<std::ptrdiff_t>(copied),
-                  source.begin() + static_cast<std::ptrdiff_t>(edit.index));
-    edited.insert(edited.end(), edit.lines.begin(), edit.lines.end());
-    copied = edit.index + 1;
+void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits) {
+  SourceLines edited;
+  LineReader reader(source.pieces());
+  std::string_view line;
+  auto edit = edits.begin();
+  bool isKept = false;  // the line before is in the list as it was
+  for (size_t index = 0; reader.next(line); ++index) {
+    if (edit == edits.end() || edit->index != index) {
+      appendLine(edited, line, isKept && reader.follows());
+      isKept = true;
+      continue;
+    }
+    for (std::string_view replacement : edit->lines)
+      edited.add(replacement);
+    isKept = false;
+    ++edit;
   }
-  edited.insert(edited.end(), source.begin() + static_cast<std::ptrdiff_t>(copied), source.end());
   source = std::move(edited);
 }
 

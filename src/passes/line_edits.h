@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "source/source_lines.h"
+
 namespace kiln {
 
 // The line at `index` gives way to `lines`.
@@ -14,6 +16,6 @@ struct LineEdit {
 };
 
 // The edits must stand in the order of their lines, at most one a line. One sweep, however many there are.
-void applyEdits(std::vector<std::string_view>& source, const std::vector<LineEdit>& edits);
+void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits);
 
 }  // namespace kiln

@@ -1,5 +1,7 @@
 #include "passes/statement_pass.h"
 
+#include <algorithm>
+
 #include "source/statements.h"
 
 namespace kiln {
@@ -18,11 +20,14 @@ void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
     symbols.set(define.name, define.value);
 }
 
-void parseStatements(const std::vector<std::string_view>& lines, Iteration& iteration) {
+void parseStatements(const SourceLines& lines, Iteration& iteration) {
   StatementParser parser(iteration.evaluator, iteration.texts);
-  iteration.statements.reserve(lines.size() + lines.size() / 16);
+  // As many as there are lines and some, unless most lines are empty.
+  iteration.statements.reserve(std::min(lines.count() + lines.count() / 16, lines.size() / 8) + 1);
+  LineReader reader(lines.pieces());
+  std::string_view line;
   uint32_t lineNumber = 0;
-  for (std::string_view line : lines)
+  while (reader.next(line))
     parser.parseLine(line, ++lineNumber, iteration.statements);
 }
 

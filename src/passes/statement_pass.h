@@ -12,6 +12,6 @@ namespace kiln {
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols);
 
 // Parses every line. Nothing is laid out yet, so only the initial symbols can select zero page.
-void parseStatements(const std::vector<std::string_view>& lines, Iteration& iteration);
+void parseStatements(const SourceLines& lines, Iteration& iteration);
 
 }  // namespace kiln

@@ -62,7 +62,7 @@ struct AsLine {
   std::string_view operand;     // operand or argument; the list of Byte, Word and Long; the value of Assign
   std::string_view assignName;  // of Assign
   uint32_t size = 0;            // bytes in the output
-  uint32_t address = 0;         // location counter, 0..65535, once laid out
+  uint32_t address = 0;         // location counter, 0..65535, once laid out; of Empty: see furtherLines()
   uint32_t lineNumber = 0;      // from 1, in the expanded source
   Kind kind = Kind::Empty;
   Mode mode = Mode::Implied;
@@ -70,10 +70,13 @@ struct AsLine {
   bool labelLocal : 1 = false;        // written with a leading "." or ">"
   bool longBranchMarked : 1 = false;  // stands on a line that the long-branch rewriter made
   bool hasCommaSpaces : 1 = false;    // the operand may have spaces next to its commas
+  bool isText : 1 = false;            // has a text, known or not; an Empty without one may stand for further lines
   bool autoSpill : 1 = false;         // inserted by the code-region spill; no source line shows it
 
   DataItems items() const { return DataItems(operand); }
   std::string_view assignValue() const { return operand; }
+  // How many lines behind its own an Empty statement also stands for: runs of blank and comment lines take one.
+  uint32_t furtherLines() const { return kind == Kind::Empty ? address : 0; }
 };
 static_assert(sizeof(AsLine) == 64);
 

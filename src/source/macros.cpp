@@ -51,7 +51,7 @@ const Macro* MacroTable::find(std::string_view name) const {
   return at == byName_.end() ? nullptr : &macros_[at->second];
 }
 
-void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, std::vector<std::string_view>& lines) {
+void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines) {
   values_.clear();
   Fields fields(arguments, ',');
   std::string_view value;
@@ -62,7 +62,7 @@ void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, 
     line_ = bodyLine;
     for (size_t i = 0; i < pairs; ++i)
       replaceAll(macro.parameters[i], values_[i]);
-    lines.push_back(line_ == bodyLine ? bodyLine : texts_.join({line_}));
+    lines.add(line_ == bodyLine ? bodyLine : texts_.join({line_}));
   }
 }
 
@@ -80,22 +80,29 @@ void MacroExpander::replaceAll(std::string_view name, std::string_view argument)
   line_.swap(replaced_);
 }
 
-size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_view>& lines, size_t begin, size_t end) {
-  while (begin < end && findCall(macros, lines[begin]).macro == nullptr)
-    ++begin;
-  return begin;
+size_t findMacroCall(const MacroTable& macros, const SourceLines& lines, size_t begin, size_t end) {
+  LineReader reader(lines.pieces(), begin);
+  std::string_view line;
+  while (begin < end && reader.next(line) && reader.piece() < end) {
+    if (findCall(macros, line).macro != nullptr) return reader.piece();
+  }
+  return end;
 }
 
-void MacroExpander::expand(const MacroTable& macros, std::vector<std::string_view>& lines, size_t begin) {
-  const std::vector<std::string_view> originals(lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end());
-  lines.resize(begin);
-  for (std::string_view line : originals) {
+void MacroExpander::expand(const MacroTable& macros, SourceLines& lines, size_t begin) {
+  const std::vector<SourceLines::Piece> originals = lines.takePieces(begin);
+  LineReader reader(originals);
+  std::string_view line;
+  bool isKept = false;  // the line before was no call and stands in the list as it was
+  while (reader.next(line)) {
     const Call call = findCall(macros, line);
     if (call.macro == nullptr) {
-      lines.push_back(line);
+      appendLine(lines, line, isKept && reader.follows());
+      isKept = true;
       continue;
     }
-    if (!call.label.empty()) lines.push_back(call.label);
+    isKept = false;
+    if (!call.label.empty()) lines.add(call.label);
     instantiate(*call.macro, call.arguments, lines);
   }
 }

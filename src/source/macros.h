@@ -8,6 +8,7 @@
 
 #include "base/name_hash.h"
 #include "base/text_store.h"
+#include "source/source_lines.h"
 
 namespace kiln {
 
@@ -41,10 +42,10 @@ class MacroExpander {
 
   // Appends the body lines with each parameter that has an argument replaced by it: one parameter after the other, so
   // that a later one also applies to what an earlier one brought in. `arguments` is the text behind the macro's name.
-  void instantiate(const Macro& macro, std::string_view arguments, std::vector<std::string_view>& lines);
+  void instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines);
 
-  // Replaces every line from index `begin` on that calls a macro. What a macro gives is not looked at again.
-  void expand(const MacroTable& macros, std::vector<std::string_view>& lines, size_t begin);
+  // Replaces every line from piece `begin` on that calls a macro. What a macro gives is not looked at again.
+  void expand(const MacroTable& macros, SourceLines& lines, size_t begin);
 
  private:
   void replaceAll(std::string_view name, std::string_view argument);
@@ -55,7 +56,7 @@ class MacroExpander {
   std::string replaced_;
 };
 
-// The index of the first of lines [begin, end) that calls a macro; `end` when none does.
-size_t findMacroCall(const MacroTable& macros, const std::vector<std::string_view>& lines, size_t begin, size_t end);
+// The index of the first of pieces [begin, end) that has a line which calls a macro; `end` when none does.
+size_t findMacroCall(const MacroTable& macros, const SourceLines& lines, size_t begin, size_t end);
 
 }  // namespace kiln

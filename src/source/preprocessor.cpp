@@ -1,6 +1,7 @@
 #include "source/preprocessor.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/text.h"
 #include "source/includes.h"
@@ -22,7 +23,7 @@ std::string_view argumentOf(std::string_view start, std::string_view word) {
 
 }  // namespace
 
-std::vector<std::string_view> Preprocessor::run(std::string_view text, std::string_view path) {
+SourceLines Preprocessor::run(std::string_view text, std::string_view path) {
   open(text, path);
   while (!openFiles_.empty()) {
     OpenFile& file = openFiles_.back();
@@ -41,10 +42,8 @@ std::vector<std::string_view> Preprocessor::run(std::string_view text, std::stri
 void Preprocessor::readLine(OpenFile& file, std::string_view line) {
   const std::string_view start = trimLeft(line);
   const bool mayDirect = !start.empty() && start.front() == '.';
-  if (!mayDirect && file.openMacro == nullptr) {
-    lines_.push_back(line);
-    return;
-  }
+  if (!mayDirect && file.openMacro == nullptr) return keepLine(file, line);
+  const bool follows = std::exchange(file.follows, false);
   const std::string_view macroHead = argumentOf(start, macroWord);
   if (macroHead.data() != nullptr) {
     file.openMacro = &macros_.define(macroHead);
@@ -57,10 +56,16 @@ void Preprocessor::readLine(OpenFile& file, std::string_view line) {
   file.openMacro = nullptr;
   const std::string_view includeArgument = argumentOf(start, includeWord);
   if (includeArgument.data() == nullptr) {
-    lines_.push_back(line);
+    file.follows = follows;
+    keepLine(file, line);
   } else {
     include(includeArgument, file.path);
   }
+}
+
+void Preprocessor::keepLine(OpenFile& file, std::string_view line) {
+  appendLine(lines_, line, file.follows);
+  file.follows = true;
 }
 
 void Preprocessor::include(std::string_view argument, std::string_view includingPath) {
@@ -79,7 +84,7 @@ void Preprocessor::include(std::string_view argument, std::string_view including
 }
 
 void Preprocessor::open(std::string_view text, std::string_view path) {
-  openFiles_.push_back({.path = path, .text = text, .firstLine = lines_.size()});
+  openFiles_.push_back({.path = path, .text = text, .firstPiece = lines_.pieces().size()});
   openTexts_[path].push_back(text);
 }
 
@@ -87,7 +92,7 @@ void Preprocessor::closeFile() {
   const OpenFile file = openFiles_.back();
   openFiles_.pop_back();
   openTexts_[file.path].pop_back();
-  if (macros_.count() != 0) expandFrom(file.firstLine);
+  if (macros_.count() != 0) expandFrom(file.firstPiece);
 }
 
 // Each level of inclusion looks for macro calls in all its lines again. Lines that an inner level has found to call
@@ -97,12 +102,12 @@ void Preprocessor::expandFrom(size_t begin) {
   while (!settled_.empty() && settled_.back().begin >= begin)
     settled_.pop_back();
   if (call > begin) settled_.push_back({begin, call, macros_.count()});
-  if (call < lines_.size()) MacroExpander(texts_).expand(macros_, lines_, call);
+  if (call < lines_.pieces().size()) MacroExpander(texts_).expand(macros_, lines_, call);
 }
 
 size_t Preprocessor::findUnsettledCall(size_t begin) const {
   auto range = std::lower_bound(settled_.begin(), settled_.end(), begin,
-                                [](const Settled& settled, size_t line) { return settled.begin < line; });
+                                [](const Settled& settled, size_t piece) { return settled.begin < piece; });
   size_t at = begin;
   for (; range != settled_.end(); ++range) {
     if (range->macroCount != macros_.count()) continue;
@@ -110,7 +115,7 @@ size_t Preprocessor::findUnsettledCall(size_t begin) const {
     if (call < range->begin) return call;
     at = range->end;
   }
-  return findMacroCall(macros_, lines_, at, lines_.size());
+  return findMacroCall(macros_, lines_, at, lines_.pieces().size());
 }
 
 }  // namespace kiln

@@ -10,6 +10,7 @@
 #include "base/text_store.h"
 #include "host/file_reader.h"
 #include "source/macros.h"
+#include "source/source_lines.h"
 
 namespace kiln {
 
@@ -21,7 +22,7 @@ class Preprocessor {
       : files_(files), includePaths_(includePaths), texts_(texts), errors_(errors) {}
 
   // The lines of a source; `path` is where its own includes are looked for first. N line ends give N + 1 lines.
-  std::vector<std::string_view> run(std::string_view text, std::string_view path);
+  SourceLines run(std::string_view text, std::string_view path);
 
  private:
   // A file that is being read. Files nest as deep as memory allows, so they are kept here and not on the call stack.
@@ -29,11 +30,12 @@ class Preprocessor {
     std::string_view path;  // as the include names it
     std::string_view text;
     size_t next = 0;             // where in the text the next line begins; past the end when there is none
-    size_t firstLine = 0;        // its first line among all
+    size_t firstPiece = 0;       // where its lines begin among all
+    bool follows = false;        // the line before the next one stands in the list as it is
     Macro* openMacro = nullptr;  // being defined
   };
 
-  // Lines [begin, end) called no macro when there were `macroCount` definitions.
+  // Pieces [begin, end) called no macro when there were `macroCount` definitions.
   struct Settled {
     size_t begin;
     size_t end;
@@ -41,6 +43,7 @@ class Preprocessor {
   };
 
   void readLine(OpenFile& file, std::string_view line);
+  void keepLine(OpenFile& file, std::string_view line);
   void include(std::string_view argument, std::string_view includingPath);
   void open(std::string_view text, std::string_view path);
   void closeFile();
@@ -54,7 +57,7 @@ class Preprocessor {
   MacroTable macros_;
   std::vector<OpenFile> openFiles_;
   std::unordered_map<std::string_view, std::vector<std::string_view>> openTexts_;  // by path
-  std::vector<std::string_view> lines_;
+  SourceLines lines_;
   std::vector<Settled> settled_;  // in order, apart from each other
 };
 

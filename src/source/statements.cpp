@@ -49,6 +49,16 @@ struct LineShape {
   bool marked = false;    // the long-branch rewriter wrote it
 };
 
+// Lets the last statement stand for one more line when it is one without text. Its mark tells a spill something, so
+// that those with a mark stay alone.
+bool extendsEmpty(std::vector<AsLine>& statements) {
+  if (statements.empty()) return false;
+  AsLine& last = statements.back();
+  if (last.kind != Kind::Empty || last.isText || last.longBranchMarked) return false;
+  ++last.address;
+  return true;
+}
+
 // A line longer than this is searched for what would make it more than one plain statement; searching is quicker by the
 // character and dearer by the line than walking (data lists gain a tenth of their whole time, short lines would lose).
 constexpr size_t longLine = 40;
@@ -155,8 +165,10 @@ void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std:
     AsLine& statement = statements.emplace_back();
     statement.lineNumber = lineNumber;
     statement.longBranchMarked = shape.marked;
-    if (!text.empty()) parseStatement(text, shape.specials, statement);
+    statement.isText = !text.empty();
+    if (statement.isText) parseStatement(text, shape.specials, statement);
   };
+  if (shape.code.empty() && !shape.marked && extendsEmpty(statements)) return;
   if (!shape.splits) return append(shape.code);
   StatementTexts texts(withoutComment(line));
   std::string_view text;

@@ -1,0 +1,39 @@
+# cmake --install build: the program and what belongs to it. cpack in the build folder: a Debian package of the same.
+include(GNUInstallDirs)
+
+install(TARGETS kiln-as RUNTIME)
+install(FILES man/kiln-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+# The folders stand to each other as they do here, so that links between the documents hold.
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  FILES_MATCHING REGEX "\\.(md|png|asm|inc|lnk|sym|sh)$")
+
+install(FILES completions/kiln-as.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kiln-as)
+# Below /usr/local and elsewhere zsh looks into the first folder, Debian's looks into the second one below /usr.
+install(FILES completions/_kiln-as DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+install(FILES completions/_kiln-as DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES completions/kiln-as.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+
+install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
+install(DIRECTORY editors/textmate DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
+install(FILES editors/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME kiln-as)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "kiln-as developers <kiln-as@example.org>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "cross-assembler for the 6502")
+set(CPACK_PACKAGE_DESCRIPTION
+  "kiln-as assembles programs for the 6502 processor and writes Atari binary-load
+files (XEX) and Commodore program files (PRG). It repairs branches that lead
+too far, spreads code over several regions of memory, places code under the
+operating system's ROM and calls subroutines from one memory bank to another.
+The package holds the manual, examples, completions for bash, zsh and fish,
+and syntax files for editors.")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)

@@ -1,0 +1,159 @@
+// Whole programs: where statements go, what is said about them and when, how branches are repaired, and the files.
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "output/pieces.h"
+#include "passes/pipeline.h"
+#include "support/program.h"
+
+namespace kiln::test {
+namespace {
+
+std::string zeros(size_t count) { return std::string(2 * count, '0'); }
+
+const std::vector<std::string> window = {"-code-window", "4000-7FFF"};
+
+// The warnings of these names, one letter each.
+std::vector<std::string> undefined(const std::string& names) {
+  std::vector<std::string> warnings;
+  for (char name : names)
+    warnings.push_back(std::string("undefined symbol '") + name + "', using 0");
+  return warnings;
+}
+
+// A listed line: its address in the column of bytes or of origins, or none.
+std::string at(std::string address, std::string text) { return "  " + address + std::string(15, ' ') + text + "\n"; }
+std::string org(std::string address, std::string text) { return "       " + address + "          " + text + "\n"; }
+std::string bare(std::string text) { return std::string(21, ' ') + text + "\n"; }
+
+TEST(Segments, OpenWhereNoShortGapCanBeFilled) {
+  expectCode("NOP\n.org 2\nNOP\n.org $102\nINX\n.org $203\nINY\n.org $204\nNOP\n.org $204\nCLC",
+             {{0, "EA 00 EA" + zeros(255) + "E8"}, {0x203, "C8 EA"}, {0x204, "18"}});
+  expectCode("NOP\n.org $2000\n.byte ,\n.org $12000\n.org $2002\nINX\n.org $FFFF\n.byte 1,2\nNOP\n.org 4\nINX",
+             {{0, "EA"}, {0x2000, ""}, {0x2000, "0000E8"}, {0xFFFF, "0102EA0000E8"}});
+  expectCode(".cloaked_segment 99\nINX\n.cloaked_segment_end\nINY\n.cloaked_segment 9\n.cloaked_segment_end\n.org 10",
+             {{99, "E8"}, {100, "C8"}, {9, ""}, {10, ""}});
+}
+
+TEST(Segments, CarryTheirBankAndTheirCloak) {
+  Assembler assembler;
+  assembler.settings.banking.bankWindowLow = 0x14000;
+  for (const char* line : {"NOP : .bank b : .bank c : .bank b : .cloaked_segment $5000 , 3+4 : NOP",
+                           ".cloaked_segment $15001, NONE : .cloaked_segment : .cloaked_segment 1, : .org 0",
+                           ".shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage $FFFF"}) {
+    assembler.lines.add(line);
+  }
+  ASSERT_TRUE(assemble(assembler));
+  std::vector<int64_t> found;  // start, bank, and the number of the cloaked
+  for (const AsSegment& segment : assembler.segments)
+    found.insert(found.end(), {segment.start, segment.bank, segment.cloaked ? segment.cloakedId : -9});
+  EXPECT_EQ(found, (std::vector<int64_t>{0, -1,    -9, 16384, 1, -9, 16384, 2, -9, 16384, 1, -9, 20480, -1,
+                                         7, 20481, -1, -1,    0, -1, -1,    1, -1, 0,     0, -1, -9}));
+  EXPECT_EQ(assembler.shadowPlan.ranges, (std::vector<uint32_t>{0xC000, 0xCFFF, 0xD800, 0xFFFF}));
+  EXPECT_EQ(assembler.shadowPlan.stageAddress, 0xFFFFu);
+}
+
+TEST(Banks, AreNumberedInTheOrderInWhichTheyAreMet) {
+  const std::string abc = ".bank a\n.bank b\n.bank c\n.byte __bank_a,__bank_b,__bank_c";
+  expectCode(".bank b\n.bank c\n" + abc, {{0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "030102"}},
+             {}, window);
+  expectCode(".org $7FFF\n.org $3FFF\n" + abc,
+             {{0x7FFF, ""}, {0x3FFF, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "020304"}}, {}, window);
+  expectCode(".org $8000\n.org $4000\n" + abc,
+             {{0x8000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "020304"}}, {}, window);
+  expectCode(".org 9\n" + abc, {{9, ""}, {0, ""}, {0, ""}, {0, "020304"}}, {}, {"-code-window", "0-9"});
+  expectCode(".org 0\n" + abc, {{0, ""}, {0, ""}, {0, ""}, {0, "010203"}});
+}
+
+// The errors of the layout end the run: nobody looks at the operands any more.
+TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
+  const std::string twice = ": duplicate label ", stage = ": invalid .shadow_stage address ";
+  expectErrors(
+      ".include \"no\"\nx: NOP\nx = y\nx:\nD:\nv = 1\nv:\nx: INC A\n__bank_code_reg:\n.bank b\n__bank_b:\n"
+      ".shadow_stage $10000\nv = $12345\n.shadow_stage v + 0\n.shadow_stage .q",
+      {"Cannot find include file 'no'", "main.asm:3" + twice + "'x'", "main.asm:4" + twice + "'D'",
+       "main.asm:6" + twice + "'v'", "main.asm:7" + twice + "'x'", "main.asm:8" + twice + "'__bank_code_reg'",
+       "main.asm:10" + twice + "'__bank_b'", "main.asm:11" + stage + "'$10000'", "main.asm:13" + stage + "'v + 0'"},
+      {undefined("y")[0], "undefined symbol '__bank_b.q', using 0"}, {"-DD", "-code-reg", "82"});
+  expectErrors(".include \"no\"\nINC A", {"Cannot find include file 'no'"});
+  expectCode("NOP\nCH: NOP\nCH: NOP\n>l:\n>l:\n.l:\n.l:\nx:\nx = 9\nRTCLOK:\n.word CH,l,CH.l,x",
+             {{0, "EAEAEA0200030003000900"}}, {}, {"-DRTCLOK"});
+}
+
+TEST(Warnings, ComeWithEveryEvaluationInItsPlace) {
+  expectCode(".org o\nBNE t\n.byte b\n.space s\nx = a", {{0, "D0 FE 00"}}, undefined("soaototb"));
+  expectCode(".code_regions q-$FFFF\n.shadow_ranges r-0\n.cloaked_segment c,i\nNOP", {{0, "EA"}}, undefined("qrcci"));
+}
+
+TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReachInEightIterations) {
+  for (const std::string row :
+       {"BNE $281=D07F", "BNE $282=F0034C8202", "BNE $182=D080", "BNE $181=F0034C8101", "BRA $281=807F",
+        "BRA $282=4C8202", "BNE $10182=D080", "bcc $400=B0034C0004", "BEQ x : NOP : x:=F001EA"}) {
+    const size_t equals = row.find('=');
+    expectCode(".org $200\n" + row.substr(0, equals), {{0x200, row.substr(equals + 1)}});
+  }
+  expectCode(".bank b\n.byte 1\nx: BNE x", {{0x4000, "01 D0 FE"}}, {}, window);
+  // Each rewritten branch may push another one out of reach, in the next iteration.
+  expectCode(".org $2000\nBNE t\n.space 100\nBEQ u\n.space 25\nt: .space 103\nu: RTS",
+             {{0x2000, "F0 03 4C 87 20" + zeros(100) + "D0 03 4C EE 20" + zeros(128) + "60"}}, {}, {"-V"});
+  // Cloaked code never comes to rest: its branches are judged where it does not stand, the inverted ones as well.
+  const std::string code = "F0 03 4C 08 30 4C 0B 30 4C 0E 30 4C 11 30 4C 14 30 4C 17 30 4C 00 30";
+  expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}});
+  expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}}, {"iteration 8: rewrote 1 long branch"}, {"-V"});
+  expectCode(".cloaked_segment $3000\nx:\nBNE x\n.cloaked_segment $5000\ny:\nBVC y",
+             {{0x3000, code}, {0x5000, "70 03 4C 08 50 4C 0B 50 4C 0E 50 4C 11 50 4C 14 50 4C 17 50 4C 00 50"}},
+             {"iteration 8: rewrote 2 long branches"}, {"-V"});
+}
+
+// A rewritten branch takes the whole line: label, second statement and comment are gone.
+TEST(Listing, ShowsEachStatementOfTheFinalSource) {
+  const std::string last = ".far: .byte 1 : .word l";
+  const std::string listing =
+      bare(".code_regions $2110-$211F,$2200-$22FF") + bare("m:") + at("0000", "    BVS _klb_0 ; longbr") +
+      at("0002", "    JMP m.far") + bare("_klb_0:") + at("0005", "    JMP m.far") + bare(".cloaked_segment $3000") +
+      at("0008", ".y: .string \"ab\" ; y") + at("000B", ".space 2") + bare(".cloaked_segment_end") + bare(".bank b") +
+      bare("FOO\r") + org("2110", " .org $2110") + at("2110", last) + at("2111", last) +
+      at("2113", "    JMP $2200 ; auto-spill") + org("2200", "    .org $2200 ; auto-spill") + at("2200", ".long 1") +
+      org("FFFF", ".org $FFFF") + at("FFFF", ".word 1") + at("0001", "NOP") + bare("");
+  expectRun({.source =
+                 ".code_regions $2110-$211F,$2200-$22FF\nm:\n>l: BVC .far : BCC .far ; lost\n BRA .far : BRA .far\n"
+                 ".cloaked_segment $3000\n.y: .string \"ab\" ; y\n.space 2\n.cloaked_segment_end\n.bank b\nFOO\r\n"
+                 " .org $2110\n.far: .byte 1 : .word l\n.long 1\n.org $FFFF\n.word 1\nNOP",
+             .arguments = {"main.asm", "-l", "a.lst"},
+             .standardError = say("warning: " + undefined("l")[0]) +
+                              say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
+             .written = {{"main.xex", bytes("FFFF 00000700 70034C10214C1021 00300430 6162000000 10211521 0100004C0022 "
+                                            "00220322 01000000 FFFF0100 0100EA E002E1020000")},
+                         {"a.lst", listing}}});
+}
+
+// Ordered by address, filled where there is a gap, and never checked for an overlap.
+TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
+  expectRun({.source = ".org $FFFE\n.byte 8,9\n.org $FFFF\n.byte 10\n.org $FFF5\n.byte 6\n.org $FFF0\n.byte 1,2,3,4\n"
+                       ".org $FFF1\n.byte 5\n.org $1000\n.org $FFF1\n.byte 7",
+             .arguments = {"-f", "prg", "main.asm"},
+             .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
+             .written = {{"main.prg", bytes("F0FF010203040507000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
+  expectRun({".org 1", {"-f", "prg", "main.asm"}, {}, 1, say("error: cannot write 'main.prg'")});
+}
+
+TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
+  AsSegment segment{.start = 0x4000, .bytes = std::vector<uint8_t>(256)};
+  std::iota(segment.bytes.begin(), segment.bytes.end(), 0);
+  ShadowPlan plan = {
+      {0x3000, 0x3FFF, 0x40FF, 0x4100, 0x4100, 0x4200, 0x3000, 0x4000, 0x4010, 0x401F, 0x4010, 0x4017, 9}, 1};
+  Pieces pieces;
+  splitShadow(segment, plan, pieces);
+  plan.stageAddress = 0;
+  splitShadow(segment, plan, pieces);
+  std::string found;
+  for (const std::vector<Piece>* list : {&pieces.plain, &pieces.shadow}) {
+    for (const auto& [address, bytes] : *list)
+      found += std::to_string(address) + ":" + std::to_string(bytes.front()) + "+" + std::to_string(bytes.size()) + " ";
+  }
+  EXPECT_EQ(found, "16385:1+15 16408:24+231 16384:0+256 16384:0+1 16400:16+16 16400:16+8 16639:255+1 ");
+}
+
+}  // namespace
+}  // namespace kiln::test

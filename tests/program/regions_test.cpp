@@ -1,0 +1,130 @@
+// Code regions: what moves to the next region and how it is joined, what is said, and that it all still runs.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "driver/run.h"
+#include "passes/code_regions.h"
+#include "support/machine.h"
+#include "support/program.h"
+
+namespace kiln::test {
+namespace {
+
+const std::string pair = ".code_regions $2000-$200F,$4000-$40FF\n";
+const std::string regions = pair + ".org $2000\n";
+const std::vector<std::string> window = {"-code-window", "4000-7FFF"};
+
+// Each source gives the segments behind it: addresses with a colon, bytes, and "z" with a number of zero bytes.
+void expectPlaces(const std::vector<std::pair<std::string, std::string>>& rows) {
+  for (const auto& [source, places] : rows) {
+    std::vector<std::pair<unsigned, std::string>> segments;
+    std::istringstream words(places);
+    for (std::string word; words >> word;) {
+      if (word.back() == ':') segments.emplace_back(std::stoul(word, nullptr, 16), "");
+      if (word.front() == 'z') word = std::string(2 * std::stoul(word.substr(1)), '0');
+      if (word.back() != ':') segments.back().second += word;
+    }
+    expectCode(source, segments, {}, window);
+  }
+}
+
+std::string overflow(const std::string& line, const std::string& end, const std::string& pc) {
+  return "main.asm:" + line + ": program exceeds the declared .code_regions (last region ends at " + end +
+         ", tried to emit past it at PC " + pc + "). Reduce code size or add a larger region to the layout.";
+}
+
+TEST(Regions, SpillInFrontOfTheirLastTenBytes) {
+  expectPlaces({
+      {".code_regions 1-15,$10-$1F,$20-$2F,$30-$3F,$40-$4F,$50-$5F\n.org 1\n.space 4\nRTS\nLDA $1234\n.space 2\nRTI\n"
+       ".word 1\n.byte 3\nJMP 1\nNOP\n.space 2\nJSR 1\nNOP\n.space 4\nRTS\nx:\nNOP",
+       "1: z4 60 10: AD3412 z2 40 20: 0100034C0100 30: EA z2 2001004C4000 40: EA z4 604C5000 50: EA"},
+      {regions + ".org $200D\nNOP", "2000: z13 4C0040 4000: EA"},
+      {regions + "NOP\n.space 20\nNOP", "2000: EA 4000: z20 EA"},
+      {regions + ".org $200F\n.byte ,\n.space 0", "2000: z15"},
+      {".code_regions 0-8,$3000-$30FF\n.long 1,2,3", "0: 010000000200000003000000"},
+      {".code_regions 0-9,$100-$102,$3000-$30FF\nNOP", "0: 4C0001 100: 4C0030 3000: EA"},
+      // The inverted branch of a long one is not cut off from its jump.
+      {regions + "JMP 1\nNOP\nBNE far\nNOP\nfar: NOP", "2000: 4C0100EAF0034C01404C0040 4000: EAEA"},
+      // The next region by number, though the first holds the address as well.
+      {".code_regions 0-15,0-15\n.word 1,2,3\nNOP\n.space 15", "0: 0100020003004C0000 0: EA z15"},
+      // A short way into a later region opens a segment; any other is filled.
+      {".code_regions 1-15,16-99\n.org 1\nJMP 1\nLDX #1\nNOP", "1: 4C0100A2014C1000 10: EA"},
+      {".code_regions 16-31,1-15\nNOP\n.org 2\nNOP\n.org 16\nNOP\n.org 32\nNOP", "0: EA00EA z13 EA z15 EA"},
+      // Only code that stands inside a region, in no cloaked segment, is looked after.
+      {regions + ".org $5000\nNOP\n.org $200D\nNOP", "2000: 5000: EA 200D: 4C0040 4000: EA"},
+      {".org $2010\n" + pair + "NOP\n.code_regions $2004-$2013,$3000-$30FF\nNOP", "2010: EA4C0030 3000: EA"},
+      {regions + ".cloaked_segment $2004\nJMP 1\nJMP 1\n.cloaked_segment_end\nNOP\n.cloaked_segment $40FF\nJMP 1",
+       "2000: 2004: 4C01004C0100 200A: 4C0040 4000: EA 40FF: 4C0100"},
+      // In a shorter list the number of the region counts as that of the last one.
+      {".code_regions 1-2,3-4,$4000-$40FF\n.org $4000\nNOP\n" + pair + ".spill_point\n.space 99", "4000: EA z99"},
+      // A spill point moves the whole block behind it, when that does not fit.
+      {regions + "NOP\n.spill_point\n.byte 1\n.space 14", "2000: EA01 4000: z14"},
+      {regions + "NOP\nl: .spill_point\n.byte 1\n.space 14\n.byte 2\n.word l", "2000: EA 4000: 01 z14 020120"},
+      {regions + "NOP\n.spill_point\n.byte 1\n.spill_point\n.space 99", "2000: EA01 4000: z99"},
+      {regions + "NOP\n.spill_point\n.byte 1\n.org $2004\n.space 99", "2000: EA010000 4000: z99"},
+      {regions + ".org $4000\n.spill_point\n.space 200\n.spill_point\n.space 56", "2000: 4000: z256"},
+      {regions + ".org $5000\nNOP\n.spill_point\nNOP", "2000: 5000: EA 4000: EA"},
+      {regions + ".cloaked_segment $5000\n.spill_point\nNOP", "2000: 5000: 4000: EA"},
+      // The origin that a spill inserts counts as a bank; the one that a spill point becomes does not.
+      {regions + ".space 7\n.bank b\n.byte __bank_b", "2000: 4000: z7 4000: 02"},
+      {regions + ".spill_point\n.space 17\n.bank b\n.byte __bank_b", "2000: 4000: z17 4000: 01"},
+  });
+}
+
+TEST(Regions, SayWhenTheyAreFullOrMalformed) {
+  expectErrors(".code_regions , $2000-$2003,\n.org $2000\nJMP 1\nNOP\nNOP\nNOP", {overflow("5", "$2003", "$2004")});
+  expectErrors(regions + ".bank b\nNOP\n.space 256\nx:\nx:",
+               {overflow("5", "$40FF", "$4001"), "main.asm:7: duplicate label 'x'"}, {}, window);
+  const std::string full = ": region $2000-$200F too full for auto-spill JMP bridge at PC ";
+  expectErrors(regions + ".org $200E\nNOP\n.byte 1", {"main.asm:4" + full + "$200E", "main.asm:5" + full + "$200F"});
+  expectErrors(
+      ".code_regions $12000-$12001 , zz,$1-$2\n.org $2000\nJMP 1",
+      {"main.asm:1: malformed .code_regions entry 'zz' (expected $START-$END)", overflow("3", "$2001", "$2000")});
+  const std::string invalid = ": invalid .code_regions range ";
+  expectErrors("m = 0-1\n.code_regions 0-0, m - u\nJMP 1\n.shadow_ranges 2-1\n.code_regions v-m",
+               {"main.asm:2" + invalid + "'m - u'", "main.asm:4" + invalid + "'2-1'", "main.asm:5" + invalid + "'v-m'"},
+               {"undefined symbol 'u', using 0", "undefined symbol 'v', using 0"});
+  // Four gigabytes do not wrap round to nothing.
+  expectErrors(regions + "NOP\n.spill_point\nNOP\n.space $FFFFFFF0", {overflow("6", "$40FF", "$4001")});
+}
+
+TEST(RegionList, AnswersTheSameHoweverOftenItIsAsked) {
+  std::vector<uint32_t> bounds;
+  for (uint32_t i = 0; i < 99; ++i)
+    bounds.insert(bounds.end(), {i * 7919 % 65000, i * 7919 % 65000 + i % 500});
+  RegionList asked;
+  asked.declare(bounds);
+  const RegionList unasked = asked;
+  for (uint32_t address = 0; address < 0x10000; address += 3) {
+    const RegionList fresh = unasked;
+    ASSERT_EQ(asked.find(address), fresh.find(address)) << address;
+  }
+  asked.declare({0, 0xFFFF});
+  EXPECT_EQ(asked.find(0xFFFF), 0);
+}
+
+// Sums, shifts and short branches in a loop far longer than a region, and a routine that is moved as a block.
+TEST(Regions, GiveTheSameResultAsOnePiece) {
+  std::string program = ".org $2000\nLDX #5\nLDA #7\nloop: CLC\n", ranges = ".code_regions ";
+  std::vector<int> results[2];
+  for (int i = 0; i < 60; ++i) {
+    const std::string number = std::to_string(i);
+    program += "ADC #" + number + "\nBCC s" + number + "\nEOR table,X\nJSR sub\ns" + number + ": ROL A\n";
+    if (i < 32) ranges += "$2000+" + number + "*128-($203F+" + number + "*128),";
+  }
+  program += "DEX\nBNE loop\nBRA done\n.spill_point\nsub: INY\nRTS\ntable: .byte 1,2,4,8,16,32\ndone: RTS\n";
+  for (bool split : {false, true}) {
+    MemoryHost host;
+    host.files["main.asm"] = (split ? ranges + "\n" : "") + program;
+    ASSERT_EQ(run(host, std::vector<std::string>{"kiln-as", "main.asm"}), 0) << host.standardError;
+    Machine machine;
+    ASSERT_TRUE(machine.loadXex(host.written["main.xex"]) && machine.run(100000)) << machine.error;
+    results[split] = {machine.a, machine.y, machine.p};
+    EXPECT_EQ(machine.segments.size() > 10, split);
+  }
+  EXPECT_EQ(results[0], results[1]);
+}
+
+}  // namespace
+}  // namespace kiln::test
