@@ -44,6 +44,7 @@ class BankMapper {
 
 BankMap BankMapper::run() {
   const std::vector<AsLine>& statements = iteration_.statements;
+  map_.labels.reserve(iteration_.symbols.symbols().size());
   for (size_t i = 0; i < statements.size(); ++i) {
     const AsLine& line = statements[i];
     if (!line.label.empty() && named_) map_.labels[line.label] = current_;

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/name_hash.h"
 #include "output/bank_values.h"
 #include "output/segment.h"
 #include "passes/assembler.h"
@@ -36,7 +37,7 @@ struct MainRun {
 struct BankMap {
   // The bank of each label that stands behind a ".bank", and of each name assigned from one. Absent inside when the
   // writer does not bank the segment.
-  std::unordered_map<std::string_view, std::optional<BankValue>> labels;
+  std::unordered_map<std::string_view, std::optional<BankValue>, NameHash> labels;
   std::vector<MainRun> mainRuns;
   bool usesHighByte = false;        // some bank's number does not fit a byte
   bool endsCloaked = false;         // the source ends inside a cloaked segment

@@ -6,6 +6,13 @@
 namespace kiln {
 namespace {
 
+// The same for names that differ in letter case alone.
+uint64_t hashFolded(std::string_view name) {
+  uint64_t hash = name.size();
+  for (char c : name) hash = (hash ^ static_cast<unsigned char>(toLower(c))) * 0x100000001B3U;
+  return mixHash(hash);
+}
+
 uint32_t tagOf(uint64_t hash) { return static_cast<uint32_t>(hash >> 32); }
 
 }  // namespace
@@ -61,12 +68,35 @@ void SymbolTable::set(std::string_view name, int64_t value) {
   enter(name, isNew).value = value;
 }
 
-Symbol* SymbolTable::findIgnoringCase(std::string_view name) {
-  for (; foldedCount_ < symbols_.size(); ++foldedCount_) {
-    folded_.try_emplace(toLower(symbols_[foldedCount_].name), static_cast<uint32_t>(foldedCount_));
+size_t SymbolTable::foldedSlotFor(std::string_view name, uint64_t hash) const {
+  const size_t mask = foldedSlots_.size() - 1;
+  size_t at = hash & mask;
+  while (foldedSlots_[at].number != 0) {
+    const Slot& slot = foldedSlots_[at];
+    if (slot.tag == tagOf(hash) && equalIgnoringCase(symbols_[slot.number - 1].name, name)) break;
+    at = (at + 1) & mask;
   }
-  const auto at = folded_.find(toLower(name));
-  return at == folded_.end() ? nullptr : &symbols_[at->second];
+  return at;
+}
+
+// Takes in the symbols that have been entered since the last time.
+void SymbolTable::coverFolded() {
+  if (foldedSlots_.size() < 2 * symbols_.size()) {
+    foldedSlots_.assign(slots_.size(), Slot{});
+    foldedCount_ = 0;
+  }
+  for (; foldedCount_ < symbols_.size(); ++foldedCount_) {
+    const uint64_t hash = hashFolded(symbols_[foldedCount_].name);
+    Slot& slot = foldedSlots_[foldedSlotFor(symbols_[foldedCount_].name, hash)];
+    if (slot.number == 0) slot = {tagOf(hash), static_cast<uint32_t>(foldedCount_ + 1)};
+  }
+}
+
+Symbol* SymbolTable::findIgnoringCase(std::string_view name) {
+  if (symbols_.empty()) return nullptr;
+  coverFolded();
+  const uint32_t number = foldedSlots_[foldedSlotFor(name, hashFolded(name))].number;
+  return number == 0 ? nullptr : &symbols_[number - 1];
 }
 
 }  // namespace kiln

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace kiln {
@@ -48,13 +46,17 @@ class SymbolTable {
 
   size_t slotFor(std::string_view name, uint64_t hash) const;
   void rebuild(size_t slotCount);
+  size_t foldedSlotFor(std::string_view name, uint64_t hash) const;
+  void coverFolded();
 
   std::vector<Symbol> symbols_;
   std::vector<Slot> slots_;
   bool hasDigitNames_ = false;
 
-  std::unordered_map<std::string, uint32_t> folded_;  // lower-case name to symbol number, filled on first need
-  size_t foldedCount_ = 0;                            // how many symbols it covers
+  // The same for names in any letter case, filled on first need. Of names that differ in letter case alone it holds the
+  // first.
+  std::vector<Slot> foldedSlots_;
+  size_t foldedCount_ = 0;  // how many symbols it covers
 };
 
 }  // namespace kiln
