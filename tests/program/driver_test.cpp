@@ -141,12 +141,10 @@ TEST(Home, IsNamedByVariablesOrStandsBesideTheProgramOrInAUsualPlace) {
   EXPECT_EQ(host.places, places);
   const std::string longest(4095, 'x');
   for (const auto& [value, home] : Pairs{{"\t\"C:\\a b \" ", "C:/a b "},
-                                         {"\"a", "\"a"},
-                                         {"a\"", "a\""},
-                                         {"\"", "\""},
-                                         {longest, longest},
-                                         {longest + " ", "."},
-                                         {"\"\"", "."},
+                                         // clang-format off
+                                         {"\"a", "\"a"}, {"a\"", "a\""}, {"\"", "\""}, {longest, longest},
+                                         {longest + " ", "."}, {"\"\"", "."},
+                                         // clang-format on
                                          {" \t", "."}}) {
     BareHost named;
     named.variables["TARN_HOME"] = value;

@@ -39,11 +39,10 @@ TEST(Segments, OpenWhereNoShortGapCanBeFilled) {
 TEST(Segments, CarryTheirBankAndTheirCloak) {
   Assembler assembler;
   assembler.settings.banking.bankWindowLow = 0x14000;
-  for (const char* line : {"NOP : .bank b : .bank c : .bank b : .cloaked_segment $5000 , 3+4 : NOP",
-                           ".cloaked_segment $15001, NONE : .cloaked_segment : .cloaked_segment 1, : .org 0",
-                           ".shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage $FFFF"}) {
-    assembler.lines.add(line);
-  }
+  assembler.lines.add(
+      "NOP : .bank b : .bank c : .bank b : .cloaked_segment $5000 , 3+4 : NOP : .cloaked_segment $15001, NONE : "
+      ".cloaked_segment : .cloaked_segment 1, : .org 0 : .shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage "
+      "$FFFF");
   ASSERT_TRUE(assemble(assembler));
   std::vector<int64_t> found;  // start, bank, and the number of the cloaked
   for (const AsSegment& segment : assembler.segments)
@@ -76,7 +75,6 @@ TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
        "main.asm:6" + twice + "'v'", "main.asm:7" + twice + "'x'", "main.asm:8" + twice + "'__bank_code_reg'",
        "main.asm:10" + twice + "'__bank_b'", "main.asm:11" + stage + "'$10000'", "main.asm:13" + stage + "'v + 0'"},
       {undefined("y")[0], "undefined symbol '__bank_b.q', using 0"}, {"-DD", "-code-reg", "82"});
-  expectErrors(".include \"no\"\nINC A", {"Cannot find include file 'no'"});
   expectCode("NOP\nCH: NOP\nCH: NOP\n>l:\n>l:\n.l:\n.l:\nx:\nx = 9\nRTCLOK:\n.word CH,l,CH.l,x",
              {{0, "EAEAEA0200030003000900"}}, {}, {"-DRTCLOK"});
 }

@@ -43,7 +43,7 @@ TEST(Labels, ReachToTheFirstColonAndLocalOnesBelongToTheGlobalOneBeforeThem) {
       {"NOP\n.x: JMP .x\nm: NOP\n_klb_1: NOP\n.x: JMP m.x\n_klb: NOP\n>.y: JMP _klb.y", "EA4C0100EAEA4C0600EA4C0A00"},
       {"NOP\n.byte:\n.word:\n.org:\n.dbyte:\n.end:\nm: NOP\n.ends: LDA .byte+.word+.org+.dbyte+.end+.ends+.ends",
        "EAEAAD0900"},
-      {"m: LDA #.5\nLDA #.", "A900A900", {".5", "."}},
+      {"m: LDA #.5\nLDA #.\nLDA #..l", "A900A900A900", {".5", ".", ".m.l"}},
       {"m: .string .x\n.x: y = .x+m.x\n.byte .x,y", "2E78000003", {".x", ".x"}},
       {"m: .space .x\n.x: .org .x+1\n.byte 2", "0002", {".x"}},
   });
@@ -70,11 +70,11 @@ TEST(Directives, AreMatchedAsPrefixesOfWhatIsNoAssignment) {
 TEST(Operands, SpellTheirAddressingMode) {
   expectRows({
       {"brk\ninx\nasl\nlsr\nROL\nror\nASL a\nlda # 5\nLDA #$10,X\nJMP ( $1234 )", "00E80A4A2A6A0AA905A9106C3412"},
-      {"lda ( $80 ) , y\nLDA ($80),Y\nlda ($80\t , x)\nsta ($80,X)\nadd sp , 5\nADD SP,5", "B180B180A180818022052205"},
+      {"lda ( $80 ) ,y\nLDA ($80), Y\nlda ($80\t , x)\nsta ($80,X)\nadd sp , 5\nADD SP,5", "B180B180A180818022052205"},
       {"lda ( 2 ,SP), y\nSTA (2,sp),y\nlda 4 , sp\nLDA 4,SP\nlda 1 , sp ,  x\nSTA 1,SP,X", "03021302B204B20423013301"},
       {"LDA $10 , x\nLDA $100 ,X\nLDX $10 , y\nLDX $100, Y\nSTX $FF,Y", "B510BD0001B610BE000196FF"},
       {"LDA $ff\nLDA 255\nLDA %11\nLDA 0\nLDA 256\nLDA $0100", "A5FFA5FFA503A500AD0001AD0001"},
-      {"LDA 0FFh\nLDA 1+1\nLDA <$1234\nLDA (1)+0", "ADFF00AD0200AD3400AD0100"},
+      {"LDA 0FFh\nLDA 1+1\nLDA <$1234\nLDA (1)+0\nLDA , X", "ADFF00AD0200AD3400AD0100BD0000"},
       {"LDA -1\nLDA $-1\nLDA $-1,X\nLDX $-1,Y", "AD0000ADFFFFBDFFFFBEFFFF", {"-1"}},
       {"JMP 16\nLDA 16,Y\nJSR 255\nBIT 16\na b: LDA a\tb , x\nLDA a  b", "4C1000B9100020FF002410BD0B00AD0B00"},
       {"BRA #1\nLDA #5,SP\nJMP (1)+(2)", "80FEB2006C0000", {"#1", "#1", "#5", "1)+(2"}},

@@ -69,9 +69,8 @@ BankedSettings regc(BankedSettings settings) {
 }
 
 TEST(Banked, aWholeFileByteForByte) {
-  const Segments segments = {
-      {0x8000, {1, 2}}, {0x7FFF, {3}}, {0x4000, {}}, {0x3FFF, {4}}, {0x4000, {5, 6}}, {0x9000, {}},
-  };
+  const Segments segments = {{0x8000, {1, 2}}, {0x7FFF, {3}},    {0x4000, {}},
+                             {0x3FFF, {4}},    {0x4000, {5, 6}}, {0x9000, {}}};
   EXPECT_EQ(write(segments, registers(0x82, 0x83)),
             "FF FF "
             "FD 03 05 04 A9 01 85 82 A9 00 85 83 60 E2 02 E3 02 FD 03 FD 03 05 04 A9 01 85 82 A9 00 85 83 60 "

@@ -40,75 +40,33 @@ class Expression : public testing::Test {
 
 TEST_F(Expression, HasTheValueOfItsParts) {
   const std::pair<std::string_view, int64_t> cases[] = {
-      {"", 0},
-      {" \t ", 0},
-      {"2+3*4", 14},
-      {"(2+3)*4", 20},
-      {"20/3", 6},
-      {"0-20/3", -6},
-      {"7/0", 0},
-      {"10-2-3", 5},
-      {"100/10/5", 2},
-      {"2*3/4*5", 5},
-      {" 1 + ( 2 - ( 3 - 4 ) ) ", 4},
-      {"((((7))))", 7},
-      {"()", 0},
-      {"<$1234+1", 0x35},
-      {">$1234", 0x12},
-      {">0-1", 255},
-      {"1+<$1234+1", 0x36},
-      {"2*<$0103*2", 12},
-      {"< > $1234", 0x12},
-      {"><$1234", 0},
-      {">>$123456", 0},
-      {"<<$1234", 0x34},
-      {"<", 0},
-      {"(<$1234)+1", 0x35},
-      {"1-(>$0203+0)*2", -3},
-      {"START", 0x1234},
-      {"start", 0x1234},
-      {"START2", 7},
-      {"Start2", 8},
-      {"START+1", 0x1235},
-      {"a b", 5},
-      {"$FF", 255},
-      {"%102", 2},
-      {"$12G", 18},
-      {"$", 0},
-      {"$-5", -5},
-      {"$0-5", -5},
-      {"1+", 1},
-      {"0FFh", 255},
-      {"12H", 18},
-      {"9223372036854775807+1", std::numeric_limits<int64_t>::min()},
-      {"9223372036854775807*2", -2},
+      // clang-format off
+      {"", 0}, {" \t ", 0}, {"2+3*4", 14}, {"(2+3)*4", 20}, {"20/3", 6}, {"0-20/3", -6}, {"7/0", 0}, {"10-2-3", 5},
+      {"100/10/5", 2}, {"2*3/4*5", 5}, {" 1 + ( 2 - ( 3 - 4 ) ) ", 4}, {"((((7))))", 7}, {"()", 0}, {"<$1234+1", 0x35},
+      {">$1234", 0x12}, {">0-1", 255}, {"1+<$1234+1", 0x36}, {"2*<$0103*2", 12}, {"< > $1234", 0x12}, {"><$1234", 0},
+      {">>$123456", 0}, {"<<$1234", 0x34}, {"<", 0}, {"(<$1234)+1", 0x35}, {"1-(>$0203+0)*2", -3}, {"START", 0x1234},
+      {"start", 0x1234}, {"START2", 7}, {"Start2", 8}, {"START+1", 0x1235}, {"a b", 5}, {"$FF", 255}, {"%102", 2},
+      {"$12G", 18}, {"$", 0}, {"$-5", -5}, {"$0-5", -5}, {"1+", 1}, {"0FFh", 255}, {"12H", 18},
+      {"9223372036854775807+1", std::numeric_limits<int64_t>::min()}, {"9223372036854775807*2", -2},
       {"(0-9223372036854775807-1)/(0-1)", std::numeric_limits<int64_t>::min()},
-      {"99999999999999999999", largest},
-  };
+      // clang-format on
+      {"99999999999999999999", largest}};
   for (const auto& [text, value] : cases)
     EXPECT_EQ(evaluate(text), std::to_string(value)) << text;
 }
 
 TEST_F(Expression, TakesUnknownNamesAsZeroAndSaysSoEachTimeFromLeftToRight) {
   const std::pair<std::string_view, std::string> cases[] = {
-      {"-5", "0" + undefined("-5")},
-      {"5*-3", "-3"},
-      {"--5", "-5" + undefined("-")},
-      {"*2", "0" + undefined("*2")},
+      // clang-format off
+      {"-5", "0" + undefined("-5")}, {"5*-3", "-3"}, {"--5", "-5" + undefined("-")}, {"*2", "0" + undefined("*2")},
       {"b-c*d+b", "0" + undefined("b") + undefined("c") + undefined("d") + undefined("b")},
-      {"-5-3", "-3" + undefined("-5")},
-      {"1+x y", "1" + undefined("x y")},
-      {"a+b)", "0" + undefined("a+b)")},
-      {"1+(2", "0" + undefined("1+(2")},
-      {"x+(a+b", "0" + undefined("x+(a") + undefined("b")},
-      {"(1)(2)", "0" + undefined("1)(2")},
-      {"<>q+r", "0" + undefined("q") + undefined("r")},
-      {"0FGh", "0" + undefined("0FGh")},
-      {"FFh", "0" + undefined("FFh")},
-      {"1+*2", "1" + undefined("*2")},
+      {"-5-3", "-3" + undefined("-5")}, {"1+x y", "1" + undefined("x y")}, {"a+b)", "0" + undefined("a+b)")},
+      {"1+(2", "0" + undefined("1+(2")}, {"x+(a+b", "0" + undefined("x+(a") + undefined("b")},
+      {"(1)(2)", "0" + undefined("1)(2")}, {"<>q+r", "0" + undefined("q") + undefined("r")},
+      {"0FGh", "0" + undefined("0FGh")}, {"FFh", "0" + undefined("FFh")}, {"1+*2", "1" + undefined("*2")},
       {")", "0" + undefined(")")},
-      {"(", "0" + undefined("(")},
-  };
+      // clang-format on
+      {"(", "0" + undefined("(")}};
   for (const auto& [text, result] : cases)
     EXPECT_EQ(evaluate(text), result) << text;
 }
@@ -129,8 +87,7 @@ TEST_F(Expression, IsSizedByPlainLiteralsAndKnownNamesOnly) {
   const std::pair<std::string_view, int64_t> cases[] = {
       {"$FF", 255},  {" 255 ", 255},  {"%11", 3},      {"page", 255}, {"wide", 256},  {"below", -1},
       {"PAGE", 256}, {"page+1", 256}, {"(page)", 256}, {"0Fh", 256},  {"<page", 256}, {"", 256},
-      {"$", 0},      {"later", 256},  {"-1", 256},     {"$-1", -1},
-  };
+      {"$", 0},      {"later", 256},  {"-1", 256},     {"$-1", -1}};
   for (const auto& [text, value] : cases)
     EXPECT_EQ(evaluator.evaluateForSize(text), value) << text;
   symbols.set("12", 300);
@@ -151,23 +108,16 @@ TEST_F(Expression, OfAnyLengthAndDepthIsEvaluatedInReasonableTimeAndStack) {
 }
 
 TEST(Literals, FollowTheRulesOfTheirRadix) {
-  const std::pair<std::string_view, int64_t> hexadecimal[] = {
-      {" \t\n\r\v\f1f", 31},
-      {"+5", 5},
-      {"-5", -5},
-      {"0x1F", 31},
-      {"0X", 0},
-      {"0xg", 0},
-      {"-0x10", -16},
-      {"FFFFFFFFFFFFFFFF", -1},
-      {"FFFFFFFFFFFFFFFF0", -1},
-      {"-FFFFFFFFFFFFFFFF0", -1},
-      {"- 5", 0},
-      {"", 0},
-      {"8000000000000000", std::numeric_limits<int64_t>::min()},
-      {"1000000000000000F", -1},
-      {"12.4", 18},
-  };
+  const std::pair<std::string_view, int64_t> hexadecimal[] = {{" \t\n\r\v\f1f", 31},
+                                                              // clang-format off
+                                                              {"+5", 5}, {"-5", -5}, {"0x1F", 31}, {"0X", 0},
+                                                              {"0xg", 0}, {"-0x10", -16}, {"FFFFFFFFFFFFFFFF", -1},
+                                                              {"FFFFFFFFFFFFFFFF0", -1}, {"-FFFFFFFFFFFFFFFF0", -1},
+                                                              {"- 5", 0}, {"", 0},
+                                                              // clang-format on
+                                                              {"8000000000000000", std::numeric_limits<int64_t>::min()},
+                                                              {"1000000000000000F", -1},
+                                                              {"12.4", 18}};
   for (const auto& [text, value] : hexadecimal)
     EXPECT_EQ(parseRadix(text, 16), value) << text;
   EXPECT_EQ(parseRadix("1012", 2), 5);
@@ -176,16 +126,14 @@ TEST(Literals, FollowTheRulesOfTheirRadix) {
   EXPECT_EQ(parseDecimal("9223372036854775808"), largest);
   EXPECT_EQ(parseDecimal("922337203685477579"), 922337203685477579);
   const std::pair<std::string_view, int64_t> definitions[] = {
-      {" $10\t", 16}, {"%11", 3}, {"0Fh", 15}, {"12", 12}, {"", 0}, {"abc", 0}, {"-1", 0}, {"1+1", 0}, {"0x10", 0},
-  };
+      {" $10\t", 16}, {"%11", 3}, {"0Fh", 15}, {"12", 12}, {"", 0}, {"abc", 0}, {"-1", 0}, {"1+1", 0}, {"0x10", 0}};
   for (const auto& [text, value] : definitions)
     EXPECT_EQ(parseDefinition(text), value) << text;
 }
 
 TEST(LeadingSymbol, IsTheNameInFrontIfAny) {
   const std::pair<std::string_view, std::string_view> cases[] = {
-      {" main.loop+3", "main.loop"}, {".x", ".x"}, {"_a1 b", "_a1"}, {"1a", ""}, {"(a)", ""}, {"<a", ""}, {"", ""},
-  };
+      {" main.loop+3", "main.loop"}, {".x", ".x"}, {"_a1 b", "_a1"}, {"1a", ""}, {"(a)", ""}, {"<a", ""}, {"", ""}};
   for (const auto& [text, name] : cases)
     EXPECT_EQ(leadingSymbol(text), name) << text;
 }

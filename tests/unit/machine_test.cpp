@@ -55,8 +55,7 @@ TEST(Machine, computes) {
       // LDA #$11, PHA, PSH #2, LDA #$22, STA 1,SP, LDX #$33, STX 2,SP, LDY #4, STA (1,SP),Y, LDX #1, LDA 1,SP,X,
       // ADC 3,SP, PLL #2, PLX, PHY, PHX, ADD SP,#2, LDY -1,SP, LDX $3326
       {"A9 11 48 32 02 A9 22 92 01 A2 33 02 02 A0 04 13 01 A2 01 23 01 72 03 62 02 64 54 44 22 02 52 FF AE 26 33 60",
-       0x44, 0x22, 0x11, 0x20},
-  };
+       0x44, 0x22, 0x11, 0x20}};
   for (const auto& program : programs) {
     Machine m;
     EXPECT_EQ(run(m, program.text), "");
@@ -111,8 +110,7 @@ TEST(Machine, failuresHaveAText) {
       {{0xFF, 0xFF, 0, 6, 0}, "the last segment's header is cut short"},
       {{0xFF, 0xFF, 1, 6, 0, 6}, "segment $0601-$0600 ends before it begins"},
       {{0xFF, 0xFF, 0, 6, 1, 6, 0x60}, "segment $0600-$0601 is cut short"},
-      {{0xFF, 0xFF, 0xE2, 2, 0xE3, 2, 0, 6}, "hit BRK at $0600"},
-  };
+      {{0xFF, 0xFF, 0xE2, 2, 0xE3, 2, 0, 6}, "hit BRK at $0600"}};
   Machine m;
   for (const auto& [bytes, error] : files) {
     EXPECT_FALSE(m.loadXex(file(bytes)));

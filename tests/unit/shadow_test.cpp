@@ -96,17 +96,15 @@ TEST(Shadow, itMustEndBelowTheTop) {
     std::vector<size_t> sizes;  // of the pieces
     bool fits;
     std::string errors;
-  } rows[] = {
-      // Stub, table and bytes: 121 + 7 = 128 for one piece, 127 + 1 for two.
-      {0x7F80, {7}, true, ""},
-      {0x7F80, {8}, true, screenRam("$7F80-$8000", "1")},
-      {0x7F80, {1, 1}, true, screenRam("$7F80-$8000", "1")},
-      // The first byte of the piece at $FFFF, and at $10000.
-      {0xFF86, {1}, true, screenRam("$FF86-$FFFF", "32768")},
-      {0xFF86, {2}, false, screenRam("$FF86-$10000", "32769") + tooLong},
-      {0xFF87, {1}, false, screenRam("$FF87-$10000", "32769") + overflows("$FF87")},
-      {0xFF80, {1, 1}, false, screenRam("$FF80-$10000", "32769") + overflows("$FF80")},
-  };
+  } rows[] = {// Stub, table and bytes: 121 + 7 = 128 for one piece, 127 + 1 for two.
+              {0x7F80, {7}, true, ""},
+              {0x7F80, {8}, true, screenRam("$7F80-$8000", "1")},
+              {0x7F80, {1, 1}, true, screenRam("$7F80-$8000", "1")},
+              // The first byte of the piece at $FFFF, and at $10000.
+              {0xFF86, {1}, true, screenRam("$FF86-$FFFF", "32768")},
+              {0xFF86, {2}, false, screenRam("$FF86-$10000", "32769") + tooLong},
+              {0xFF87, {1}, false, screenRam("$FF87-$10000", "32769") + overflows("$FF87")},
+              {0xFF80, {1, 1}, false, screenRam("$FF80-$10000", "32769") + overflows("$FF80")}};
   for (const auto& row : rows) {
     std::vector<Piece> pieces;
     for (size_t size : row.sizes)
