@@ -45,6 +45,9 @@ TEST(Regions, SpillInFrontOfTheirLastTenBytes) {
       {".code_regions 0-9,$100-$102,$3000-$30FF\nNOP", "0: 4C0001 100: 4C0030 3000: EA"},
       // The inverted branch of a long one is not cut off from its jump.
       {regions + "JMP 1\nNOP\nBNE far\nNOP\nfar: NOP", "2000: 4C0100EAF0034C01404C0040 4000: EAEA"},
+      // A mark holds the bridge off for one statement, also when it stands on a line of its own.
+      {regions + "JMP 1\nLDX #1\nINX\n\n; longbr\nINX\nINX", "2000: 4C0100A201E8E84C0040 4000: E8"},
+      {regions + "JMP 1\nLDX #1\nINX\n; longbr\n\nINX", "2000: 4C0100A201E84C0040 4000: E8"},
       // The next region by number, though the first holds the address as well.
       {".code_regions 0-15,0-15\n.word 1,2,3\nNOP\n.space 15", "0: 0100020003004C0000 0: EA z15"},
       // A short way into a later region opens a segment; any other is filled.
@@ -64,7 +67,6 @@ TEST(Regions, SpillInFrontOfTheirLastTenBytes) {
       {regions + "NOP\n.spill_point\n.byte 1\n.spill_point\n.space 99", "2000: EA01 4000: z99"},
       {regions + "NOP\n.spill_point\n.byte 1\n.org $2004\n.space 99", "2000: EA010000 4000: z99"},
       {regions + ".org $4000\n.spill_point\n.space 200\n.spill_point\n.space 56", "2000: 4000: z256"},
-      {regions + ".org $5000\nNOP\n.spill_point\nNOP", "2000: 5000: EA 4000: EA"},
       {regions + ".cloaked_segment $5000\n.spill_point\nNOP", "2000: 5000: 4000: EA"},
       // The origin that a spill inserts counts as a bank; the one that a spill point becomes does not.
       {regions + ".space 7\n.bank b\n.byte __bank_b", "2000: 4000: z7 4000: 02"},

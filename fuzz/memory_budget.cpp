@@ -1,0 +1,56 @@
+#include "memory_budget.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace kiln::fuzz {
+namespace {
+
+constexpr size_t unlimited = SIZE_MAX;
+
+// The fuzzer's own threads go on without a limit.
+thread_local size_t bytesLeft = unlimited;
+thread_local bool exceeded = false;
+
+void* allocate(size_t size) noexcept {
+  if (bytesLeft != unlimited) {
+    exceeded = exceeded || size > bytesLeft;
+    if (size > bytesLeft) return nullptr;
+    bytesLeft -= size;
+  }
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+void* allocateOrThrow(size_t size) {
+  void* const memory = allocate(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+MemoryBudget::MemoryBudget(size_t bytes) {
+  bytesLeft = bytes;
+  exceeded = false;
+}
+MemoryBudget::~MemoryBudget() { bytesLeft = unlimited; }
+
+bool MemoryBudget::wasExceeded() const { return exceeded; }
+
+BudgetPause::BudgetPause() : bytesLeft_(bytesLeft) { bytesLeft = unlimited; }
+BudgetPause::~BudgetPause() { bytesLeft = bytesLeft_; }
+
+}  // namespace kiln::fuzz
+
+// All forms that the product's types use; one that were left out would belong to another allocator.
+void* operator new(size_t size) { return kiln::fuzz::allocateOrThrow(size); }
+void* operator new[](size_t size) { return kiln::fuzz::allocateOrThrow(size); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return kiln::fuzz::allocate(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return kiln::fuzz::allocate(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }

@@ -1,0 +1,189 @@
+// The documents under docs/ and the man page: what they show is what the program does, and nothing is missing.
+//
+// A block that begins with ```kiln-as is a program, with its options behind the word; it is assembled as main.asm. The
+// blocks behind it say what comes out: ```bytes the segments of a flat XEX file that runs at the first of them,
+// ```image any file byte by byte, ```listing a part of the listing, and ```messages the lines on standard error, where
+// the summary may be left out. A program without ```messages assembles in silence. ```file NAME is a file for all later
+// programs of the document.
+//
+// Lists that are made from the program's own tables stand between markers. KILN_UPDATE_DOCS=1 writes them anew.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "base/version.h"
+#include "driver/options.h"
+#include "driver/run.h"
+#include "driver/seeds.h"
+#include "isa/opcodes.h"
+#include "support/program.h"
+
+namespace kiln::test {
+namespace {
+
+const std::filesystem::path root = std::filesystem::path(KILN_EXAMPLES_DIR).parent_path();
+
+std::string read(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file.is_open()) << path;
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Every match of the pattern's group.
+std::vector<std::string> findAll(const std::string& text, const std::string& pattern) {
+  const std::regex expression(pattern);
+  std::vector<std::string> found;
+  for (std::sregex_iterator at(text.begin(), text.end(), expression), end; at != end; ++at)
+    found.push_back((*at)[1]);
+  return found;
+}
+
+std::string replaced(const std::string& text, const std::string& pattern, const std::string& by = "") {
+  return std::regex_replace(text, std::regex(pattern), by);
+}
+
+std::string hex(const std::string& bytes) {
+  std::string text;
+  for (const char byte : bytes)
+    appendHex(text, static_cast<unsigned char>(byte), 2);
+  return text;
+}
+
+// "2000: A9 01", a line for each segment; a line that begins with a blank goes on with the segment above.
+std::string flatFile(const std::string& block) {
+  const std::vector<std::string> addresses = findAll(block, "(....):");
+  const std::vector<std::string> contents = findAll(block, ":((?: [^\n]*\n)+)");
+  std::vector<std::pair<unsigned, std::string>> segments;
+  for (size_t i = 0; i < addresses.size(); ++i)
+    segments.emplace_back(std::stoul(addresses[i], nullptr, 16), contents.at(i));
+  return xex(segments, segments.at(0).first);
+}
+
+// The examples of one document.
+struct Examples {
+  std::map<std::string, std::string> files;
+  std::string file, listing;
+  std::string said;  // on standard error and not expected yet
+
+  void assemble(const std::string& options) {
+    MemoryHost host;
+    host.files = files;
+    run(host, findAll("kiln-as -l main.lst " + options + " main.asm", "([^ ]+)"));
+    said = host.standardError;
+    listing = replaced(host.written["main.lst"], " +(?=\n)");
+    host.written.erase("main.lst");
+    file = host.written.empty() ? "" : host.written.begin()->second;
+  }
+  void expectMessages(const std::string& text) {
+    const bool hasSummary = text.find("kiln-as: assembled ") != std::string::npos;
+    EXPECT_EQ(replaced(std::exchange(said, ""), hasSummary ? "^$" : "kiln-as: assembled [^\n]*\n"), text);
+  }
+  void read(const std::string& word, const std::string& argument, const std::string& text) {
+    const std::string data = replaced(text, " *;[^\n]*");
+    if (word == "kiln-as") expectMessages("");
+    if (word == "file" || word == "kiln-as") files[word == "file" ? argument : "main.asm"] = text;
+    if (word == "kiln-as") return assemble(argument);
+    if (word == "messages") return expectMessages(text);
+    if (word == "listing") EXPECT_NE(listing.find(text), std::string::npos) << listing;
+    if (word == "bytes" || word == "image") EXPECT_EQ(hex(file), hex(word == "bytes" ? flatFile(data) : bytes(data)));
+  }
+};
+
+TEST(Documents, ShowWhatIsAssembled) {
+  for (const auto& entry : std::filesystem::directory_iterator(root / "docs")) {
+    if (entry.path().extension() != ".md") continue;
+    Examples examples;
+    const std::string document = read(entry.path());
+    for (size_t end = 0, begin; (begin = document.find("\n```", end)) != std::string::npos; end += 4) {
+      const size_t line = document.find('\n', begin + 4);
+      end = document.find("\n```\n", line);
+      SCOPED_TRACE(entry.path().string() + ":" + document.substr(begin, end - begin));
+      const std::string head = document.substr(begin + 4, line - begin - 4);
+      examples.read(replaced(head, " .*"), replaced(head, "^[^ ]* ?"), document.substr(line + 1, end - line));
+    }
+    examples.expectMessages("");
+  }
+}
+
+// What stands between the markers of this name in docs/language.md.
+void expectGenerated(const std::string& name, const std::string& list) {
+  const std::string text = replaced(list, " +(?=\n)");
+  const std::string document = read(root / "docs/language.md");
+  const std::string before = "<!-- " + name + " -->\n```text\n";
+  const size_t begin = document.find(before) + before.size();
+  const size_t end = document.find("```\n<!-- end of " + name + " -->", begin);
+  ASSERT_TRUE(begin >= before.size() && end != std::string::npos) << "no markers for " << name;
+  EXPECT_EQ(document.substr(begin, end - begin), text) << "KILN_UPDATE_DOCS=1 writes the list anew";
+  if (std::getenv("KILN_UPDATE_DOCS") == nullptr) return;
+  std::ofstream(root / "docs/language.md") << document.substr(0, begin) << text << document.substr(end);
+}
+
+TEST(Documents, ListInstructionsAndNames) {
+  const std::string head =
+      "     alone  #n  zp  zp,X  zp,Y  abs  abs,X  abs,Y  (abs)  (zp,X)  (zp),Y  rel  n,SP  SP,n  (n,SP),Y  n,SP,X";
+  // Where the modes stand in a line, in their order; the first two share a column.
+  constexpr size_t columns[modeCount] = {5, 5, 12, 16, 20, 26, 32, 37, 44, 51, 58, 66, 74, 79, 85, 91, 101};
+  std::vector<std::string> lines(mnemonicCount + 1, std::string(head.size(), ' '));
+  lines[0] = head;
+  for (const OpcodeRow* row = opcodeRows(); row != opcodeRows() + opcodeRowCount; ++row) {
+    std::string& line = lines.at(static_cast<size_t>(row->mnemonic));
+    line.replace(0, 3, mnemonicText(row->mnemonic));
+    line.replace(columns[static_cast<size_t>(row->mode)], 2, dollarHex(row->opcode, 2), 1, 2);
+  }
+  std::string table;
+  for (const std::string& line : lines)
+    table += line + "\n";
+  expectGenerated("instructions", table);
+
+  std::set<std::string> names;
+  for (const NamedValue& equate : loadSeeds(MemoryHost(), {})) {
+    const std::string name = (equate.name + "       ").substr(0, 8);
+    names.insert((name + dollarHex(equate.value, equate.value > 0xFF ? 4 : 2) + "     ").substr(0, 16));
+  }
+  std::string list;
+  for (const std::string& name : names)
+    list += name + (list.size() % 97 == 80 ? "\n" : "");
+  expectGenerated("built-in names", list + "\n");
+}
+
+// Texts of several words in the sources are messages, except for lines of assembly language and for directives.
+TEST(Documents, ExplainEveryMessage) {
+  const std::string document = read(root / "docs/messages.md");
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(root / "src")) {
+    if (entry.path().extension() != ".cpp") continue;
+    // Without comments, quotes as characters, the usage text, line ends, and where a text continues in the next line.
+    const std::string code = replaced(read(entry.path()), R"--(//[^\n]*|'"'|R"\([^"]*\)"|\\n|"\s*")--");
+    for (const std::string& text : findAll(code, R"--("(?!    | *[.;>])([^"\n]*)")--")) {
+      const bool isMessage = std::regex_search(text, std::regex("[a-z]{2}.* | .*[a-z]{2}"));
+      EXPECT_TRUE(!isMessage || document.find(text) != std::string::npos) << entry.path() << ": " << text;
+    }
+  }
+  std::vector<std::string> headings = findAll(document, "\n### ([^\n]*)");
+  for (std::string& heading : headings)
+    heading = replaced(toLower(heading), "[^a-z]");
+  EXPECT_TRUE(std::is_sorted(headings.begin(), headings.end())) << testing::PrintToString(headings);
+}
+
+TEST(Documents, ManPageHasEveryOption) {
+  const std::string page = replaced(read(root / "man/kiln-as.1"), R"(\\-)", "-");
+  std::set<std::string> described, known;
+  for (const std::string& heading : findAll(page, R"(\.TP\n\.BI?R?( [^\n]*))"))
+    for (const std::string& option : findAll(heading, R"([ "](-[-A-Za-z]*[A-Za-z]))"))
+      described.insert(option);
+  for (const OptionRow& row : optionRows())
+    known.emplace(row.spelling);
+  EXPECT_EQ(described, known);
+  for (const std::string& option : findAll(std::string(usageText()), "(?:\n  |, )(-[-A-Za-z]+)"))
+    EXPECT_EQ(known.count(option), 1U) << option;
+  EXPECT_NE(page.find(version), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kiln::test
