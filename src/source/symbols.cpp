@@ -9,7 +9,8 @@ namespace {
 // The same for names that differ in letter case alone.
 uint64_t hashFolded(std::string_view name) {
   uint64_t hash = name.size();
-  for (char c : name) hash = (hash ^ static_cast<unsigned char>(toLower(c))) * 0x100000001B3U;
+  for (char c : name)
+    hash = (hash ^ static_cast<unsigned char>(toLower(c))) * 0x100000001B3U;
   return mixHash(hash);
 }
 
