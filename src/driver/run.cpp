@@ -101,11 +101,13 @@ bool writeFiles(Host& host, const Options& options, const std::optional<std::str
   if (!outputPath.has_value() || !image.has_value()) return refuse(outputPath.value_or("(null)"));
   if (host.wasRead(*outputPath)) return refuse(*outputPath);
   if (options.listing.has_value() && host.wasRead(*options.listing)) return refuse(*options.listing);
-  if (!host.writeFile(*outputPath, *image)) return refuse(*outputPath);
-  if (!options.listing.has_value()) return true;
+  // Rendered first: should memory run out over it, nothing has been written yet.
   Iteration& iteration = *assembler.iteration;
+  const std::string listing =
+      options.listing.has_value() ? renderListing(iteration.statements, assembler.lines, iteration.evaluator) : "";
+  if (!host.writeFile(*outputPath, *image)) return refuse(*outputPath);
   // The program is there already: that its listing cannot be written is no failure.
-  (void)host.writeFile(*options.listing, renderListing(iteration.statements, assembler.lines, iteration.evaluator));
+  if (options.listing.has_value()) (void)host.writeFile(*options.listing, listing);
   return true;
 }
 

@@ -10,15 +10,15 @@ struct Range {
   uint64_t high;
 };
 
-// The ranges that touch [first, last], clipped to it and ordered by start; equal starts keep the order in which they
-// were declared.
+// The ranges that touch [first, last] (one that its cut to 16 bits has turned round touches nothing), clipped to it and
+// ordered by start; equal starts keep the order in which they were declared.
 std::vector<Range> rangesWithin(const ShadowPlan& plan, uint64_t first, uint64_t last) {
   std::vector<Range> kept;
   if (plan.stageAddress == 0) return kept;
   for (size_t i = 0; i + 1 < plan.ranges.size(); i += 2) {
     const uint64_t low = plan.ranges[i];
     const uint64_t high = plan.ranges[i + 1];
-    if (high >= first && low <= last) kept.push_back({std::max(first, low), std::min(last, high)});
+    if (low <= high && high >= first && low <= last) kept.push_back({std::max(first, low), std::min(last, high)});
   }
   std::stable_sort(kept.begin(), kept.end(), [](const Range& a, const Range& b) { return a.low < b.low; });
   return kept;

@@ -183,7 +183,11 @@ void CallStager::putRoutines(size_t firstTarget) {
     const uint32_t routineSize = stageRoutineSize(bankRegisters) * static_cast<uint32_t>(count);
     place = choosePlace(routineSize + stageCommonSize(bankRegisters), code);
   } else {
-    const auto isCommon = [](const AsLine& line) { return line.label == stageCommonLabel; };
+    // The source may have a label of that name; the stager's own line carries its mark.
+    const auto isCommon = [this](const AsLine& line) {
+      return line.label == stageCommonLabel && line.labelLocal &&
+             reader_.at(line.lineNumber - 1).ends_with(stageComment);
+    };
     const auto common = std::find_if(iteration_.statements.begin(), iteration_.statements.end(), isCommon);
     place = common->lineNumber - 2U;
   }

@@ -289,6 +289,13 @@ TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
   build(plain, "    .bank one\n__bank_stage: RTS\n");
 }
 
+TEST(CrossBank, CallsStagedLaterFindTheCodeOfTheStagerAmongNamesLikeItsOwn) {
+  const std::string source =
+      "_kxb_call: NOP\n    .org $3000\n    JSR f\n    RTS\n    .bank a\nf: NOP\n    BNE h\n    RTS\n"
+      "    .bank b\n    .space 300\nh: RTS\n";
+  EXPECT_NE(build(plain, source).listing.find(">_kxb_1:"), std::string::npos);
+}
+
 TEST(CrossBank, CallsLongBranchesAndRegionsSettleTogether) {
   const std::string source =
       "    .code_regions $2000-$20FF,$3000-$3FFF\n    .org $2000\n"

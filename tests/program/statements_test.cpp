@@ -57,9 +57,7 @@ TEST(Directives, AreMatchedAsPrefixesOfWhatIsNoAssignment) {
       {"x = 5\nLDA #x\nl: y=l+1\nLDA #y\n.a = 5\n.byte .a\n.byte 1 = 2\n.word .byte 1", "A905A903050200"},
       {".byte x,y\nx = 1\ny = x\nx = x+2\n= 5\nx =\n5 = 6", "0301"},
       {"lda = 5\n_a = b = 3\n.byte _a,__bank_code_reg", "AD00000000", {"b = 3", "= 5", "__bank_code_reg"}},
-      {"1: .byte 2\n: .byte 3\n>: .byte 4\nx .byte 5\n.byte\t1\n.byte\n.bytes "
-       "1\n.org\n.bank\n.string\n.space\n.spill_pointer",
-       ""},
+      {"1: .byte 2\n: .byte 3\n>: .byte 4\nx .byte 5\n.byte\t1\n.byte\n.bytes 1\n.org\n.space\n.spill_pointer", ""},
       {".BYTE 1\n.ByTe  1,,2, \n.byte 256,0-1,<$1234,>$1234\n.word 1,$12345,0-2", "01010200FF341201004523FEFF"},
       {".long 1,0-2,$123456789", "01000000FEFFFFFF89674523"},
       {".byte 1,,2\n.word 1,2\n.long 1,2\n.byte x\nx:", "01020100020001000000020000000F"},
