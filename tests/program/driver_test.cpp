@@ -1,8 +1,6 @@
 // The command line, and what a run makes of it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "base/format.h"
 #include "base/text.h"
 #include "driver/home.h"
@@ -39,13 +37,12 @@ anything else = XEX), or set explicitly with -f.
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
-// The arguments of a command line; "~" stands for an empty one, "^" for a blank.
+// The arguments of a command line: between two spaces stands an empty one, and a blank in one is a tab.
 std::vector<std::string> words(std::string_view line) {
   std::vector<std::string> result;
-  for (std::string_view word; !(word = takeWord(line)).empty();) {
-    result.emplace_back(word == "~" ? "" : word);
-    std::replace(result.back().begin(), result.back().end(), '^', ' ');
-  }
+  Fields fields(line, ' ');
+  for (std::string_view word; fields.next(word);)
+    result.emplace_back(word);
   return result;
 }
 
@@ -55,7 +52,7 @@ std::string outcome(const std::string& line) {
   // clang-format off
   host.files = {
       {"x", " .org $2000\n NOP"}, {"bank", " .org $4000\n NOP"}, {"", ""}, {".asm", ""}, {"/", ""}, {"bad", "\xFF"},
-      {"s/g.a.asm", " .org $20\n NOP\ny=$77\nbig=$12345\n .org $3000\n .org $20\n.include \"i\""}, {"s/i", "NOP\n\n"},
+      {"s/g.a.asm", " .org $20\n NOP\ny=$77\nbig=$12345\n .org $5000\n .org $4000\n.include \"i\""}, {"s/i", "NOP\n\n"},
       {"set", " .byte A,B,C,D,E,F,G,ata,RTCLOK,__bank_code_reg,__bank_data_reg,H"}, {"bad.lnk", "main=1"}, {"t/i", ""},
       {"seed", " .org $77\nRTCLOK: LDA RTCLOK"}, {"dup", "X:\n__bank_code_reg:\n__bank_data_reg:"}, {"lock", ""},
       {"lines", ".macro M\n a\n b\n.include \"i\"\nM\nx:\nx:"}, {"self", ".include self"}, {"lax", "\n;\xED\xA0\x80"},
@@ -80,7 +77,7 @@ std::string made(const std::string& input, const std::string& path, const std::s
 TEST(Driver, DoesWhatTheCommandLineSays) {
   const std::string one = "1 bytes, 1 segment", prg = bytes("00 20 EA"), flat = xex({{0x2000, "EA"}}, 0x2000);
   const auto runs = [](unsigned address) {
-    return made("s/g.a.asm", "s/g.a.xex", "2 bytes, 3 segments", xex({{0x20, "EA"}, {0x20, "EA"}}, address));
+    return made("s/g.a.asm", "s/g.a.xex", "2 bytes, 3 segments", xex({{0x20, "EA"}, {0x4000, "EA"}}, address));
   };
   // clang-format off
   for (const auto& [line, result] : Pairs{
@@ -88,9 +85,9 @@ TEST(Driver, DoesWhatTheCommandLineSays) {
       {"none -v -x", "0 output: kiln-as 0.61\n"}, {"--version", "0 output: kiln-as 0.61\n"},
       {"-f PRG x", made("x", "x.prg", one, prg)}, {"-o A.PRG x", made("x", "A.PRG", one, prg)},
       {"-o a.bin x", made("x", "a.bin", one, flat)}, {"-f xex -o a.prg x", made("x", "a.prg", one, flat)},
-      {"-f other -l full -b x", made("x", "x.xex", one, flat)}, {"-f ~ -o a.prg x", made("x", "a.prg", one, flat)},
+      {"-f other -l full -b x", made("x", "x.xex", one, flat)}, {"-f  -o a.prg x", made("x", "a.prg", one, flat)},
       {"-f xex -f prg -o b -o -h x", made("x", "-h", one, prg)}, {"-e Y s/g.a.asm .asm", runs(0x20)},
-      {"-e big s/g.a.asm", runs(0x2345)}, {"-e ~ s/g.a.asm", runs(0x20)}, {"-e y -e ~ s/g.a.asm -D", runs(1)},
+      {"-e big s/g.a.asm", runs(0x2345)}, {"-e  s/g.a.asm", runs(0x20)}, {"-e y -e  s/g.a.asm -D", runs(1)},
       {".asm -l a", made(".asm", ".asm.xex", "0 bytes, 0 segments", xex({}, 0x3400)) +
                         "a:                      \n                     \n"},
       {"seed", made("seed", "seed.xex", "2 bytes, 1 segment", xex({{0x77, "A5 77"}}, 0x77))},
@@ -99,12 +96,12 @@ TEST(Driver, DoesWhatTheCommandLineSays) {
        made("set", "set.xex", "12 bytes, 1 segment", xex({{0, "01 01 08 10 00 00 03 01 09 82 04 00"}}, 0)).substr(2)}})
     EXPECT_EQ(outcome(line), result) << line;
   for (const auto& [line, message] : Pairs{
-      {"-o full -l a x", "error: cannot write 'full'"}, {"-o ~ x", "error: cannot write ''"},
-      {"~ x", "error: cannot write '(null)'"}, {"/", "error: cannot write '(null)'"}, {"-x none -h", "unknown option '-x'"},
+      {"-o full -l a x", "error: cannot write 'full'"}, {"-o  x", "error: cannot write ''"},
+      {" x", "error: cannot write '(null)'"}, {"/", "error: cannot write '(null)'"}, {"-x none -h", "unknown option '-x'"},
       {"--data-window 1 -x", "--data-window expects START:END"}, {"--data-window 1:", "--data-window bad hex ''"},
       {"--data-window 1:2:3", "--data-window expects START:END"}, {"--data-window 0XG:h", "--data-window bad hex 'G'"},
       {"--data-window $1:7FFG", "--data-window bad hex '7FFG'"}, {"--data-window $0x1:2", "--data-window bad hex '0x1'"},
-      {"--data-window ^1:2", "--data-window bad hex ' 1'"}, {"-I s -I t lines", "error: lines:7: duplicate label 'x'"},
+      {"--data-window \t1:2", "--data-window bad hex '\t1'"}, {"-I s -I t lines", "error: lines:7: duplicate label 'x'"},
       {"self", "error: Cannot include 'self': it includes itself"}, {"-f prg lax", "error: cannot write 'lax.prg'"},
       {"a/b none", "cannot read 'a/b': The file “b” couldn’t be opened because there is no such file."},
       {"folder", "cannot read 'folder': The file “folder” couldn’t be opened."},
@@ -140,12 +137,11 @@ TEST(Home, IsNamedByVariablesOrStandsBesideTheProgramOrInAUsualPlace) {
     places += concat({home, "/lib/kl ", home, "/kl ", home, "/support "});
   EXPECT_EQ(host.places, places);
   const std::string longest(4095, 'x');
-  for (const auto& [value, home] : Pairs{{"\t\"C:\\a b \" ", "C:/a b "},
-                                         // clang-format off
-                                         {"\"a", "\"a"}, {"a\"", "a\""}, {"\"", "\""}, {longest, longest},
-                                         {longest + " ", "."}, {"\"\"", "."},
-                                         // clang-format on
-                                         {" \t", "."}}) {
+  // clang-format off
+  for (const auto& [value, home] : Pairs{
+      {"\t\"C:\\a b \" ", "C:/a b "}, {"\"a", "\"a"}, {"a\"", "a\""}, {"\"", "\""}, {longest, longest},
+      {longest + " ", "."}, {"\"\"", "."}, {" \t", "."}}) {
+    // clang-format on
     BareHost named;
     named.variables["TARN_HOME"] = value;
     EXPECT_EQ(findSupportDirectory(named, "kiln-as"), std::nullopt);
@@ -155,12 +151,11 @@ TEST(Home, IsNamedByVariablesOrStandsBesideTheProgramOrInAUsualPlace) {
 
 // What the options settle for a program beside its toolchain: the seeds, for more than a few of them one number that
 // stands for all, then what is said of banking, each 0 as a ".".
-std::string settled(const MemoryHost& host, const std::string& line) {
+std::string settled(MemoryHost host, const std::string& line) {
   const std::vector<std::string> arguments = words("p/kiln-as " + line);
   Options options;
   Settings settings;
-  MemoryHost console;
-  EXPECT_EQ(scanArguments(std::span(arguments).subspan(1), console, options), std::nullopt);
+  EXPECT_EQ(scanArguments(std::span(arguments).subspan(1), host, options), std::nullopt);
   EXPECT_EQ(settle(host, arguments, options, settings), "");
   std::string seeds;
   for (const auto& [name, value] : settings.seeds)
@@ -179,21 +174,24 @@ std::string settled(const MemoryHost& host, const std::string& line) {
 }
 
 TEST(Driver, SettlesSeedsAndBankingByOptionsAndByFiles) {
-  const std::string atari = "p/kl/atari/symbols", generic = "p/kl/generic/symbols",
-                    banking = "[banking]\ndatawindow=$6000-$7FFE\n", equates = "$4E884BE2";
+  const std::string banking = "[banking]\ndatawindow=$6000-$7FFE\n", equates = "$4E884BE2", none = " ............";
   MemoryHost host;
-  host.files["main"] = "[memory]\nmain=$A000-$BFFF";
-  host.files["code"] = "[memory]\nmain=$A001-$AFFF\n" + banking + "window=$4001-$4FFF\ncodereg=$84";
-  host.files["all"] = "[memory]\nmain=$A000-$A7FF,$B000-$BFFF\n" + banking +
-                      "codewindow=$4000-$5FFF\ndatareg=$85\nregcwindow=$5000-$50FF\nregcreg=$86-$87";
   // clang-format off
+  host.files = {
+      {"main", "[memory]\nmain=$A000-$BFFF"},
+      {"code", "[memory]\nmain=$A001-$AFFF\n" + banking + "window=$4001-$4FFF\ncodereg=$84"},
+      {"all", "[memory]\nmain=$A000-$A7FF,$B000-$BFFF\n" + banking +
+              "codewindow=$4000-$5FFF\ndatareg=$85\nregcwindow=$5000-$50FF\nregcreg=$86-$87"},
+      {"p/kl/atari/symbols/b.sym", "B=$2"}, {"p/kl/atari/symbols/a.x.sym", "A=$1\nB=$1\nC=$1"},
+      {"p/kl/atari/symbols/z.SYM", "Z=$8"}, {"p/kl/atari/symbols/.sym", "Z=$8"},
+      {"p/kl/atari/symbols/z.sym.z", "Z=$8"}, {"p/kl/generic/symbols/a.sym", "C=$7"}};
   for (const auto& [line, expected] : Pairs{
       {"-V -b -code-window 4000-0 -data-window 4000-0 -L main", "verbose banked ............"},
       {"-code-window 4000-$7FFFz -data-window $12345-6 -data-reg 123456789", "$4000$7FFF.$23456789$12345$6......"},
-      {"-code-window -7FFF-8 -data-window 1-2 -data-window 3-4 -data-window 5 -data-reg ^A^", ".$7FFF.$A$3$4......"},
+      {"-code-window -7FFF-8 -data-window 1-2 -data-window 3-4 -data-window 5 -data-reg \tA\t", ".$7FFF.$A$3$4......"},
       {"-split-bank -data-window 1-2 --data-window 3:4 -code-reg $$1 -data-reg 1aBxF", "split ...$1AB$1$2......"},
       {"--split-bank -data-window 1-2", "split ............"},
-      {"--split-bank --data-window 0x1ABCD:$7fff^", "split ....$ABCD$7FFF......"},
+      {"--split-bank --data-window 0x1ABCD:$7fff\t", "split ....$ABCD$7FFF......"},
       {"-code-window 1-2 -code-reg 3 -data-reg 4 -L code", "banked $4001$4FFF$84$4..$A001$AFFF...."},
       {"-code-reg 3 -L all -data-window 1-2", "banked split $4000$7FFE$3$85$6000$7FFE$A000$BFFF$5000$50FF$86$87"}})
     EXPECT_EQ(settled(host, line), equates + " " + expected) << line;
@@ -203,17 +201,14 @@ TEST(Driver, SettlesSeedsAndBankingByOptionsAndByFiles) {
       {"A=$FFFFFFFF\nB=$123456789\nC=$1=$2\n\xED\xA0\x80=$1", "A $FFFFFFFF, B $23456789, C $01, \xED\xA0\x80 $01"},
       {"\n;", equates}, {"A=$1\n\xFF", equates}, {"A=$\nB=$G\nC=$ 1\nD=B=$1\nE=0x10\nF=%1\nG=", equates}}) {
     host.files["x.sym"] = text;
-    EXPECT_EQ(settled(host, "-s x.sym"), seeds + " ............");
+    EXPECT_EQ(settled(host, "-s x.sym"), seeds + none);
   }
-  host.directories = {"p/kl", "p/support", "./kl", atari, generic};
-  host.files.insert({
-      {atari + "/b.sym", "B=$2"}, {atari + "/a.x.sym", "A=$1\nB=$1\nC=$1"}, {generic + "/a.sym", "C=$7"},
-      {atari + "/z.SYM", "Z=$8"}, {atari + "/.sym", "Z=$8"}, {atari + "/z.sym.z", "Z=$8"}});
   // clang-format on
-  EXPECT_EQ(settled(host, ""), "A $01, B $02, C $07 ............");
-  host.unreadable = {atari};
-  EXPECT_EQ(settled(host, ""), "C $07 ............");
-  EXPECT_EQ(settled(host, "-s none.sym"), equates + " ............");
+  EXPECT_EQ(settled(host, "-s no.sym"), equates + none);
+  host.directories = {"p/kl", "p/support", "./kl", "p/kl/atari/symbols", "p/kl/generic/symbols"};
+  EXPECT_EQ(settled(host, "x"), "A $01, B $02, C $07" + none);
+  host.unreadable = {"p/kl/atari/symbols"};
+  EXPECT_EQ(settled(host, "x"), "C $07" + none);
 }
 
 }  // namespace

@@ -111,20 +111,21 @@ TEST(Listing, ShowsEachStatementOfTheFinalSource) {
       bare("") + bare(".code_regions $2110-$211F,$2200-$22FF") + bare("m:") + at("0000", "    BVS _klb_0 ; longbr") +
       at("0002", "    JMP m.far") + bare("_klb_0:") + at("0005", "    JMP m.far") + bare(".cloaked_segment $3000") +
       at("0008", ".y: .string \"ab\" ; y") + at("000B", ".space 2") + bare(".cloaked_segment_end") + bare(".bank b") +
-      bare("FOO\r") + bare("") + bare("; note") + bare("; longbr") + bare("\t") + org("2110", " .org $2110") +
-      at("2110", last) + at("2111", last) + at("2113", "    JMP $2200 ; auto-spill") +
+      bare("FOO\r") + bare("") + bare("; 1") + bare("; 2") + bare("; longbr") + bare("\t") +
+      org("2110", " .org $2110") + at("2110", last) + at("2111", last) + at("2113", "    JMP $2200 ; auto-spill") +
       org("2200", "    .org $2200 ; auto-spill") + at("2200", ".long 1") + org("FFFF", ".org $FFFF") +
       at("FFFF", ".word 1") + at("0001", "NOP") + bare("");
-  expectRun({.source =
-                 "\n.code_regions $2110-$211F,$2200-$22FF\nm:\n>l: BVC .far : BCC .far ; lost\n BRA .far : BRA .far\n"
-                 ".cloaked_segment $3000\n.y: .string \"ab\" ; y\n.space 2\n.cloaked_segment_end\n.bank b\nFOO\r\n\n"
-                 "; note\n; longbr\n\t\n .org $2110\n.far: .byte 1 : .word l\n.long 1\n.org $FFFF\n.word 1\nNOP",
-             .arguments = {"main.asm", "-l", "a.lst"},
-             .standardError = say("warning: " + undefined("l")[0]) +
-                              say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
-             .written = {{"main.xex", bytes("FFFF 00000700 70034C10214C1021 00300430 6162000000 10211521 0100004C0022 "
-                                            "00220322 01000000 FFFF0100 0100EA E002E1020000")},
-                         {"a.lst", listing}}});
+  expectRun(
+      {.source =
+           "\n.code_regions $2110-$211F,$2200-$22FF\nm:\n>l: BVC .far : BCC .far ; lost\n BRA .far : BRA .far\n"
+           ".cloaked_segment $3000\n.y: .string \"ab\" ; y\n.space 2\n.cloaked_segment_end\n.bank b\nFOO\r\n\n; 1\n"
+           "; 2\n; longbr\n\t\n .org $2110\n.far: .byte 1 : .word l\n.long 1\n.org $FFFF\n.word 1\nNOP",
+       .arguments = {"main.asm", "-l", "a.lst"},
+       .standardError =
+           say("warning: " + undefined("l")[0]) + say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
+       .written = {{"main.xex", bytes("FFFF 00000700 70034C10214C1021 00300430 6162000000 10211521 0100004C0022 "
+                                      "00220322 01000000 FFFF0100 0100EA E002E1020000")},
+                   {"a.lst", listing}}});
 }
 
 // Ordered by address, filled where there is a gap, and never checked for an overlap.
@@ -138,10 +139,9 @@ TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
 }
 
 TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
-  AsSegment segment{.start = 0x4000, .bytes = std::vector<uint8_t>(256)};
+  AsSegment segment{.start = 256, .bytes = std::vector<uint8_t>(256)};
   std::iota(segment.bytes.begin(), segment.bytes.end(), 0);
-  const ShadowPlan plan = {
-      {0x3000, 0x3FFF, 0x40FF, 0x4100, 0x4100, 0x4200, 0x3000, 0x4000, 0x4010, 0x401F, 0x4010, 0x4017, 9}, 1};
+  const ShadowPlan plan = {{0, 255, 511, 512, 512, 600, 0, 256, 272, 287, 272, 279, 280, 280, 9}, 1};
   Pieces pieces;
   splitShadow(segment, plan, pieces);
   std::string found;
@@ -149,7 +149,7 @@ TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
     for (const auto& [address, bytes] : *list)
       found += std::to_string(address) + ":" + std::to_string(bytes.front()) + "+" + std::to_string(bytes.size()) + " ";
   }
-  EXPECT_EQ(found, "16385:1+15 16408:24+231 16384:0+1 16400:16+16 16400:16+8 16639:255+1 ");
+  EXPECT_EQ(found, "257:1+15 281:25+230 256:0+1 272:16+16 272:16+8 280:24+1 511:255+1 ");
 }
 
 }  // namespace

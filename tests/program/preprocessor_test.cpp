@@ -78,7 +78,7 @@ TEST(Sources, HaveIncludesReplacedByTheLinesOfTheFirstFileThatIsSoundText) {
       ".macro A\n B\n.macro B\n NOP\nA\nB ->  B\n NOP", "Z\n.include z\nZ\n.macro Z\n NOP ->  NOP\n NOP\n NOP",
       ".macro A\n B\n.macro B\n C\n.macro C\n NOP\nA\n.include i\n.include j ->  B\n C\n NOP\n NOP\n C",
       ".macro Q\n q\n.include k\nQ\n.include m\nZ\nY ->  z\n y\n q\n z\n z\n y", ".include d\n x\nD ->  x\n d",
-      ".macro A\n 1\n.include i\n.macro A\n 2\nA ->  1\n 2"});
+      ".macro A\n 1\n.include i\n.macro A\n 2\nA ->  1\n 2", ".macro A\n 1\nA\n.include z ->  1\nZ"});
 }
 // clang-format on
 

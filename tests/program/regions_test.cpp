@@ -63,7 +63,7 @@ TEST(Regions, SpillInFrontOfTheirLastTenBytes) {
       {".code_regions 1-2,3-4,$4000-$40FF\n.org $4000\nNOP\n" + pair + ".spill_point\n.space 99", "4000: EA z99"},
       // A spill point moves the whole block behind it, when that does not fit.
       {regions + "NOP\n.spill_point\n.byte 1\n.space 14", "2000: EA01 4000: z14"},
-      {regions + "NOP\nl: .spill_point\n.byte 1\n.space 14\n.byte 2\n.word l", "2000: EA 4000: 01 z14 020120"},
+      {regions + "NOP\nl: .spill_point\n.byte 1\n.space 14\n.byte l", "2000: EA 4000: 01 z14 01"},
       {regions + "NOP\n.spill_point\n.byte 1\n.spill_point\n.space 99", "2000: EA01 4000: z99"},
       {regions + "NOP\n.spill_point\n.byte 1\n.org $2004\n.space 99", "2000: EA010000 4000: z99"},
       {regions + ".org $4000\n.spill_point\n.space 200\n.spill_point\n.space 56", "2000: 4000: z256"},

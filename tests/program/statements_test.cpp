@@ -58,7 +58,7 @@ TEST(Directives, AreMatchedAsPrefixesOfWhatIsNoAssignment) {
       {".byte x,y\nx = 1\ny = x\nx = x+2\n= 5\nx =\n5 = 6", "0301"},
       {"lda = 5\n_a = b = 3\n.byte _a,__bank_code_reg", "AD00000000", {"b = 3", "= 5", "__bank_code_reg"}},
       {"1: .byte 2\n: .byte 3\n>: .byte 4\nx .byte 5\n.byte\t1\n.byte\n.bytes 1\n.org\n.space\n.spill_pointer", ""},
-      {".BYTE 1\n.ByTe  1,,2, \n.byte 256,0-1,<$1234,>$1234\n.word 1,$12345,0-2", "01010200FF341201004523FEFF"},
+      {".BYTE ,1\n.ByTe  1,2, \n.byte 256,0-1,<$1234,>$1234\n.word 1,$12345,0-2", "01010200FF341201004523FEFF"},
       {".long 0-2,$123456789\n.byte 10,2,3,$00000004,5,$0000000000000006", "FEFFFFFF896745230A0203040506"},
       {".byte 1, ,2\n.word 1,,2\n.long 1,\t,2\n.byte x\nx:", "01020100020001000000020000000F"},
       {".byte \"a,b\",__bank_data_reg", "000000", {"\"a", "b\"", "__bank_data_reg"}},

@@ -2,6 +2,7 @@
 #include "host/real_host.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -12,28 +13,43 @@ namespace kiln {
 TEST(RealHost, GivesWhatIsThereAsItStandsAndSaysWhenItCannot) {
   std::string root = testing::TempDir() + "kiln-XXXXXX";
   const std::string file = std::string(::mkdtemp(root.data())) + "/.file", cut("\0y", 2), odd("x\r\n\0\xFF", 5);
+  const std::string large(100000, 'a');
   RealHost host;
-  for (const std::string& bytes : {std::string(100000, 'a'), std::string(), odd}) {
+  for (const std::string& bytes : {large, std::string(), odd}) {
     EXPECT_TRUE(host.writeFile(file, bytes) && host.exists(file) && !host.isDirectory(file));
     EXPECT_EQ(host.readFile(file), bytes);
+    std::filesystem::permissions(file, std::filesystem::perms(0604));
   }
-  EXPECT_EQ(host.listDirectory(root), std::vector<std::string>{".file"});
+  EXPECT_TRUE(host.wasRead(root + "/./.file") && !host.wasRead(root) && !host.wasRead("none"));
   EXPECT_EQ(host.listDirectory(file), std::nullopt);
   // A path is never cut at its NUL: nothing happens to what the rest would name.
   for (const std::string& name : {root + "/none/x", root, file + cut, root + cut, std::string()}) {
     EXPECT_FALSE(host.writeFile(name, "z") || host.readFile(name).has_value()) << name;
     EXPECT_TRUE(host.exists(name) == (name == root) && host.isDirectory(name) == (name == root)) << name;
   }
+  // A file that does not fit leaves nothing behind, and the old one as it was.
+  rlimit limit{};
+  const bool isLimited = ::getrlimit(RLIMIT_FSIZE, &limit) == 0;
+  const rlimit small{1000, limit.rlim_max};
+  const bool isWritten = ::setrlimit(RLIMIT_FSIZE, &small) != 0 || host.writeFile(file, large);
+  EXPECT_TRUE(::setrlimit(RLIMIT_FSIZE, &limit) == 0 && isLimited && !isWritten);
   EXPECT_EQ(host.readFile(file), odd);
-  EXPECT_FALSE(std::filesystem::exists("/dev/full") && host.writeFile("/dev/full", "x"));
+  EXPECT_EQ(host.listDirectory(root), std::vector<std::string>{".file"});
+  EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0604));
+  // All names of a file are written through.
+  std::filesystem::create_hard_link(file, root + "/link");
+  EXPECT_TRUE(host.writeFile(root + "/link", large) && host.readFile(file) == large);
+  // A link is written through, here to the device on which nothing has room.
+  std::filesystem::create_symlink("/dev/full", root + "/full");
+  EXPECT_FALSE(std::filesystem::is_character_file(root + "/full") && host.writeFile(root + "/full", "x"));
+  EXPECT_TRUE(std::filesystem::is_symlink(root + "/full"));
   std::filesystem::permissions(file, std::filesystem::perms::none);
   EXPECT_TRUE(::geteuid() == 0 || !(host.readFile(file).has_value() || host.writeFile(file, "x")));
   std::filesystem::remove_all(root);
   // What is read piece by piece does not tell its length.
   int ends[2] = {};
-  const std::string piped = std::string(30000, 'b') + odd;
-  EXPECT_TRUE(::pipe(ends) == 0 && ::write(ends[1], piped.data(), piped.size()) == 30005 && ::close(ends[1]) == 0);
-  EXPECT_EQ(host.readFile("/dev/fd/" + std::to_string(ends[0])), piped);
+  EXPECT_TRUE(::pipe(ends) == 0 && ::write(ends[1], large.data(), 30000) == 30000 && ::close(ends[1]) == 0);
+  EXPECT_EQ(host.readFile("/dev/fd/" + std::to_string(ends[0])), large.substr(0, 30000));
   EXPECT_TRUE(host.environment("PATH") == std::getenv("PATH") && !host.environment("KILN_TEST_NONE").has_value());
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
