@@ -44,11 +44,13 @@ class PackedHost final : public Host {
     });
   }
   bool wasRead(const std::string& path) const override { return read_.count(path) != 0; }
-  bool writeFile(const std::string& path, std::string_view bytes) override {
+  bool writeFile(const std::string& path, std::span<const std::string_view> parts) override {
     require(!wasRead(path), "a file that was read is overwritten");
     if (path.empty() || path.back() == '/' || isDirectory(path)) return false;
     const BudgetPause pause;
-    written.emplace_back(path, bytes);
+    std::string& bytes = written.emplace_back(path, "").second;
+    for (std::string_view part : parts)
+      bytes += part;
     return true;
   }
   std::optional<std::vector<std::string>> listDirectory(const std::string& path) const override {

@@ -129,9 +129,12 @@ void compare(const char* writer, const std::optional<Image>& image, const std::v
              const LiteralFile& literal) {
   const std::string name = writer;
   if (image.has_value() != literal.image.has_value()) fail(name + (image ? ": a file for none" : ": no file"));
-  if (image.has_value() && *image != *literal.image) {
-    const auto [at, other] = std::mismatch(image->begin(), image->end(), literal.image->begin(), literal.image->end());
-    fail(name + ": another byte at " + std::to_string(at - image->begin()));
+  std::string bytes;
+  for (std::string_view part : image ? image->parts() : std::vector<std::string_view>{})
+    bytes += part;
+  if (image.has_value() && bytes != *literal.image) {
+    const auto [at, other] = std::mismatch(bytes.begin(), bytes.end(), literal.image->begin(), literal.image->end());
+    fail(name + ": another byte at " + std::to_string(at - bytes.begin()));
   }
   bool equal = lines.size() == literal.messages.size();
   for (size_t i = 0; equal && i < lines.size(); ++i)

@@ -1,6 +1,7 @@
 #include "base/text_store.h"
 
 #include <cstring>
+#include <new>
 
 namespace kiln {
 
@@ -9,16 +10,20 @@ std::string_view TextStore::own(std::string&& text) { return texts_.emplace_back
 char* TextStore::allocate(size_t size) {
   if (size > freeSize_) {
     // A large piece gets a block of its own, and the block at hand goes on serving the small ones.
-    const bool large = size > blockSize / 4;
-    blocks_.push_back(std::make_unique_for_overwrite<char[]>(large ? size : blockSize));
-    if (large) return blocks_.back().get();
-    free_ = blocks_.back().get();
+    if (size > blockSize / 4) return addBlock(size);
+    free_ = addBlock(blockSize);
     freeSize_ = blockSize;
   }
   char* const room = free_;
   free_ += size;
   freeSize_ -= size;
   return room;
+}
+
+char* TextStore::addBlock(size_t size) {
+  if (size > left_) throw std::bad_alloc();
+  left_ -= size;
+  return blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
 }
 
 std::string_view TextStore::join(std::initializer_list<std::string_view> pieces) {

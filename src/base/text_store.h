@@ -16,19 +16,23 @@ class TextStore {
   // Takes a whole text over.
   std::string_view own(std::string&& text);
 
-  // The pieces, one after the other, as one kept text.
+  // The pieces, one after the other, as one kept text. Throws std::bad_alloc beyond 4 GB in all: what small sources
+  // can ask for, such as a name of a megabyte in front of each of its local labels, shall not take the machine with it.
   std::string_view join(std::initializer_list<std::string_view> pieces);
 
-  // Room for `size` characters that the caller fills.
+  // Room for `size` characters that the caller fills; throws likewise.
   char* allocate(size_t size);
 
  private:
   static constexpr size_t blockSize = 64 * 1024;
 
+  char* addBlock(size_t size);
+
   std::deque<std::string> texts_;
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   size_t freeSize_ = 0;
+  size_t left_ = size_t{1} << 32;
 };
 
 }  // namespace kiln

@@ -1,5 +1,6 @@
 #include "driver/run.h"
 
+#include <array>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -105,9 +106,9 @@ bool writeFiles(Host& host, const Options& options, const std::optional<std::str
   Iteration& iteration = *assembler.iteration;
   const std::string listing =
       options.listing.has_value() ? renderListing(iteration.statements, assembler.lines, iteration.evaluator) : "";
-  if (!host.writeFile(*outputPath, *image)) return refuse(*outputPath);
+  if (!host.writeFile(*outputPath, image->parts())) return refuse(*outputPath);
   // The program is there already: that its listing cannot be written is no failure.
-  if (options.listing.has_value()) (void)host.writeFile(*options.listing, listing);
+  if (options.listing.has_value()) (void)host.writeFile(*options.listing, std::array{std::string_view(listing)});
   return true;
 }
 

@@ -37,12 +37,14 @@ class FileDescriptor {
   int number_;
 };
 
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes.remove_prefix(static_cast<size_t>(count));
+bool writeAll(int descriptor, std::span<const std::string_view> parts) {
+  for (std::string_view bytes : parts) {
+    while (!bytes.empty()) {
+      const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) return false;
+      bytes.remove_prefix(static_cast<size_t>(count));
+    }
   }
   return true;
 }
@@ -87,9 +89,9 @@ class TemporaryFile {
     if (isCreated_) ::unlink(path_.c_str());
   }
 
-  bool write(std::string_view bytes) {
+  bool write(std::span<const std::string_view> parts) {
     isCreated_ = file_.isOpen();
-    return isCreated_ && writeAll(file_.number(), bytes);
+    return isCreated_ && writeAll(file_.number(), parts);
   }
   bool setMode(mode_t mode) { return ::fchmod(file_.number(), mode) == 0; }
   bool become(const std::string& target) {
@@ -147,17 +149,17 @@ bool RealHost::isDirectory(const std::string& path) const {
 
 // A file of its own is written beside and renamed, so that there is the old one or the new one and nothing between.
 // Devices, pipes and links are there to be written through; a link keeps its other names.
-bool RealHost::writeFile(const std::string& path, std::string_view bytes) {
+bool RealHost::writeFile(const std::string& path, std::span<const std::string_view> parts) {
   if (!isNameable(path) || path.empty()) return false;
   struct stat status {};
   const bool isThere = ::lstat(path.c_str(), &status) == 0;
   if (isThere && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) {
     FileDescriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
-    return file.isOpen() && writeAll(file.number(), bytes) && file.close();
+    return file.isOpen() && writeAll(file.number(), parts) && file.close();
   }
   if (isThere && ::access(path.c_str(), W_OK) != 0) return false;
   TemporaryFile file(path);
-  if (!file.write(bytes)) return false;
+  if (!file.write(parts)) return false;
   if (isThere && !file.setMode(status.st_mode & 07777)) return false;
   return file.become(path);
 }
@@ -181,8 +183,8 @@ std::optional<std::string> RealHost::environment(const std::string& name) const 
 }
 
 // A console that cannot be written to leaves nobody to tell: the exit status still says how the run went.
-void RealHost::printError(std::string_view text) { (void)writeAll(STDERR_FILENO, text); }
+void RealHost::printError(std::string_view text) { (void)writeAll(STDERR_FILENO, {&text, 1}); }
 
-void RealHost::printOutput(std::string_view text) { (void)writeAll(STDOUT_FILENO, text); }
+void RealHost::printOutput(std::string_view text) { (void)writeAll(STDOUT_FILENO, {&text, 1}); }
 
 }  // namespace kiln

@@ -19,7 +19,7 @@ class RealHost final : public Host {
   bool exists(const std::string& path) const override;
   bool isDirectory(const std::string& path) const override;
   bool wasRead(const std::string& path) const override;
-  bool writeFile(const std::string& path, std::string_view bytes) override;
+  bool writeFile(const std::string& path, std::span<const std::string_view> parts) override;
   std::optional<std::vector<std::string>> listDirectory(const std::string& path) const override;
   std::optional<std::string> environment(const std::string& name) const override;
   void printError(std::string_view text) override;

@@ -1,9 +1,11 @@
 #include "layout/layout_cloaked.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <vector>
 
 #include "base/format.h"
 #include "base/text.h"
@@ -14,8 +16,14 @@ namespace {
 
 constexpr std::string_view placeholder = "<n>";
 
-// A longer range is a slip of the pen, and would fill the memory with ids.
-constexpr int64_t maximumBanks = 1'000'000;
+// More ids than this, or fewer of more than 32 bytes, are a slip of the pen, and would fill the memory.
+constexpr int64_t maximumIds = 1'000'000;
+constexpr int64_t usualIdSize = 32;
+
+bool isTooMuch(int64_t count, std::string_view id) {
+  const int64_t size = std::max(usualIdSize, static_cast<int64_t>(id.size()));
+  return count > maximumIds * usualIdSize / size;
+}
 
 void setBanks(AsLayout& layout, uint32_t low, uint32_t high) {
   layout.cloakedBankLo = static_cast<int32_t>(low);
@@ -56,12 +64,16 @@ void closeRange(AsLayout& layout, std::string_view path, bool hasPlaceholder) {
   const std::string& id = layout.cloakedIdTemplate;
   const int64_t low = layout.cloakedBankLo;
   const int64_t high = layout.cloakedBankHi;
+  const int64_t count = static_cast<int64_t>(layout.cloakedIds.size()) + high - low + 1;
   const std::string range = concat({path, ": [cloaked] bank = ", decimal(low), "-", decimal(high), " (range) "});
   if (!hasPlaceholder) {
     layout.error = concat({range, "needs '<n>' placeholder in id (e.g. `id = ext<n>`); got '", id, "'"});
-  } else if (high - low + 1 > maximumBanks) {
+  } else if (isTooMuch(count, id)) {
     layout.error = concat({range, "is too long"});
   } else {
+    // A million at once need no room for half a million more; many small ranges grow as usual.
+    const size_t needed = static_cast<size_t>(count);
+    if (needed > 2 * layout.cloakedIds.capacity()) layout.cloakedIds.reserve(needed);
     for (int64_t bank = low; bank <= high; ++bank)
       layout.cloakedIds.push_back(numberedId(id, decimal(bank)));
   }
@@ -93,13 +105,21 @@ void closeCloakedEntry(AsLayout& layout, std::string_view path) {
 }
 
 void checkCloakedIds(AsLayout& layout, std::string_view path) {
-  std::unordered_set<std::string_view> seen;
-  for (const std::string& id : layout.cloakedIds) {
-    if (seen.insert(id).second) continue;
-    layout.error = concat({path, ": duplicate [cloaked] id '", id,
-                           "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)"});
-    return;
+  const std::vector<std::string>& ids = layout.cloakedIds;
+  // Sorted, with equal ids in the order of the list: all but the first of them are repetitions.
+  std::vector<uint32_t> numbers(ids.size());
+  std::iota(numbers.begin(), numbers.end(), 0);
+  std::sort(numbers.begin(), numbers.end(), [&](uint32_t a, uint32_t b) {
+    const int order = ids[a].compare(ids[b]);
+    return order != 0 ? order < 0 : a < b;
+  });
+  uint32_t first = UINT32_MAX;
+  for (size_t i = 1; i < numbers.size(); ++i) {
+    if (ids[numbers[i]] == ids[numbers[i - 1]]) first = std::min(first, numbers[i]);
   }
+  if (first == UINT32_MAX) return;
+  layout.error = concat({path, ": duplicate [cloaked] id '", ids[first],
+                         "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)"});
 }
 
 }  // namespace kiln

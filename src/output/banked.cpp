@@ -49,6 +49,7 @@ struct Program {
 };
 
 Program sortOut(const std::vector<AsSegment>& segments, const ShadowPlan& plan, const BankedSettings& settings) {
+  const ShadowSplitter splitter(plan);
   Program program;
   BankCounters counters(settings);
   for (const AsSegment& segment : segments) {
@@ -57,7 +58,7 @@ Program sortOut(const std::vector<AsSegment>& segments, const ShadowPlan& plan, 
     } else if (const std::optional<BankValue> bank = counters.next(segment.start, segment.bank)) {
       program.banked.push_back({&segment, *bank});
     } else if (!segment.bytes.empty()) {
-      splitShadow(segment, plan, program.main);
+      splitter.split(segment, program.main);
     }
   }
   return program;

@@ -4,7 +4,35 @@
 
 namespace kiln {
 
-void appendByte(Image& image, uint32_t value) { image.push_back(static_cast<char>(value & 0xFF)); }
+namespace {
+
+constexpr size_t longText = 64 * 1024;
+
+}  // namespace
+
+void Image::appendKept(std::string_view bytes) {
+  if (bytes.size() < longText) return append(bytes);
+  borrowed_.push_back({own_.size(), bytes});
+  borrowedSize_ += bytes.size();
+}
+
+std::vector<std::string_view> Image::parts() const {
+  std::vector<std::string_view> parts;
+  const std::string_view own = own_;
+  size_t at = 0;
+  for (const Borrowed& borrowed : borrowed_) {
+    parts.push_back(own.substr(at, borrowed.at - at));
+    parts.push_back(borrowed.bytes);
+    at = borrowed.at;
+  }
+  parts.push_back(own.substr(at));
+  return parts;
+}
+
+void appendByte(Image& image, uint32_t value) {
+  const char byte = static_cast<char>(value & 0xFF);
+  image.append({&byte, 1});
+}
 
 void appendWord(Image& image, uint32_t address) {
   appendByte(image, address);
@@ -12,7 +40,7 @@ void appendWord(Image& image, uint32_t address) {
 }
 
 void appendBytes(Image& image, std::span<const uint8_t> bytes) {
-  image.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  image.appendKept({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 void appendRangeHeader(Image& image, uint32_t first, uint32_t last) {
@@ -62,10 +90,10 @@ void appendPreloadInit(Image& image, const Image& stub) {
   constexpr uint32_t address = 0x03FD;
   const uint32_t last = address + static_cast<uint32_t>(stub.size()) - 1;
   appendRangeHeader(image, address, last);
-  image += stub;
+  image.append(stub);
   appendInitAddress(image, address);
   appendRangeHeader(image, address, last);
-  image += stub;
+  image.append(stub);
 }
 
 }  // namespace kiln

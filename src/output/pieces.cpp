@@ -3,30 +3,38 @@
 #include <algorithm>
 
 namespace kiln {
-namespace {
 
-struct Range {
-  uint64_t low;
-  uint64_t high;
-};
-
-// The ranges that touch [first, last] (one that its cut to 16 bits has turned round touches nothing), clipped to it and
-// ordered by start; equal starts keep the order in which they were declared.
-std::vector<Range> rangesWithin(const ShadowPlan& plan, uint64_t first, uint64_t last) {
-  std::vector<Range> kept;
-  if (plan.stageAddress == 0) return kept;
+// A range that its cut to 16 bits has turned round touches nothing.
+ShadowSplitter::ShadowSplitter(const ShadowPlan& plan) {
+  if (plan.stageAddress == 0) return;
   for (size_t i = 0; i + 1 < plan.ranges.size(); i += 2) {
-    const uint64_t low = plan.ranges[i];
-    const uint64_t high = plan.ranges[i + 1];
-    if (low <= high && high >= first && low <= last) kept.push_back({std::max(first, low), std::min(last, high)});
+    if (plan.ranges[i] <= plan.ranges[i + 1]) ranges_.push_back({plan.ranges[i], plan.ranges[i + 1], i});
   }
-  std::stable_sort(kept.begin(), kept.end(), [](const Range& a, const Range& b) { return a.low < b.low; });
+  std::sort(ranges_.begin(), ranges_.end(), isBefore);
+  for (const Range& range : ranges_)
+    highestUpTo_.push_back(std::max(range.high, highestUpTo_.empty() ? 0 : highestUpTo_.back()));
+}
+
+bool ShadowSplitter::isBefore(const Range& a, const Range& b) {
+  return a.low != b.low ? a.low < b.low : a.number < b.number;
+}
+
+// The ranges that touch [first, last], clipped to it and ordered by start; equal starts keep the order in which they
+// were declared. There may be as many ranges as segments, so that not all are looked at: behind the last one that
+// begins in time, they are followed back until none before reaches far enough.
+std::vector<ShadowSplitter::Range> ShadowSplitter::rangesWithin(uint64_t first, uint64_t last) const {
+  std::vector<Range> kept;
+  const auto end = std::upper_bound(ranges_.begin(), ranges_.end(), last,
+                                    [](uint64_t address, const Range& range) { return address < range.low; });
+  for (size_t i = static_cast<size_t>(end - ranges_.begin()); i-- > 0 && highestUpTo_[i] >= first;) {
+    const Range& range = ranges_[i];
+    if (range.high >= first) kept.push_back({std::max(first, range.low), std::min(last, range.high), range.number});
+  }
+  std::sort(kept.begin(), kept.end(), isBefore);
   return kept;
 }
 
-}  // namespace
-
-void splitShadow(const AsSegment& segment, const ShadowPlan& plan, Pieces& pieces) {
+void ShadowSplitter::split(const AsSegment& segment, Pieces& pieces) const {
   const uint64_t first = segment.start;
   const uint64_t last = first + segment.bytes.size() - 1;
   const auto piece = [&](uint64_t from, uint64_t to) {
@@ -35,7 +43,7 @@ void splitShadow(const AsSegment& segment, const ShadowPlan& plan, Pieces& piece
   };
   uint64_t cursor = first;
   // The cursor follows each range in turn, even backwards: where ranges overlap, their bytes are staged twice.
-  for (const Range& range : rangesWithin(plan, first, last)) {
+  for (const Range& range : rangesWithin(first, last)) {
     if (cursor < range.low) pieces.plain.push_back(piece(cursor, range.low - 1));
     pieces.shadow.push_back(piece(range.low, range.high));
     cursor = range.high + 1;

@@ -20,8 +20,26 @@ struct Pieces {
   std::vector<Piece> shadow;
 };
 
-// Appends the segment's pieces. Without a stage address, or where no shadow range touches the segment, it is one plain
-// piece. The segment must hold a byte.
-void splitShadow(const AsSegment& segment, const ShadowPlan& plan, Pieces& pieces);
+// Cuts segments at the shadow ranges of a plan. Without a stage address there are none.
+class ShadowSplitter {
+ public:
+  explicit ShadowSplitter(const ShadowPlan& plan);
+
+  // Appends the segment's pieces: one plain one, where no range touches the segment. The segment must hold a byte.
+  void split(const AsSegment& segment, Pieces& pieces) const;
+
+ private:
+  struct Range {
+    uint64_t low;
+    uint64_t high;
+    size_t number;  // rises in the order in which they were declared
+  };
+
+  static bool isBefore(const Range& a, const Range& b);
+  std::vector<Range> rangesWithin(uint64_t first, uint64_t last) const;
+
+  std::vector<Range> ranges_;          // by start
+  std::vector<uint64_t> highestUpTo_;  // the highest end of a range and all before it
+};
 
 }  // namespace kiln

@@ -16,7 +16,7 @@ std::optional<Image> writePrg(const std::vector<AsSegment>& segments) {
   uint64_t cursor = ordered.front()->start;
   appendWord(image, ordered.front()->start);
   for (const AsSegment* segment : ordered) {
-    if (cursor < segment->start) image.append(segment->start - cursor, '\0');
+    if (cursor < segment->start) image.appendZeros(segment->start - cursor);
     appendBytes(image, segment->bytes);
     cursor = (segment->start + segment->bytes.size()) & 0xFFFF;
   }

@@ -97,7 +97,7 @@ std::optional<Image> copyTable(const std::vector<Piece>& pieces, uint64_t firstS
     appendWord(table, static_cast<uint32_t>(piece.bytes.size()));
     source += piece.bytes.size();
   }
-  table.append(entrySize, '\0');
+  table.appendZeros(entrySize);
   return table;
 }
 
@@ -140,8 +140,8 @@ bool stageShadow(Image& image, uint32_t stageAddress, const std::vector<Piece>& 
                           " bytes, runs past $FFFF. Reduce shadow-region code size or pick a lower stage address.\n"});
   }
   appendRangeHeader(image, stageAddress, static_cast<uint32_t>(end - 1));
-  image += stub;
-  image += *table;
+  image.append(stub);
+  image.append(*table);
   for (const Piece& piece : pieces)
     appendBytes(image, piece.bytes);
   appendInitAddress(image, stageAddress);

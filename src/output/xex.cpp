@@ -7,14 +7,12 @@ namespace kiln {
 
 std::optional<Image> writeXex(const std::vector<AsSegment>& segments, const ShadowPlan& plan, uint32_t runAddress,
                               Console& console) {
+  const ShadowSplitter splitter(plan);
   Pieces pieces;
-  size_t size = 0;
   for (const AsSegment& segment : segments) {
-    if (!segment.bytes.empty()) splitShadow(segment, plan, pieces);
-    size += segment.bytes.size();
+    if (!segment.bytes.empty()) splitter.split(segment, pieces);
   }
   Image image;
-  image.reserve(size + 4 * pieces.plain.size() + 16);
   appendWord(image, 0xFFFF);
   for (const Piece& piece : pieces.plain)
     appendLoadSegment(image, piece.address, piece.bytes);

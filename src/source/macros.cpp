@@ -11,6 +11,13 @@ namespace {
 // A label is seen before a macro's name only when its colon stands in the first columns.
 constexpr size_t labelColumns = 20;
 
+// What a line takes of the expansion room beside its text, for its place in the list of lines.
+constexpr uint64_t lineCost = 16;
+// A search for a parameter takes as much as an eighth of the text in which it searches, and as a short text for each
+// place where it finds one.
+constexpr uint64_t searchedPerByte = 8;
+constexpr uint64_t placeCost = 16;
+
 struct Call {
   const Macro* macro = nullptr;  // null: the line calls none
   std::string_view label;        // up to and including its colon; empty without one
@@ -60,24 +67,31 @@ void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, 
   const size_t pairs = std::min(values_.size(), macro.parameters.size());
   for (std::string_view bodyLine : macro.body) {
     line_ = bodyLine;
-    for (size_t i = 0; i < pairs; ++i)
-      replaceAll(macro.parameters[i], values_[i]);
+    for (size_t i = 0; i < pairs; ++i) {
+      if (!replaceAll(macro.parameters[i], values_[i])) return;
+    }
+    if (!room_.take(line_.size() + lineCost)) return;
     lines.add(line_ == bodyLine ? bodyLine : texts_.join({line_}));
   }
 }
 
-// Every occurrence of `name` in the line, from left to right.
-void MacroExpander::replaceAll(std::string_view name, std::string_view argument) {
+// Every occurrence of `name` in the line, from left to right. False when the room is exhausted.
+bool MacroExpander::replaceAll(std::string_view name, std::string_view argument) {
+  if (!room_.take(line_.size() / searchedPerByte)) return false;
   size_t at = line_.find(name);
-  if (at == std::string::npos) return;
+  if (at == std::string::npos) return true;
   replaced_.clear();
   size_t copied = 0;
+  uint64_t cost = 0;
   for (; at != std::string::npos; at = line_.find(name, copied)) {
     replaced_.append(line_, copied, at - copied).append(argument);
     copied = at + name.size();
+    cost += placeCost;
+    if (!room_.has(cost + replaced_.size())) return room_.take(cost + replaced_.size());
   }
   replaced_.append(line_, copied);
   line_.swap(replaced_);
+  return room_.take(cost);
 }
 
 size_t findMacroCall(const MacroTable& macros, const SourceLines& lines, size_t begin, size_t end) {
@@ -104,6 +118,7 @@ void MacroExpander::expand(const MacroTable& macros, SourceLines& lines, size_t 
     isKept = false;
     if (!call.label.empty()) lines.add(call.label);
     instantiate(*call.macro, call.arguments, lines);
+    if (room_.isExhausted()) return;
   }
 }
 

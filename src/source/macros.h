@@ -1,6 +1,7 @@
 // Macros: text templates whose parameters are replaced as plain text.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -34,23 +35,42 @@ class MacroTable {
   std::unordered_map<std::string_view, size_t, NameHash> byName_;
 };
 
+// How much macros and includes may still add to the source: a few lines of either can ask for more than any memory
+// holds, and a run shall say so instead of trying.
+class ExpansionRoom {
+ public:
+  // False when that much is not left; from then on nothing is.
+  bool take(uint64_t bytes) {
+    left_ = has(bytes) ? left_ - bytes : 0;
+    return left_ != 0;
+  }
+  bool has(uint64_t bytes) const { return bytes < left_; }
+  bool isExhausted() const { return left_ == 0; }
+
+ private:
+  uint64_t left_ = uint64_t{1} << 30;
+};
+
 // Writes macro calls out. Its scratch memory serves call after call.
 class MacroExpander {
  public:
-  // `texts` takes the lines that are made.
-  explicit MacroExpander(TextStore& texts) : texts_(texts) {}
+  // `texts` takes the lines that are made, as long as there is `room` for them.
+  MacroExpander(TextStore& texts, ExpansionRoom& room) : texts_(texts), room_(room) {}
 
   // Appends the body lines with each parameter that has an argument replaced by it: one parameter after the other, so
   // that a later one also applies to what an earlier one brought in. `arguments` is the text behind the macro's name.
+  // Leaves off when the room is exhausted.
   void instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines);
 
   // Replaces every line from piece `begin` on that calls a macro. What a macro gives is not looked at again.
+  // Leaves off when the room is exhausted.
   void expand(const MacroTable& macros, SourceLines& lines, size_t begin);
 
  private:
-  void replaceAll(std::string_view name, std::string_view argument);
+  bool replaceAll(std::string_view name, std::string_view argument);
 
   TextStore& texts_;
+  ExpansionRoom& room_;
   std::vector<std::string_view> values_;
   std::string line_;
   std::string replaced_;

@@ -13,6 +13,9 @@ namespace {
 constexpr std::string_view macroWord = ".macro ";
 constexpr std::string_view includeWord = ".include ";
 
+// What a file takes of the expansion room beside its text: the time to open it, more than anything else.
+constexpr uint64_t fileCost = 4096;
+
 // What follows `word` when the line, whose leading blanks are gone, begins with it in any letter case once its comment
 // is off and it is trimmed; null data when it does not.
 std::string_view argumentOf(std::string_view start, std::string_view word) {
@@ -80,7 +83,8 @@ void Preprocessor::include(std::string_view argument, std::string_view including
     errors_.add({"Cannot include '", name, "': it includes itself"});
     return;
   }
-  open(texts_.own(std::move(*found)), name);
+  if (room_.take(found->size() + fileCost)) open(texts_.own(std::move(*found)), name);
+  giveUpIfExhausted();
 }
 
 void Preprocessor::open(std::string_view text, std::string_view path) {
@@ -102,7 +106,16 @@ void Preprocessor::expandFrom(size_t begin) {
   while (!settled_.empty() && settled_.back().begin >= begin)
     settled_.pop_back();
   if (call > begin) settled_.push_back({begin, call, macros_.count()});
-  if (call < lines_.pieces().size()) MacroExpander(texts_).expand(macros_, lines_, call);
+  if (call == lines_.pieces().size()) return;
+  MacroExpander(texts_, room_).expand(macros_, lines_, call);
+  giveUpIfExhausted();
+}
+
+void Preprocessor::giveUpIfExhausted() {
+  if (!room_.isExhausted()) return;
+  errors_.add({"The source is too large: its macros and includes make more than 1 GB of it"});
+  openFiles_.clear();
+  lines_ = {};
 }
 
 size_t Preprocessor::findUnsettledCall(size_t begin) const {

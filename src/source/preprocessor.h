@@ -16,7 +16,8 @@ namespace kiln {
 
 class Preprocessor {
  public:
-  // `texts` takes the included files; the lines are views into it. Files that are not found, or never end, are errors.
+  // `texts` takes the included files; the lines are views into it. Files that are not found, or never end, are errors,
+  // and so are macros and includes that make a source of more than a gigabyte: then there are no lines.
   Preprocessor(const FileReader& files, const std::vector<std::string>& includePaths, TextStore& texts,
                MessageList& errors)
       : files_(files), includePaths_(includePaths), texts_(texts), errors_(errors) {}
@@ -47,6 +48,7 @@ class Preprocessor {
   void include(std::string_view argument, std::string_view includingPath);
   void open(std::string_view text, std::string_view path);
   void closeFile();
+  void giveUpIfExhausted();
   void expandFrom(size_t begin);
   size_t findUnsettledCall(size_t begin) const;
 
@@ -57,6 +59,7 @@ class Preprocessor {
   MacroTable macros_;
   std::vector<OpenFile> openFiles_;
   std::unordered_map<std::string_view, std::vector<std::string_view>> openTexts_;  // by path
+  ExpansionRoom room_;
   SourceLines lines_;
   std::vector<Settled> settled_;  // in order, apart from each other
 };

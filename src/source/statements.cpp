@@ -1,5 +1,6 @@
 #include "source/statements.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -171,9 +172,16 @@ void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std:
   if (shape.code.empty() && !shape.marked && extendsEmpty(statements)) return;
   if (!shape.splits) return append(shape.code);
   StatementTexts texts(withoutComment(line));
+  const size_t before = statements.size();
   std::string_view text;
-  while (texts.next(text))
+  while (texts.next(text)) {
+    // Of a line that holds millions of statements, doubling the room would take half as much memory again as they need.
+    const size_t count = statements.size();
+    if (count == statements.capacity()) {
+      statements.reserve(count + std::max(texts.estimateAhead(count - before + 1), count / 16) + 16);
+    }
     append(text);
+  }
 }
 
 // `specials` are those of the whole line: what it does not have, no statement of it has.

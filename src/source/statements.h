@@ -23,6 +23,9 @@ class StatementTexts {
   // Moves to the next statement; false when there is none left.
   bool next(std::string_view& text);
 
+  // How many statements lie ahead, if the `count` that next() has given are anything to go by.
+  size_t estimateAhead(size_t count) const { return count * rest_.size() / (code_.size() - rest_.size()); }
+
  private:
   std::string_view code_;
   std::string_view rest_;

@@ -143,7 +143,7 @@ TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
   std::iota(segment.bytes.begin(), segment.bytes.end(), 0);
   const ShadowPlan plan = {{0, 255, 511, 512, 512, 600, 0, 256, 272, 287, 272, 279, 280, 280, 9}, 1};
   Pieces pieces;
-  splitShadow(segment, plan, pieces);
+  ShadowSplitter(plan).split(segment, pieces);
   std::string found;
   for (const std::vector<Piece>* list : {&pieces.plain, &pieces.shadow}) {
     for (const auto& [address, bytes] : *list)

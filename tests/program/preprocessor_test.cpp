@@ -73,6 +73,11 @@ TEST(Sources, HaveIncludesReplacedByTheLinesOfTheFirstFileThatIsSoundText) {
   for (int i = 1; i <= 10000; lines += "\n " + std::to_string(i++))
     host.files["inc/" + std::to_string(i)] = ".include " + std::to_string(i - 1) + "\nM " + std::to_string(i);
   expectLines(host, {".macro M P\n P\n.include 10000 -> " + lines});
+  // What would never end is given up: 1,024 times a megabyte.
+  std::string growing = ".macro M\n " + std::string(1 << 20, 'x') + "\n\n";
+  for (int i = 0; i < 1024; ++i)
+    growing += "M\n";
+  expectLines(host, {growing + " -> The source is too large: its macros and includes make more than 1 GB of it"});
   // A line is looked at once in each file that it goes through.
   expectLines(host, {
       ".macro A\n B\n.macro B\n NOP\nA\nB ->  B\n NOP", "Z\n.include z\nZ\n.macro Z\n NOP ->  NOP\n NOP\n NOP",

@@ -9,6 +9,14 @@
 
 namespace kiln::test {
 
+// The parts of a file as one text.
+inline std::string joined(std::span<const std::string_view> parts) {
+  std::string text;
+  for (std::string_view part : parts)
+    text += part;
+  return text;
+}
+
 class MemoryHost : public Host {
  public:
   std::map<std::string, std::string> files;
@@ -29,9 +37,9 @@ class MemoryHost : public Host {
   bool exists(const std::string& path) const override { return files.count(path) != 0 || isDirectory(path); }
   bool isDirectory(const std::string& path) const override { return directories.count(path) != 0; }
   bool wasRead(const std::string& path) const override { return read_.count(path) != 0; }
-  bool writeFile(const std::string& path, std::string_view bytes) override {
+  bool writeFile(const std::string& path, std::span<const std::string_view> parts) override {
     if (path.empty() || unwritable.count(path) != 0 || isDirectory(path)) return false;
-    written[path] = bytes;
+    written[path] = joined(parts);
     return true;
   }
   std::optional<std::vector<std::string>> listDirectory(const std::string& path) const override {

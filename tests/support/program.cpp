@@ -8,9 +8,9 @@
 namespace kiln::test {
 
 std::string bytes(const std::string& hex) {
-  std::string spelled;
+  Image spelled;
   appendHexText(spelled, hex);
-  return spelled;
+  return joined(spelled.parts());
 }
 
 std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, unsigned runAddress) {

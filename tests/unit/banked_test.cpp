@@ -10,6 +10,7 @@
 #include "base/format.h"
 #include "output/preload.h"
 #include "support/machine.h"
+#include "support/memory_host.h"
 
 namespace kiln {
 namespace {
@@ -40,7 +41,7 @@ const std::string end = "E0 02 E1 02 34 12 ";  // runs $1234
 std::string preload(const std::string& routine) {
   Image header;
   appendRangeHeader(header, 0x03FD, 0x03FD + static_cast<uint32_t>(routine.size()) / 3 - 1);
-  const std::string once = hex(header) + routine;
+  const std::string once = hex(test::joined(header.parts())) + routine;
   return once + "E2 02 E3 02 FD 03 " + once;
 }
 
@@ -48,7 +49,7 @@ std::string preload(const std::string& routine) {
 std::string write(const Segments& segments, const BankedSettings& settings, const ShadowPlan& plan = {}) {
   ErrorText console;
   const std::optional<Image> image = writeBanked(segments, plan, settings, 0x1234, console);
-  return console.errors + (image ? hex(*image) : "nothing");
+  return console.errors + (image ? hex(test::joined(image->parts())) : "nothing");
 }
 
 BankedSettings registers(uint32_t code, uint32_t data) { return {.codeBankRegister = code, .dataBankRegister = data}; }
@@ -107,7 +108,7 @@ TEST(Banked, splitAndRegcBanksStoreToTheirOwnRegisters) {
                                            preload("A9 00 85 84 8D FF D5 60 ") + rest);
   Image image;
   BankPreload(settings).appendSelect(image, {BankKind::Regc, 0x203});
-  EXPECT_EQ(hex(image), preload("A9 03 85 84 A9 02 8D FF D5 60 "));
+  EXPECT_EQ(hex(test::joined(image.parts())), preload("A9 03 85 84 A9 02 8D FF D5 60 "));
 }
 
 // The kind and the number of every segment, given by start and own number.
@@ -240,7 +241,7 @@ TEST(Banked, theLoaderFillsTheBanksAndEndsInBank0) {
   machine.osRom = true;
   machine.windows = {{0x4000, 0x7FFF, 0xD5E0, 0xD5E1}};
   machine.poke(0xD301, 0xEF);
-  ASSERT_TRUE(machine.loadXex(*image)) << machine.error;
+  ASSERT_TRUE(machine.loadXex(test::joined(image->parts()))) << machine.error;
   const std::vector<int> bytes = {machine.bankByte(0, 1, 0x4000),     machine.bankByte(0, 1, 0x4001),
                                   machine.bankByte(0, 0x107, 0x7FFF), machine.bankByte(0, 0x207, 0x4000),
                                   machine.bankByte(0, 4, 0x4000),     machine.ram(0x2000)};
