@@ -1,18 +1,25 @@
 #include "base/text_store.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
 namespace kiln {
+namespace {
+
+constexpr size_t largestBlock = 4 * 1024 * 1024;
+
+}  // namespace
 
 std::string_view TextStore::own(std::string&& text) { return texts_.emplace_back(std::move(text)); }
 
 char* TextStore::allocate(size_t size) {
   if (size > freeSize_) {
     // A large piece gets a block of its own, and the block at hand goes on serving the small ones.
-    if (size > blockSize / 4) return addBlock(size);
-    free_ = addBlock(blockSize);
-    freeSize_ = blockSize;
+    if (size > blockSize_ / 4) return addBlock(size);
+    free_ = addBlock(blockSize_);
+    freeSize_ = blockSize_;
+    blockSize_ = std::min(2 * blockSize_, largestBlock);
   }
   char* const room = free_;
   free_ += size;

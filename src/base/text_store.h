@@ -24,14 +24,13 @@ class TextStore {
   char* allocate(size_t size);
 
  private:
-  static constexpr size_t blockSize = 64 * 1024;
-
   char* addBlock(size_t size);
 
   std::deque<std::string> texts_;
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   size_t freeSize_ = 0;
+  size_t blockSize_ = 64 * 1024;  // of the next one: few texts need little, and many are quicker in few large blocks
   size_t left_ = size_t{1} << 32;
 };
 

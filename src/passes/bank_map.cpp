@@ -86,7 +86,7 @@ void BankMapper::place(const AsLine& line) {
     cloaked_ = false;
   } else if (line.kind == Kind::Assign) {
     const auto source = map_.labels.find(leadingSymbol(line.assignValue()));
-    if (source != map_.labels.end()) map_.labels[line.assignName] = std::optional<BankValue>(source->second);
+    if (source != map_.labels.end()) map_.labels[line.assignName()] = std::optional<BankValue>(source->second);
   }
 }
 

@@ -24,7 +24,8 @@ class EmissionPass {
   std::vector<uint8_t>& currentBytes();
 
   void encode(AsLine& line, std::vector<uint8_t>& bytes);
-  void emitItems(const AsLine& line, size_t itemSize, std::vector<uint8_t>& bytes);
+  template <size_t ItemSize>
+  void emitItems(const AsLine& line, std::vector<uint8_t>& bytes);
 
   Iteration& iteration_;
   const uint32_t bankOrigin_;
@@ -58,13 +59,13 @@ void EmissionPass::emitStatement(AsLine& line) {
       encode(line, bytes);
       break;
     case Kind::Byte:
-      emitItems(line, 1, bytes);
+      emitItems<1>(line, bytes);
       break;
     case Kind::Word:
-      emitItems(line, 2, bytes);
+      emitItems<2>(line, bytes);
       break;
     case Kind::Long:
-      emitItems(line, 4, bytes);
+      emitItems<4>(line, bytes);
       break;
     case Kind::String:
       bytes.insert(bytes.end(), line.operand.begin(), line.operand.end());
@@ -139,16 +140,20 @@ void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
                 diagnostics_, bytes);
 }
 
-void EmissionPass::emitItems(const AsLine& line, size_t itemSize, std::vector<uint8_t>& bytes) {
+template <size_t ItemSize>
+void EmissionPass::emitItems(const AsLine& line, std::vector<uint8_t>& bytes) {
   bytes.resize(bytes.size() + line.size);
   uint8_t* to = bytes.data() + (bytes.size() - line.size);
+  const bool takesDecimals = !iteration_.symbols.hasDigitNames();
   DataItems items = line.items();
-  std::string_view item;
-  while (items.next(item)) {
-    uint64_t value = static_cast<uint64_t>(iteration_.evaluator.evaluate(item));
-    *to++ = static_cast<uint8_t>(value & 0xFF);
-    for (size_t i = 1; i < itemSize; ++i)
-      *to++ = static_cast<uint8_t>((value >>= 8) & 0xFF);
+  int64_t value = 0;
+  for (std::string_view item;;) {
+    if (!items.nextLiteral(takesDecimals, value)) {
+      if (!items.next(item)) return;
+      value = iteration_.evaluator.evaluate(item);
+    }
+    for (size_t i = 0; i < ItemSize; ++i)
+      *to++ = static_cast<uint8_t>(static_cast<uint64_t>(value) >> 8 * i & 0xFF);
   }
 }
 

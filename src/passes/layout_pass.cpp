@@ -199,7 +199,7 @@ void LayoutPass::assign(const AsLine& line) {
   const Symbol* const source = iteration_.symbols.find(leadingSymbol(line.assignValue()));
   const uint32_t bank = source == nullptr ? 0 : source->bank;
   bool isNew = false;
-  Symbol& symbol = iteration_.symbols.enter(line.assignName, isNew);
+  Symbol& symbol = iteration_.symbols.enter(line.assignName(), isNew);
   symbol.value = value;
   if (bank != 0) symbol.bank = bank;
 }

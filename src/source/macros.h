@@ -14,8 +14,17 @@
 namespace kiln {
 
 struct Macro {
+  struct Line {
+    std::string_view text;  // as written, indentation and comments included
+    size_t parameter;       // none before this one stands in it
+    size_t at;              // where this one does; npos when that is not known
+  };
+
+  // Appends a line to the body.
+  void addLine(std::string_view text);
+
   std::vector<std::string_view> parameters;
-  std::vector<std::string_view> body;  // lines as written, indentation and comments included
+  std::vector<Line> body;
 };
 
 // All macros of a run. The last definition of a name holds.
@@ -45,6 +54,7 @@ class ExpansionRoom {
     return left_ != 0;
   }
   bool has(uint64_t bytes) const { return bytes < left_; }
+  void exhaust() { left_ = 0; }
   bool isExhausted() const { return left_ == 0; }
 
  private:
@@ -67,13 +77,16 @@ class MacroExpander {
   void expand(const MacroTable& macros, SourceLines& lines, size_t begin);
 
  private:
-  bool replaceAll(std::string_view name, std::string_view argument);
+  std::string_view replaceParameters(const Macro& macro, const Macro::Line& line);
+  void replaceAll(std::string_view text, size_t at, std::string_view name, std::string_view argument);
+  void addMade(std::string_view line, SourceLines& lines);
 
   TextStore& texts_;
   ExpansionRoom& room_;
   std::vector<std::string_view> values_;
   std::string line_;
   std::string replaced_;
+  const char* nextMade_ = nullptr;  // where a line must be made to follow the one added last; null when none can
 };
 
 // The index of the first of pieces [begin, end) that has a line which calls a macro; `end` when none does.

@@ -53,7 +53,7 @@ void Preprocessor::readLine(OpenFile& file, std::string_view line) {
     return;
   }
   if (file.openMacro != nullptr && !line.empty() && isBlank(line.front())) {
-    file.openMacro->body.push_back(line);
+    file.openMacro->addLine(line);
     return;
   }
   file.openMacro = nullptr;

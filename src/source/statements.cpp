@@ -119,8 +119,7 @@ bool parseAssignment(std::string_view text, AsLine& line) {
   const std::string_view value = trim(text.substr(equals + 1));
   if (!beginsLikeLabel(name) || value.empty() || mnemonicOf(name) != Mnemonic::None) return false;
   line.kind = Kind::Assign;
-  line.assignName = name;
-  line.operand = value;
+  line.operand = text;
   return true;
 }
 

@@ -1,20 +1,26 @@
 #include "source/symbols.h"
 
-#include "base/name_hash.h"
 #include "base/text.h"
 
 namespace kiln {
 namespace {
 
-// The same for names that differ in letter case alone.
-uint64_t hashFolded(std::string_view name) {
-  uint64_t hash = name.size();
-  for (char c : name)
-    hash = (hash ^ static_cast<unsigned char>(toLower(c))) * 0x100000001B3U;
-  return mixHash(hash);
-}
+constexpr size_t shortName = 16;
 
 uint32_t tagOf(uint64_t hash) { return static_cast<uint32_t>(hash >> 32); }
+
+// The texts of names lie scattered in the source, and looking at one is most often a miss of the cache: the symbol
+// itself answers for short names (a tenth of the time of a source full of names).
+bool hasName(const Symbol& symbol, std::string_view name, const NameEnds& ends) {
+  if (symbol.name.size() != name.size() || symbol.ends != ends) return false;
+  return name.size() <= shortName || std::memcmp(symbol.name.data(), name.data(), name.size()) == 0;
+}
+
+// The ends are in small letters.
+bool hasNameIgnoringCase(const Symbol& symbol, std::string_view name, const NameEnds& ends) {
+  if (symbol.name.size() != name.size() || inSmallLetters(symbol.ends) != ends) return false;
+  return name.size() <= shortName || equalIgnoringCase(symbol.name, name);
+}
 
 }  // namespace
 
@@ -28,10 +34,11 @@ void SymbolTable::reserve(size_t count) {
 
 // The slot that holds the name, or the free one where it belongs. The table is never full.
 size_t SymbolTable::slotFor(std::string_view name, uint64_t hash) const {
+  const NameEnds ends = endsOf(name.data(), name.size());
   const size_t mask = slots_.size() - 1;
   size_t at = hash & mask;
   while (slots_[at].number != 0) {
-    if (slots_[at].tag == tagOf(hash) && sameName(symbols_[slots_[at].number - 1].name, name)) break;
+    if (slots_[at].tag == tagOf(hash) && hasName(symbols_[slots_[at].number - 1], name, ends)) break;
     at = (at + 1) & mask;
   }
   return at;
@@ -58,7 +65,7 @@ Symbol& SymbolTable::enter(std::string_view name, bool& isNew) {
   Slot& slot = slots_[slotFor(name, hash)];
   isNew = slot.number == 0;
   if (!isNew) return symbols_[slot.number - 1];
-  symbols_.push_back(Symbol{.name = name});
+  symbols_.push_back(Symbol{.name = name, .ends = endsOf(name.data(), name.size())});
   slot = {tagOf(hash), static_cast<uint32_t>(symbols_.size())};
   if (!name.empty() && isDigit(name.front())) hasDigitNames_ = true;
   return symbols_.back();
@@ -70,11 +77,12 @@ void SymbolTable::set(std::string_view name, int64_t value) {
 }
 
 size_t SymbolTable::foldedSlotFor(std::string_view name, uint64_t hash) const {
+  const NameEnds ends = inSmallLetters(endsOf(name.data(), name.size()));
   const size_t mask = foldedSlots_.size() - 1;
   size_t at = hash & mask;
   while (foldedSlots_[at].number != 0) {
     const Slot& slot = foldedSlots_[at];
-    if (slot.tag == tagOf(hash) && equalIgnoringCase(symbols_[slot.number - 1].name, name)) break;
+    if (slot.tag == tagOf(hash) && hasNameIgnoringCase(symbols_[slot.number - 1], name, ends)) break;
     at = (at + 1) & mask;
   }
   return at;
@@ -87,7 +95,7 @@ void SymbolTable::coverFolded() {
     foldedCount_ = 0;
   }
   for (; foldedCount_ < symbols_.size(); ++foldedCount_) {
-    const uint64_t hash = hashFolded(symbols_[foldedCount_].name);
+    const uint64_t hash = hashIgnoringCase(symbols_[foldedCount_].name);
     Slot& slot = foldedSlots_[foldedSlotFor(symbols_[foldedCount_].name, hash)];
     if (slot.number == 0) slot = {tagOf(hash), static_cast<uint32_t>(foldedCount_ + 1)};
   }
@@ -96,7 +104,7 @@ void SymbolTable::coverFolded() {
 Symbol* SymbolTable::findIgnoringCase(std::string_view name) {
   if (symbols_.empty()) return nullptr;
   coverFolded();
-  const uint32_t number = foldedSlots_[foldedSlotFor(name, hashFolded(name))].number;
+  const uint32_t number = foldedSlots_[foldedSlotFor(name, hashIgnoringCase(name))].number;
   return number == 0 ? nullptr : &symbols_[number - 1];
 }
 

@@ -5,10 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "base/name_hash.h"
+
 namespace kiln {
 
 struct Symbol {
   std::string_view name;
+  NameEnds ends;
   int64_t value = 0;
   uint32_t bank = 0;             // the bank in which the label stands, 0 = none
   bool seed = false;             // came from a symbol file or the built-in equates; a label may take its place
