@@ -125,16 +125,21 @@ struct Lines final : Console {
   std::vector<std::string> errors;
 };
 
-void compare(const char* writer, const std::optional<Image>& image, const std::vector<std::string>& lines,
+std::optional<std::string> bytesOf(const std::optional<Image>& image) {
+  if (!image.has_value()) return std::nullopt;
+  std::string bytes;
+  for (std::string_view part : image->parts())
+    bytes += part;
+  return bytes;
+}
+
+void compare(const char* writer, const std::optional<std::string>& image, const std::vector<std::string>& lines,
              const LiteralFile& literal) {
   const std::string name = writer;
   if (image.has_value() != literal.image.has_value()) fail(name + (image ? ": a file for none" : ": no file"));
-  std::string bytes;
-  for (std::string_view part : image ? image->parts() : std::vector<std::string_view>{})
-    bytes += part;
-  if (image.has_value() && bytes != *literal.image) {
-    const auto [at, other] = std::mismatch(bytes.begin(), bytes.end(), literal.image->begin(), literal.image->end());
-    fail(name + ": another byte at " + std::to_string(at - bytes.begin()));
+  if (image.has_value() && *image != *literal.image) {
+    const auto [at, other] = std::mismatch(image->begin(), image->end(), literal.image->begin(), literal.image->end());
+    fail(name + ": another byte at " + std::to_string(at - image->begin()));
   }
   bool equal = lines.size() == literal.messages.size();
   for (size_t i = 0; equal && i < lines.size(); ++i)
@@ -224,22 +229,23 @@ bool touchesRange(const Program& program) {
 void checkWriters(std::string_view input) {
   const Program program = decode(input);
   Lines flatLines;
-  const std::optional<Image> flat = writeXex(program.segments, program.plan, program.runAddress, flatLines);
+  const std::optional<std::string> flat =
+      bytesOf(writeXex(program.segments, program.plan, program.runAddress, flatLines));
   compare("flat", flat, flatLines.errors, literalXex(program.segments, program.plan, program.runAddress));
   const bool tellable = std::all_of(program.segments.begin(), program.segments.end(),
                                     [](const AsSegment& segment) { return segment.bytes.size() <= 0x10000; });
   if (flat.has_value() && tellable) checkLoaded(program, *flat, touchesRange(program));
 
   Lines bankedLines;
-  const std::optional<Image> banked =
-      writeBanked(program.segments, program.plan, program.settings, program.runAddress, bankedLines);
+  const std::optional<std::string> banked =
+      bytesOf(writeBanked(program.segments, program.plan, program.settings, program.runAddress, bankedLines));
   compare("banked", banked, bankedLines.errors,
           literalBanked(program.segments, program.plan, program.settings, program.runAddress));
   if (banked.has_value() && tellable) {
     const std::optional<std::vector<LoadRecord>> records = parseLoadFile(*banked);
     require(records.has_value() && isRunAddress(records->back()), "the banked file is malformed");
   }
-  compare("prg", writePrg(program.segments), {}, {literalPrg(program.segments), {}});
+  compare("prg", bytesOf(writePrg(program.segments)), {}, {literalPrg(program.segments), {}});
 }
 
 }  // namespace
