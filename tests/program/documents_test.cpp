@@ -1,4 +1,5 @@
-// The documents under docs/ and the man page: what they show is what the program does, and nothing is missing.
+// README.md, the documents under docs/ and the man page: what they show is what the program does, and nothing is
+// missing.
 //
 // A block that begins with ```kiln-as is a program, with its options behind the word; it is assembled as main.asm. The
 // blocks behind it say what comes out: ```bytes the segments of a flat XEX file that runs at the first of them,
@@ -93,15 +94,18 @@ struct Examples {
 };
 
 TEST(Documents, ShowWhatIsAssembled) {
+  std::vector<std::filesystem::path> paths = {root / "README.md"};
   for (const auto& entry : std::filesystem::directory_iterator(root / "docs")) {
-    if (entry.path().extension() != ".md") continue;
+    if (entry.path().extension() == ".md") paths.push_back(entry.path());
+  }
+  for (const std::filesystem::path& path : paths) {
     Examples examples;
-    const std::string document = read(entry.path());
+    const std::string document = read(path);
     for (size_t end = 0, begin; (begin = document.find("\n```", end)) != std::string::npos; end += 4) {
       const size_t line = document.find('\n', begin + 4);
       end = document.find("\n```\n", line);
-      ASSERT_NE(end, std::string::npos) << entry.path();
-      SCOPED_TRACE(entry.path().string() + ":" + document.substr(begin, end - begin));
+      ASSERT_NE(end, std::string::npos) << path;
+      SCOPED_TRACE(path.string() + ":" + document.substr(begin, end - begin));
       const std::string head = document.substr(begin + 4, line - begin - 4);
       examples.read(replaced(head, " .*"), replaced(head, "^[^ ]* ?"), document.substr(line + 1, end - line));
     }
