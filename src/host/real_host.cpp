@@ -49,16 +49,17 @@ bool writeAll(int descriptor, std::span<const std::string_view> parts) {
   return true;
 }
 
-// Reads to the end of the file, however long it claims to be: pipes and devices claim nothing.
-bool readAll(int descriptor, std::string& bytes) {
+// Reads to the end of the file, however long it claims to be: pipes and devices claim nothing. A read that could have
+// had more and ends where the file is said to end has met the end, which saves one call in each of 10,000 small files.
+bool readAll(int descriptor, size_t claimedSize, std::string& bytes) {
   size_t size = 0;
   while (true) {
     if (size == bytes.size()) bytes.resize(bytes.size() + bytes.size() / 2 + 4096);
     const ssize_t count = ::read(descriptor, bytes.data() + size, bytes.size() - size);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return false;
-    if (count == 0) break;
     size += static_cast<size_t>(count);
+    if (count == 0 || size == claimedSize) break;
   }
   bytes.resize(size);
   return true;
@@ -125,8 +126,9 @@ std::optional<std::string> RealHost::readFile(const std::string& path) const {
   if (::fstat(file.number(), &status) != 0) return std::nullopt;
   // One byte more than the file holds: the read that finds its end needs no growth, and the line end that is joined
   // to the last source line has its place.
-  if (status.st_size > 0) bytes.resize(static_cast<size_t>(status.st_size) + 1);
-  if (!readAll(file.number(), bytes)) return std::nullopt;
+  const size_t claimedSize = status.st_size > 0 ? static_cast<size_t>(status.st_size) : 0;
+  if (claimedSize != 0) bytes.resize(claimedSize + 1);
+  if (!readAll(file.number(), claimedSize, bytes)) return std::nullopt;
   if (S_ISREG(status.st_mode)) filesRead_.emplace_back(status.st_dev, status.st_ino);
   return bytes;
 }
