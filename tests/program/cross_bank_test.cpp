@@ -1,6 +1,8 @@
 // Calls across banks, run on the small machine.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "driver/run.h"
 #include "support/machine.h"
 #include "support/program.h"
@@ -275,7 +277,13 @@ TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
       "2203");
   EXPECT_EQ(stagedAt(plain, banks), "A000");
   Banking flat{{"-code-reg", "82", "-code-window", "4000-5FFF"}, {}};
-  EXPECT_EQ(stagedAt(flat, banks + "    .cloaked_segment $2000\n    NOP\n"), "A000");
+  // A cloaked segment that ends close before it does not take it in.
+  const Built cloaked = build(flat, banks + "    .cloaked_segment $9FFE\n    NOP\n");
+  EXPECT_TRUE(std::ranges::count(cloaked.machine.segments, 0xA000, &Machine::Segment::first) == 1);
+  const Banking apart{{"-b", "--split-bank", "-code-reg", "82", "-data-reg", "83", "-code-window", "4000-5FFF",
+                       "--data-window", "6000:7FFF"},
+                      {}};
+  EXPECT_EQ(stagedAt(apart, "    .org $2000\n    JSR f\n    .org $6000\n    .space 99\n" + banks), "2003");
   EXPECT_EQ(stagedAt(plain,
                      "    .shadow_ranges $2000-$20FF\n    .shadow_stage $3000\n    .org $2000\n    .space 256\n"
                      "    .org $9000\n    NOP\n" +
