@@ -15,12 +15,6 @@
 namespace kiln {
 namespace {
 
-struct ErrorText final : Console {
-  void printError(std::string_view text) override { errors += text; }
-  void printOutput(std::string_view text) override { ADD_FAILURE() << text; }
-  std::string errors;
-};
-
 using Segments = std::vector<AsSegment>;
 
 AsSegment cloaked(int32_t id, size_t size) { return {0x4000, std::vector<uint8_t>(size, 0xCC), -1, true, id}; }
@@ -47,9 +41,9 @@ std::string preload(const std::string& routine) {
 
 // The errors, and the file or "nothing".
 std::string write(const Segments& segments, const BankedSettings& settings, const ShadowPlan& plan = {}) {
-  ErrorText console;
+  test::MemoryHost console;
   const std::optional<Image> image = writeBanked(segments, plan, settings, 0x1234, console);
-  return console.errors + (image ? hex(test::joined(image->parts())) : "nothing");
+  return console.standardError + (image ? hex(test::joined(image->parts())) : "nothing");
 }
 
 BankedSettings registers(uint32_t code, uint32_t data) { return {.codeBankRegister = code, .dataBankRegister = data}; }
@@ -171,9 +165,9 @@ TEST(Banked, cloakedSegmentsAreLeftOutAndBankedOnesNeedARegister) {
 // Accepted with `size` bytes; with one more it is refused, and the message names the number between its two parts.
 void expectLimit(uint32_t at, const BankedSettings& settings, size_t size, const std::string& before,
                  const std::string& after) {
-  ErrorText console;
+  test::MemoryHost console;
   EXPECT_TRUE(writeBanked({{at, std::vector<uint8_t>(size)}}, {}, settings, 0, console));
-  EXPECT_EQ(console.errors, "");
+  EXPECT_EQ(console.standardError, "");
   EXPECT_EQ(write({{at, std::vector<uint8_t>(size + 1)}}, settings),
             before + decimal(static_cast<int64_t>(size) + 1) + after + "\nnothing");
 }
@@ -233,10 +227,10 @@ TEST(Banked, shadowCodeIsStagedBetweenTwoLooksAtMainMemory) {
 TEST(Banked, theLoaderFillsTheBanksAndEndsInBank0) {
   const Segments segments = {{0x2000, {1}},        {0x4000, {2, 3}},       {0x7FFF, {4}, 0x107},
                              {0x4000, {5}, 0x207}, {0xD800, {0xE8, 0x60}}, {0x4000, {6}}};
-  ErrorText console;
+  test::MemoryHost console;
   const std::optional<Image> image =
       writeBanked(segments, {{0xD800, 0xDFFF}, 0x4000}, registers(0xD5E0, 0xD5E1), 0xD800, console);
-  ASSERT_TRUE(image) << console.errors;
+  ASSERT_TRUE(image) << console.standardError;
   test::Machine machine;
   machine.osRom = true;
   machine.windows = {{0x4000, 0x7FFF, 0xD5E0, 0xD5E1}};

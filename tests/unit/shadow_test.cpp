@@ -13,12 +13,6 @@
 namespace kiln {
 namespace {
 
-struct ErrorText final : Console {
-  void printError(std::string_view text) override { errors += text; }
-  void printOutput(std::string_view text) override { ADD_FAILURE() << text; }
-  std::string errors;
-};
-
 // Bytes that repeat nowhere within two pages.
 std::vector<uint8_t> counting(size_t size, uint8_t first) {
   std::vector<uint8_t> bytes(size);
@@ -29,10 +23,10 @@ std::vector<uint8_t> counting(size_t size, uint8_t first) {
 
 TEST(Shadow, oneBlockByteForByte) {
   const std::vector<uint8_t> code = counting(16, 0xA0);
-  ErrorText console;
+  test::MemoryHost console;
   Image image;
   ASSERT_TRUE(stageShadow(image, 0x2000, {{0xC000, code}}, console));
-  EXPECT_EQ(console.errors, "");
+  EXPECT_EQ(console.standardError, "");
   Image expected;
   appendHexText(expected,
                 "00 20 88 20 "                                         // header
@@ -52,7 +46,7 @@ TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
   const std::vector<uint8_t> large = counting(0x2B1, 3), page = counting(0x100, 7), single = {0x5A};
   Image image;
   appendWord(image, 0xFFFF);
-  ErrorText console;
+  test::MemoryHost console;
   ASSERT_TRUE(stageShadow(image, 0x34F3, {{0xD8F0, large}, {0xC000, page}, {0xD900, single}}, console));
 
   test::Machine machine;
@@ -111,10 +105,10 @@ TEST(Shadow, itMustEndBelowTheTop) {
     std::vector<Piece> pieces;
     for (size_t size : row.sizes)
       pieces.push_back({0xC000, std::span(bytes).first(size)});
-    ErrorText console;
+    test::MemoryHost console;
     Image image;
     EXPECT_EQ(stageShadow(image, row.stage, pieces, console), row.fits);
-    EXPECT_EQ(console.errors, row.errors);
+    EXPECT_EQ(console.standardError, row.errors);
     EXPECT_EQ(image.size() > 0, row.fits) << row.stage;
   }
 }
