@@ -158,6 +158,9 @@ TEST(Layout, CloakedEntriesNameTheirIds) {
        {"bank = 3-5\nx", "d/t.lnk:3: expected 'key = value'"},
        {"[cloaked]\n[cloaked]\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
        {"bank = 0-1000000\nid = <n>", "d/t.lnk: [cloaked] bank = 0-1000000 (range) is too long"},
+       {"bank = 0-999998\nid = a<n>\n[cloaked]\nbank = 1-2\nid = b<n>",
+        "d/t.lnk: [cloaked] bank = 1-2 (range) is too long"},
+       {"bank = 0-500000\nid = <n>" + std::string(61, 'x'), "d/t.lnk: [cloaked] bank = 0-500000 (range) is too long"},
        {"[cloaked]\n", "d/t.lnk: duplicate [cloaked] id 'lib" + repeated},
        {"id = a\n[cloaked]\nbank = 1-3\nid = <n>\n[cloaked]\nid = 3\n[cloaked]\nid = a",
         "d/t.lnk: duplicate [cloaked] id '3" + repeated}});
