@@ -1,5 +1,7 @@
 #include "passes/emission_pass.h"
 
+#include <new>
+
 #include "base/arithmetic.h"
 #include "base/text.h"
 #include "isa/operand_checks.h"
@@ -8,6 +10,10 @@
 
 namespace kiln {
 namespace {
+
+// Twice what 65,536 banks of 16 KB hold. Whoever asks for more meant less than nothing: a count below 0 is a large one,
+// and nobody wants to wait for a file of 4 GB.
+constexpr uint64_t mostSpace = uint64_t{1} << 31;
 
 class EmissionPass {
  public:
@@ -26,11 +32,13 @@ class EmissionPass {
   void encode(AsLine& line, std::vector<uint8_t>& bytes);
   template <size_t ItemSize>
   void emitItems(const AsLine& line, std::vector<uint8_t>& bytes);
+  void emitSpace(uint32_t size, std::vector<uint8_t>& bytes);
 
   Iteration& iteration_;
   const uint32_t bankOrigin_;
   Diagnostics& diagnostics_;
   SegmentCursor cursor_;
+  uint64_t space_ = 0;
   std::vector<AsSegment> segments_;  // the last one is the one to append to while the cursor is open
   std::string scratch_;
 };
@@ -72,7 +80,7 @@ void EmissionPass::emitStatement(AsLine& line) {
       bytes.push_back(0);
       break;
     default:
-      bytes.resize(bytes.size() + line.size);
+      emitSpace(line.size, bytes);
       break;
   }
   cursor_.advance(line.size);
@@ -155,6 +163,12 @@ void EmissionPass::emitItems(const AsLine& line, std::vector<uint8_t>& bytes) {
     for (size_t i = 0; i < ItemSize; ++i)
       *to++ = static_cast<uint8_t>(static_cast<uint64_t>(value) >> 8 * i & 0xFF);
   }
+}
+
+void EmissionPass::emitSpace(uint32_t size, std::vector<uint8_t>& bytes) {
+  space_ += size;
+  if (space_ > mostSpace) throw std::bad_alloc();
+  bytes.resize(bytes.size() + size);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ std::string outcome(const std::string& line) {
       {"set", " .byte A,B,C,D,E,F,G,ata,RTCLOK,__bank_code_reg,__bank_data_reg,H"}, {"bad.lnk", "main=1"}, {"t/i", ""},
       {"seed", " .org $77\nRTCLOK: LDA RTCLOK"}, {"dup", "X:\n__bank_code_reg:\n__bank_data_reg:"}, {"lock", ""},
       {"lines", ".macro M\n a\n b\n.include \"i\"\nM\nx:\nx:"}, {"self", ".include self"}, {"lax", "\n;\xED\xA0\x80"},
-      {"miss", ".include no\na = y\nb = z\nx:\nx:\n NOP #1"}};
+      {"huge", " NOP\n .space $80000001"}, {"miss", ".include no\na = y\nb = z\nx:\nx:\n NOP #1"}};
   // clang-format on
   host.directories = {"folder"};
   host.unreadable = {"lock"};
@@ -104,7 +104,7 @@ TEST(Driver, DoesWhatTheCommandLineSays) {
       {"--data-window \t1:2", "--data-window bad hex '\t1'"}, {"-I s -I t lines", "error: lines:7: duplicate label 'x'"},
       {"self", "error: Cannot include 'self': it includes itself"}, {"-f prg lax", "error: cannot write 'lax.prg'"},
       {"a/b none", "cannot read 'a/b': The file “b” couldn’t be opened because there is no such file."},
-      {"folder", "cannot read 'folder': The file “folder” couldn’t be opened."},
+      {"huge", "error: out of memory"}, {"folder", "cannot read 'folder': The file “folder” couldn’t be opened."},
       {"lock", "cannot read 'lock': The file “lock” couldn’t be opened because you don’t have permission to view it."},
       {"x bad -L no", "cannot read 'bad': The file “bad” couldn’t be opened using text encoding Unicode (UTF-8)."},
       {"-L bad.lnk miss", "cannot read layout 'bad.lnk': bad.lnk:1: key 'main' outside any section"},
