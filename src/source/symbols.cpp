@@ -22,6 +22,12 @@ bool hasNameIgnoringCase(const Symbol& symbol, std::string_view name, const Name
   return name.size() <= shortName || equalIgnoringCase(symbol.name, name);
 }
 
+// The slot for the symbol with this index in a table of so many slots.
+uint32_t makeSlot(const std::vector<uint32_t>& slots, uint64_t hash, size_t index) {
+  const uint32_t mask = static_cast<uint32_t>(slots.size() - 1);
+  return (tagOf(hash) & ~mask) | static_cast<uint32_t>(index + 1);
+}
+
 }  // namespace
 
 void SymbolTable::reserve(size_t count) {
@@ -35,40 +41,46 @@ void SymbolTable::reserve(size_t count) {
 // The slot that holds the name, or the free one where it belongs. The table is never full.
 size_t SymbolTable::slotFor(std::string_view name, uint64_t hash) const {
   const NameEnds ends = endsOf(name.data(), name.size());
-  const size_t mask = slots_.size() - 1;
+  const uint32_t mask = static_cast<uint32_t>(slots_.size() - 1);
   size_t at = hash & mask;
-  while (slots_[at].number != 0) {
-    if (slots_[at].tag == tagOf(hash) && hasName(symbols_[slots_[at].number - 1], name, ends)) break;
+  while (const Slot slot = slots_[at]) {
+    if (((slot ^ tagOf(hash)) & ~mask) == 0 && hasName(symbols_[(slot & mask) - 1], name, ends)) break;
     at = (at + 1) & mask;
   }
   return at;
 }
 
 void SymbolTable::rebuild(size_t slotCount) {
-  slots_.assign(slotCount, Slot{});
+  slots_.assign(slotCount, 0);
   for (size_t i = 0; i < symbols_.size(); ++i) {
     const uint64_t hash = hashName(symbols_[i].name);
-    slots_[slotFor(symbols_[i].name, hash)] = {tagOf(hash), static_cast<uint32_t>(i + 1)};
+    slots_[slotFor(symbols_[i].name, hash)] = makeSlot(slots_, hash, i);
   }
 }
 
 Symbol* SymbolTable::find(std::string_view name) {
   if (slots_.empty()) return nullptr;
   if (!hasDigitNames_ && !name.empty() && isDigit(name.front())) return nullptr;
-  const uint32_t number = slots_[slotFor(name, hashName(name))].number;
-  return number == 0 ? nullptr : &symbols_[number - 1];
+  return symbolIn(slots_, slotFor(name, hashName(name)));
 }
 
 Symbol& SymbolTable::enter(std::string_view name, bool& isNew) {
   if (slots_.size() < 2 * (symbols_.size() + 1)) rebuild(slots_.empty() ? 64 : slots_.size() * 2);
   const uint64_t hash = hashName(name);
-  Slot& slot = slots_[slotFor(name, hash)];
-  isNew = slot.number == 0;
-  if (!isNew) return symbols_[slot.number - 1];
+  const size_t at = slotFor(name, hash);
+  Symbol* const known = symbolIn(slots_, at);
+  isNew = known == nullptr;
+  if (!isNew) return *known;
+  slots_[at] = makeSlot(slots_, hash, symbols_.size());
   symbols_.push_back(Symbol{.name = name, .ends = endsOf(name.data(), name.size())});
-  slot = {tagOf(hash), static_cast<uint32_t>(symbols_.size())};
   if (!name.empty() && isDigit(name.front())) hasDigitNames_ = true;
   return symbols_.back();
+}
+
+// The symbol that the slot tells of; null when it is free.
+Symbol* SymbolTable::symbolIn(const std::vector<Slot>& slots, size_t at) {
+  const size_t number = slots[at] & (slots.size() - 1);
+  return number == 0 ? nullptr : &symbols_[number - 1];
 }
 
 void SymbolTable::set(std::string_view name, int64_t value) {
@@ -78,11 +90,10 @@ void SymbolTable::set(std::string_view name, int64_t value) {
 
 size_t SymbolTable::foldedSlotFor(std::string_view name, uint64_t hash) const {
   const NameEnds ends = inSmallLetters(endsOf(name.data(), name.size()));
-  const size_t mask = foldedSlots_.size() - 1;
+  const uint32_t mask = static_cast<uint32_t>(foldedSlots_.size() - 1);
   size_t at = hash & mask;
-  while (foldedSlots_[at].number != 0) {
-    const Slot& slot = foldedSlots_[at];
-    if (slot.tag == tagOf(hash) && hasNameIgnoringCase(symbols_[slot.number - 1], name, ends)) break;
+  while (const Slot slot = foldedSlots_[at]) {
+    if (((slot ^ tagOf(hash)) & ~mask) == 0 && hasNameIgnoringCase(symbols_[(slot & mask) - 1], name, ends)) break;
     at = (at + 1) & mask;
   }
   return at;
@@ -91,21 +102,20 @@ size_t SymbolTable::foldedSlotFor(std::string_view name, uint64_t hash) const {
 // Takes in the symbols that have been entered since the last time.
 void SymbolTable::coverFolded() {
   if (foldedSlots_.size() < 2 * symbols_.size()) {
-    foldedSlots_.assign(slots_.size(), Slot{});
+    foldedSlots_.assign(slots_.size(), 0);
     foldedCount_ = 0;
   }
   for (; foldedCount_ < symbols_.size(); ++foldedCount_) {
     const uint64_t hash = hashIgnoringCase(symbols_[foldedCount_].name);
     Slot& slot = foldedSlots_[foldedSlotFor(symbols_[foldedCount_].name, hash)];
-    if (slot.number == 0) slot = {tagOf(hash), static_cast<uint32_t>(foldedCount_ + 1)};
+    if (slot == 0) slot = makeSlot(foldedSlots_, hash, foldedCount_);
   }
 }
 
 Symbol* SymbolTable::findIgnoringCase(std::string_view name) {
   if (symbols_.empty()) return nullptr;
   coverFolded();
-  const uint32_t number = foldedSlots_[foldedSlotFor(name, hashIgnoringCase(name))].number;
-  return number == 0 ? nullptr : &symbols_[number - 1];
+  return symbolIn(foldedSlots_, foldedSlotFor(name, hashIgnoringCase(name)));
 }
 
 }  // namespace kiln

@@ -40,13 +40,12 @@ class SymbolTable {
   const std::vector<Symbol>& symbols() const { return symbols_; }
 
  private:
-  // A slot of the open-addressed index: part of the name's hash beside the symbol's number plus one, so that most
-  // probes end without a look at the symbol itself.
-  struct Slot {
-    uint32_t tag = 0;
-    uint32_t number = 0;
-  };
+  // A slot of the open-addressed index holds a symbol's number plus one, 0 when it is free. An index of 2^n slots has
+  // room for 2^(n-1) symbols, so that the upper bits are free for a part of the name's hash: most probes end without a
+  // look at the symbol itself. A small index stays in the cache.
+  using Slot = uint32_t;
 
+  Symbol* symbolIn(const std::vector<Slot>& slots, size_t at);
   size_t slotFor(std::string_view name, uint64_t hash) const;
   void rebuild(size_t slotCount);
   size_t foldedSlotFor(std::string_view name, uint64_t hash) const;
