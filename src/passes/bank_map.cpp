@@ -23,6 +23,7 @@ class BankMapper {
   BankMap run();
 
  private:
+  SymbolBank& bankOf(std::string_view name);
   void place(const AsLine& line);
   void placeBytes(const AsLine& line);
   void open(uint32_t address, int32_t bank, bool cloaked);
@@ -36,6 +37,7 @@ class BankMapper {
   BankCounters counters_;
   SegmentCursor cursor_;
   BankMap map_;
+  size_t nextSymbol_ = 0;
   bool cloaked_ = false;
   bool inRun_ = false;                // the last main run is still growing
   bool named_ = false;                // labels belong to the bank of the ".bank" above
@@ -44,10 +46,10 @@ class BankMapper {
 
 BankMap BankMapper::run() {
   const std::vector<AsLine>& statements = iteration_.statements;
-  map_.labels.reserve(iteration_.symbols.symbols().size());
+  map_.symbols.resize(iteration_.symbols.symbols().size());
   for (size_t i = 0; i < statements.size(); ++i) {
     const AsLine& line = statements[i];
-    if (!line.label.empty() && named_) map_.labels[line.label] = current_;
+    if (!line.label.empty() && named_) bankOf(line.label) = {true, current_};
     if (line.label == stageLabel) map_.stageLine = line.lineNumber - 1;
     place(line);
     const bool lineEnds = i + 1 == statements.size() || statements[i + 1].lineNumber != line.lineNumber;
@@ -55,6 +57,18 @@ BankMap BankMapper::run() {
   }
   map_.endsCloaked = cloaked_;
   return std::move(map_);
+}
+
+// The name must be one of the table. Names come in the order in which they were entered, but for those that come again:
+// most often it is the one behind the last.
+SymbolBank& BankMapper::bankOf(std::string_view name) {
+  const std::vector<Symbol>& symbols = iteration_.symbols.symbols();
+  const auto isNext = [&] {
+    return nextSymbol_ < symbols.size() && symbols[nextSymbol_].name.data() == name.data() &&
+           symbols[nextSymbol_].name.size() == name.size();
+  };
+  if (!isNext()) nextSymbol_ = static_cast<size_t>(iteration_.symbols.find(name) - symbols.data());
+  return map_.symbols[nextSymbol_++];
 }
 
 void BankMapper::place(const AsLine& line) {
@@ -85,8 +99,10 @@ void BankMapper::place(const AsLine& line) {
     cursor_.close();
     cloaked_ = false;
   } else if (line.kind == Kind::Assign) {
-    const auto source = map_.labels.find(leadingSymbol(line.assignValue()));
-    if (source != map_.labels.end()) map_.labels[line.assignName()] = std::optional<BankValue>(source->second);
+    const std::string_view source = leadingSymbol(line.assignValue());
+    if (iteration_.symbols.find(source) == nullptr) return;
+    const SymbolBank bank = bankOf(source);
+    if (bank.isBehindBank) bankOf(line.assignName()) = bank;
   }
 }
 

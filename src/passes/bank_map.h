@@ -4,10 +4,8 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "base/name_hash.h"
 #include "output/bank_values.h"
 #include "output/segment.h"
 #include "passes/assembler.h"
@@ -34,10 +32,14 @@ struct MainRun {
   bool isSplit = false;  // that line goes on somewhere else, so nothing can be put behind it
 };
 
+// Whether a symbol is a label that stands behind a ".bank", or a name assigned from one, and its bank then.
+struct SymbolBank {
+  bool isBehindBank = false;
+  std::optional<BankValue> bank = {};  // absent when the writer does not bank the segment
+};
+
 struct BankMap {
-  // The bank of each label that stands behind a ".bank", and of each name assigned from one. Absent inside when the
-  // writer does not bank the segment.
-  std::unordered_map<std::string_view, std::optional<BankValue>, NameHash> labels;
+  std::vector<SymbolBank> symbols;  // by the symbol's place in the table
   std::vector<MainRun> mainRuns;
   bool usesHighByte = false;        // some bank's number does not fit a byte
   bool endsCloaked = false;         // the source ends inside a cloaked segment

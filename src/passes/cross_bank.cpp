@@ -81,8 +81,10 @@ class CallStager {
 const BankValue* CallStager::bankOf(std::string_view operand) {
   const Symbol* const symbol = findAsEvaluatorDoes(iteration_.symbols, leadingSymbol(operand));
   if (symbol == nullptr) return nullptr;
-  const auto label = map_.labels.find(symbol->name);
-  return label != map_.labels.end() && label->second.has_value() ? &*label->second : nullptr;
+  // What the stager has entered itself since the map was made is behind no ".bank".
+  const size_t index = static_cast<size_t>(symbol - iteration_.symbols.symbols().data());
+  if (index >= map_.symbols.size() || !map_.symbols[index].bank.has_value()) return nullptr;
+  return &*map_.symbols[index].bank;
 }
 
 // Where the writer switches no bank, there is none to be switched to.
