@@ -14,16 +14,18 @@ uint64_t load(const char* at) {
   return word;
 }
 
-// The first and the last eight bytes of a name, which overlap where it is shorter than sixteen: two names of up to
-// sixteen bytes are equal when their sizes and these are.
+// The first and the last eight bytes of a name, which overlap where it is shorter than sixteen, and the eight before
+// the last where it is longer: two names of up to 24 bytes are equal when their sizes and these are.
 struct NameEnds {
   uint64_t front;
   uint64_t back;
+  uint64_t middle = 0;
 
   bool operator==(const NameEnds&) const = default;
 };
 
 inline NameEnds endsOf(const char* at, size_t size) {
+  if (size > 16) return {load<uint64_t>(at), load<uint64_t>(at + size - 8), load<uint64_t>(at + size - 16)};
   if (size >= 8) return {load<uint64_t>(at), load<uint64_t>(at + size - 8)};
   if (size >= 4) return {load<uint32_t>(at), load<uint32_t>(at + size - 4)};
   if (size == 0) return {0, 0};
@@ -41,7 +43,9 @@ inline uint64_t inSmallLetters(uint64_t word) {
   return word | capitals >> 2;
 }
 
-inline NameEnds inSmallLetters(const NameEnds& ends) { return {inSmallLetters(ends.front), inSmallLetters(ends.back)}; }
+inline NameEnds inSmallLetters(const NameEnds& ends) {
+  return {inSmallLetters(ends.front), inSmallLetters(ends.back), inSmallLetters(ends.middle)};
+}
 
 inline uint64_t mixHash(uint64_t value) {
   value *= 0x9E3779B97F4A7C15U;

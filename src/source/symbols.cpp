@@ -5,7 +5,7 @@
 namespace kiln {
 namespace {
 
-constexpr size_t shortName = 16;
+constexpr size_t shortName = 24;
 
 uint32_t tagOf(uint64_t hash) { return static_cast<uint32_t>(hash >> 32); }
 
