@@ -210,6 +210,13 @@ TEST(CrossBank, EndlessJumpsFillNothing) {
   EXPECT_EQ(machine.peek(static_cast<uint16_t>(data + 1)), before + 1);
 }
 
+// The address at which the first generated line is listed.
+std::string stagedAt(const Banking& banking, const std::string& source) {
+  const std::string listing = build(banking, source).listing;
+  const size_t at = listing.find(">_kxb_0:");
+  return at == std::string::npos ? "" : listing.substr(listing.rfind('\n', at) + 3, 4);
+}
+
 // The price of it, as documented: cycles of a call, and of a jump behind it, beyond those of direct ones; and bytes.
 TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   const std::string banks = "    .bank two\ng: RTS\n";
@@ -228,6 +235,16 @@ TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   };
   EXPECT_EQ(sizeOfMain(call), 4 + 17 + 138 + 386);
   EXPECT_EQ(sizeOfMain(jump), 4 + 2 * 17 + 138 + 386);
+  // It goes where it has all the room that it takes, and elsewhere when there is a byte less.
+  for (const Banking& banking : {plain, absolute, manyBanks()}) {
+    const std::string rest = banking.before + "    .bank one\nf: RTS\n",
+                      code = "    .org $2000\nmain: JSR f\n    RTS\n";
+    const int end = 0x2000 + sizeOfMain(build(banking, code + rest).machine);
+    for (const int room : {end, end - 1}) {
+      const std::string next = "    .org $9000\n    NOP\n    .org " + std::to_string(room) + "\n    NOP\n";
+      EXPECT_EQ(stagedAt(banking, code + next + rest), room == end ? "2004" : "9001");
+    }
+  }
 }
 
 std::string listed(const std::string& listing, const std::string& part) {
@@ -241,7 +258,7 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
   const std::string source =
       "    .org $2000\n"
       "main: JSR far : jsr\tfar : LDA #1 ; two of them\n"
-      "    .string \"x : JMP far+3\n"
+      "    .string \"x : JMP far+3\n    .string \"\"\"x : JMP far+3\n"
       "    JSR near : JMP (vector) : JSR $4000 : JSR near2\n"
       "near: RTS\nvector: .word far\nnear2 = near\n"
       "    .bank one\nfar: NOP\n.deep: RTS\n    JSR far : JMP .deep : JSR near\n"
@@ -249,6 +266,7 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
   const std::string listing = build(plain, source).listing;
   EXPECT_EQ(listed(listing, "two of"), "main: JSR _kxb_0 : jsr\t_kxb_0 : LDA #1 ; two of them ; xbank");
   EXPECT_EQ(listed(listing, ".string"), "    .string \"x : JMP _kxb_1 : \" ; xbank");
+  EXPECT_EQ(listed(listing, "\"\"\"x"), "    .string \"\"\"x : JMP _kxb_1 : \" ; xbank");
   EXPECT_EQ(listed(listing, "(vector)"), "    JSR near : JMP (vector) : JSR $4000 : JSR near2");
   EXPECT_EQ(listed(listing, ".deep : "), "    JSR far : JMP .deep : JSR near");
   EXPECT_EQ(listed(listing, "other"), "other: JSR _kxb_2 ; xbank");
@@ -257,18 +275,13 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
   EXPECT_EQ(build(withoutRegister, source).listing.find("xbank"), std::string::npos);
 }
 
-// The address at which the first generated line is listed.
-std::string stagedAt(const Banking& banking, const std::string& source) {
-  const std::string listing = build(banking, source).listing;
-  const size_t at = listing.find(">_kxb_0:");
-  return at == std::string::npos ? "" : listing.substr(listing.rfind('\n', at) + 3, 4);
-}
-
 TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
   const std::string banks = "    .bank one\nf: RTS\n    .bank two\n    JSR f\n";
   EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\n__bank_stage: NOP\n    .org $3000\n    .space 99\n" + banks),
             "2004");
   EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\nend:\n    .org $3000\n    .space 2\n" + banks), "2003");
+  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    .space 60 : .space 60\n    .org $3000\n    .space 99\n" + banks),
+            "2078");
   EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\n    .org $3000\n    .space 99\nend:\n" + banks), "3063");
   // There is no room behind the larger ones: other code follows, or the window.
   EXPECT_EQ(
