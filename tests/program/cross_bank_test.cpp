@@ -37,10 +37,10 @@ const Banking regc{{"-L", "main.lnk"},
                    "",
                    "    .org $5000\n    .byte 8\n"};
 
-Banking manyBanks() {
+Banking manyBanks(int count = 300) {
   Banking banking = plain;
   banking.windows = {{0x4000, 0x5FFF, 0x82, 0x83}};
-  for (int i = 0; i < 300; ++i)
+  for (int i = 0; i < count; ++i)
     banking.before += "    .bank x" + std::to_string(i) + "\n    NOP\n";
   return banking;
 }
@@ -235,6 +235,10 @@ TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   };
   EXPECT_EQ(sizeOfMain(call), 4 + 17 + 138 + 386);
   EXPECT_EQ(sizeOfMain(jump), 4 + 2 * 17 + 138 + 386);
+  // The second register is written to from bank 256 on.
+  const std::string last = manyBanks(254).before + "    .bank one\nf: RTS\n";
+  EXPECT_EQ(sizeOfMain(build(manyBanks(), "    .org $2000\nmain: JSR f\n    RTS\n" + last).machine),
+            4 + 17 + 138 + 386);
   // It goes where it has all the room that it takes, and elsewhere when there is a byte less.
   for (const Banking& banking : {plain, absolute, manyBanks()}) {
     const std::string rest = banking.before + "    .bank one\nf: RTS\n",
