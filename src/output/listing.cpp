@@ -17,7 +17,7 @@ void appendPrefix(std::string& listing, size_t before, uint32_t address) {
 void appendSource(std::string& listing, const AsLine& line, LineReader& lines) {
   if (line.autoSpill) {
     listing += line.kind == Kind::Org ? "    .org " : "    JMP ";
-    listing += line.operand;
+    listing += line.operand.text();
     listing += " ; auto-spill";
   } else {
     listing += lines.at(line.lineNumber - 1);

@@ -20,6 +20,7 @@
 #include "base/arithmetic.h"
 #include "base/format.h"
 #include "passes/bank_map.h"
+#include "passes/look_ahead.h"
 #include "passes/stage_code.h"
 #include "source/statements.h"
 
@@ -33,9 +34,11 @@ struct Call {
   std::string_view operand;
 };
 
-Symbol* findAsEvaluatorDoes(SymbolTable& symbols, std::string_view name) {
+// The symbol that the operand of a call begins with, as the evaluator finds it.
+Symbol* findTarget(SymbolTable& symbols, HashedText operand) {
+  const std::string_view name = leadingSymbol(operand);
   if (name.empty()) return nullptr;
-  Symbol* const exact = symbols.find(name);
+  Symbol* const exact = operand.hash() != 0 ? symbols.find(name, operand.hash()) : symbols.find(name);
   return exact != nullptr ? exact : symbols.findIgnoringCase(name);
 }
 
@@ -79,7 +82,7 @@ class CallStager {
 };
 
 const BankValue* CallStager::bankOf(std::string_view operand) {
-  const Symbol* const symbol = findAsEvaluatorDoes(iteration_.symbols, leadingSymbol(operand));
+  const Symbol* const symbol = findTarget(iteration_.symbols, operand);
   if (symbol == nullptr) return nullptr;
   // What the stager has entered itself since the map was made is behind no ".bank".
   const size_t index = static_cast<size_t>(symbol - iteration_.symbols.symbols().data());
@@ -243,14 +246,17 @@ std::vector<Call> findCalls(Iteration& iteration) {
   uint32_t currentBank = 0;
   uint32_t lineNumber = 0;
   size_t ordinal = 0;
+  LookAhead ahead(iteration.symbols, iteration.statements,
+                  [](const AsLine& line) { return mayCall(line) ? line.operand : HashedText(); });
   for (const AsLine& line : iteration.statements) {
+    ahead.step();
     if (line.kind == Kind::Org) currentBank = 0;
     if (line.kind == Kind::Bank) currentBank = iteration.bankNumbers.at(line.operand);
     if (line.autoSpill) continue;
     ordinal = line.lineNumber == lineNumber ? ordinal + 1 : 0;
     lineNumber = line.lineNumber;
     if (!mayCall(line)) continue;
-    const Symbol* const target = findAsEvaluatorDoes(iteration.symbols, leadingSymbol(line.operand));
+    const Symbol* const target = findTarget(iteration.symbols, line.operand);
     if (target == nullptr || target->bank == 0 || target->bank == currentBank) continue;
     calls.push_back({lineNumber - 1, ordinal, line.operand});
   }

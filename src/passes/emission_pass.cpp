@@ -5,6 +5,7 @@
 #include "base/arithmetic.h"
 #include "base/text.h"
 #include "isa/operand_checks.h"
+#include "passes/look_ahead.h"
 #include "passes/segment_cursor.h"
 #include "source/operands.h"
 
@@ -44,7 +45,9 @@ class EmissionPass {
 };
 
 std::vector<AsSegment> EmissionPass::run() {
+  LookAhead ahead(iteration_.symbols, iteration_.statements, [](const AsLine& line) { return line.operand; });
   for (AsLine& line : iteration_.statements) {
+    ahead.step();
     if (emitsBytes(line.kind)) {
       emitStatement(line);
     } else if (line.kind == Kind::Org) {
@@ -76,7 +79,7 @@ void EmissionPass::emitStatement(AsLine& line) {
       emitItems<4>(line, bytes);
       break;
     case Kind::String:
-      bytes.insert(bytes.end(), line.operand.begin(), line.operand.end());
+      bytes.insert(bytes.end(), line.operand.text().begin(), line.operand.text().end());
       bytes.push_back(0);
       break;
     default:
@@ -135,9 +138,11 @@ void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
   }
   bytes.push_back(static_cast<uint8_t>(opcode));
   if (line.size == 1) return;
-  const std::string_view operand = line.hasCommaSpaces ? withoutCommaSpaces(line.operand, scratch_) : line.operand;
+  // An expression that is a name has no space next to a comma.
+  const bool hasSpaces = line.hasCommaSpaces && line.operand.hash() == 0;
+  const std::string_view operand = hasSpaces ? withoutCommaSpaces(line.operand, scratch_) : line.operand.text();
   const std::string_view expression = valueExpression(operand, line.mode);
-  const int64_t value = iteration_.evaluator.evaluate(expression);
+  const int64_t value = iteration_.evaluator.evaluate(expression, line.operand.hash());
   encodeOperand({.mnemonic = line.mnemonic,
                  .mode = line.mode,
                  .line = line.lineNumber,

@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "passes/address_ranges.h"
 #include "passes/code_regions.h"
+#include "passes/look_ahead.h"
 
 namespace kiln {
 namespace {
@@ -46,7 +47,9 @@ class LayoutPass {
 
 void LayoutPass::run() {
   std::vector<AsLine>& statements = iteration_.statements;
+  LookAhead ahead(iteration_.symbols, statements, [](const AsLine& line) { return line.label; });
   for (size_t i = 0; i < statements.size(); ++i) {
+    ahead.step();
     if (guard_.regions().count() != 0) {
       layOutWithSpills(i);
     } else {
@@ -107,7 +110,7 @@ void LayoutPass::layOutStatement(AsLine& line) {
 void LayoutPass::defineLabel(const AsLine& line) {
   if (line.label.empty()) return;
   bool isNew = false;
-  Symbol& symbol = iteration_.symbols.enter(line.label, isNew);
+  Symbol& symbol = iteration_.symbols.enter(line.label, line.label.hash(), isNew);
   if (!isNew && !line.labelLocal && !symbol.seed) {
     diagnostics_.errorAt(line.lineNumber, {"duplicate label '", line.label, "'"});
   }
@@ -135,7 +138,7 @@ void LayoutPass::layOutByKind(AsLine& line) {
       selectBank(line);
       break;
     case Kind::CloakedSegment:
-      moveTo(low16(evaluator.evaluate(line.operand.substr(0, line.operand.find(',')))));
+      moveTo(low16(evaluator.evaluate(line.operand.text().substr(0, line.operand.text().find(',')))));
       guard_.suspend(true);
       break;
     case Kind::CloakedSegmentEnd:
@@ -207,11 +210,7 @@ void LayoutPass::assign(const AsLine& line) {
 }  // namespace
 
 void layOut(const Settings& settings, Diagnostics& diagnostics, ShadowPlan& shadowPlan, Iteration& iteration) {
-  size_t names = iteration.symbols.symbols().size();
-  for (const AsLine& line : iteration.statements) {
-    names += line.label.empty() && line.kind != Kind::Assign ? 0 : 1;
-  }
-  iteration.symbols.reserve(names);
+  iteration.symbols.reserve(iteration.symbols.symbols().size() + iteration.definitionCount);
   LayoutPass(settings, diagnostics, shadowPlan, iteration).run();
 }
 

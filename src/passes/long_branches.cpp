@@ -18,9 +18,12 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "passes/look_ahead.h"
 
 namespace kiln {
 namespace {
+
+bool isBranchStatement(const AsLine& line) { return line.mode == Mode::Relative && line.kind == Kind::Instruction; }
 
 bool reaches(int64_t target, uint32_t address) {
   const int32_t distance = low16Signed(wrappingSubtract(target, int64_t{address} + 2));
@@ -42,7 +45,10 @@ std::vector<LineEdit> rewriteLongBranches(Iteration& iteration, uint32_t bankOri
                                           TextStore& texts) {
   std::vector<LineEdit> edits;
   uint32_t address = 0;
+  LookAhead ahead(iteration.symbols, iteration.statements,
+                  [](const AsLine& line) { return isBranchStatement(line) ? line.operand : HashedText(); });
   for (const AsLine& line : iteration.statements) {
+    ahead.step();
     if (line.kind == Kind::Org) {
       address = low16(iteration.evaluator.evaluate(line.operand));
       continue;
@@ -53,8 +59,8 @@ std::vector<LineEdit> rewriteLongBranches(Iteration& iteration, uint32_t bankOri
     }
     const uint32_t start = address;
     address = (address + line.size) & 0xFFFF;
-    if (line.mode != Mode::Relative || line.kind != Kind::Instruction) continue;
-    if (reaches(iteration.evaluator.evaluate(line.operand), start)) continue;
+    if (!isBranchStatement(line)) continue;
+    if (reaches(iteration.evaluator.evaluate(line.operand, line.operand.hash()), start)) continue;
     const size_t index = line.lineNumber - 1;
     if (!edits.empty() && edits.back().index == index) continue;
     edits.push_back({index, replacement(line, labelCount, texts)});

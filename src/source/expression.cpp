@@ -24,6 +24,15 @@ constexpr std::array<bool, 256> makeOperators() {
 
 constexpr std::array<bool, 256> operators = makeOperators();
 
+constexpr std::array<bool, 256> makeNameParts() {
+  std::array<bool, 256> parts{};
+  for (size_t i = 0; i < parts.size(); ++i)
+    parts[i] = isIdentifierCharacter(static_cast<char>(i)) || static_cast<char>(i) == '.';
+  return parts;
+}
+
+constexpr std::array<bool, 256> nameParts = makeNameParts();
+
 bool isOperator(char c) { return operators[static_cast<unsigned char>(c)]; }
 
 // True for literals and names alone, which is what nearly every operand is.
@@ -79,7 +88,11 @@ bool Evaluator::evaluateTwoLeaves(std::string_view text, int64_t& value) {
   return true;
 }
 
-int64_t Evaluator::evaluateForSize(std::string_view text) {
+int64_t Evaluator::evaluateForSize(std::string_view text, uint32_t nameHash) {
+  if (nameHash != 0) {
+    const Symbol* const symbol = symbols_.find(text, nameHash);
+    return symbol != nullptr ? symbol->value : 256;
+  }
   text = trim(text);
   if (!text.empty() && text.front() == '$') return parseRadix(text.substr(1), 16);
   if (!text.empty() && text.front() == '%') return parseRadix(text.substr(1), 2);
@@ -241,17 +254,26 @@ int64_t Evaluator::evaluateName(std::string_view text) {
     return symbol->value;
   }
   if (trailingH) return parseRadix(withoutLast, 16);
-  if (isDecimalLiteral(text)) return parseDecimal(text);
+  return isDecimalLiteral(text) ? parseDecimal(text) : evaluateUnknownName(text);
+}
+
+// A name that does not stand in the table as it is written.
+int64_t Evaluator::evaluateUnknownName(std::string_view text) {
   if (const Symbol* const symbol = symbols_.findIgnoringCase(text)) return symbol->value;
   warnings_.add({"undefined symbol '", text, "', using 0"});
   return 0;
+}
+
+uint32_t nameHash(std::string_view text) {
+  const std::string_view name = leadingSymbol(text);
+  return name.empty() || name.size() != text.size() ? 0 : symbolHash(name);
 }
 
 std::string_view leadingSymbol(std::string_view expression) {
   expression = trim(expression);
   if (expression.empty() || !(isIdentifierStart(expression.front()) || expression.front() == '.')) return {};
   size_t end = 1;
-  while (end < expression.size() && (isIdentifierCharacter(expression[end]) || expression[end] == '.'))
+  while (end < expression.size() && nameParts[static_cast<unsigned char>(expression[end])])
     ++end;
   return expression.substr(0, end);
 }

@@ -27,9 +27,16 @@ class Evaluator {
     return evaluateGeneral(text);
   }
 
+  // The same for a text whose nameHash() is known.
+  int64_t evaluate(std::string_view text, uint32_t nameHash) {
+    if (nameHash == 0) return evaluate(text);
+    const Symbol* const symbol = symbols_.find(text, nameHash);
+    return symbol != nullptr ? symbol->value : evaluateUnknownName(text);
+  }
+
   // The value that only chooses between zero-page and absolute modes: it knows plain literals and names that stand in
-  // the table already; everything else is 256. Silent.
-  int64_t evaluateForSize(std::string_view text);
+  // the table already; everything else is 256. Silent. `nameHash` is that of the text.
+  int64_t evaluateForSize(std::string_view text, uint32_t nameHash);
 
  private:
   struct Operator {
@@ -67,6 +74,7 @@ class Evaluator {
   const std::vector<Operator>& operatorsOf(const Pending& pending) const;
   int64_t evaluateLeaf(std::string_view text);
   int64_t evaluateName(std::string_view text);
+  int64_t evaluateUnknownName(std::string_view text);
 
   SymbolTable& symbols_;
   MessageList& warnings_;
@@ -74,6 +82,10 @@ class Evaluator {
   std::vector<Operator> products_;  // "*" and "/" likewise
   std::vector<Pending> pending_;
 };
+
+// The hash (see symbolHash()) of a text that is one name of letters, digits, "_" and "." and begins with no digit: its
+// value is that name's, whatever there is in the symbol table. 0 for other texts, and perhaps for a rare name.
+uint32_t nameHash(std::string_view text);
 
 // The name at the front of an expression: the run of letters, digits, "_" and "." when it begins with a letter, "_" or
 // "."; empty otherwise.

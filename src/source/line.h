@@ -79,15 +79,34 @@ class DataItems {
   const char* end_;
 };
 
+// A text of less than 4 GB, and beside it the hash of the name that it is or holds: see symbolHash().
+class HashedText {
+ public:
+  HashedText() = default;
+  HashedText(std::string_view text, uint32_t hash = 0)
+      : data_(text.data()), size_(static_cast<uint32_t>(text.size())), hash_(hash) {}
+
+  std::string_view text() const { return {data_, size_}; }
+  operator std::string_view() const { return text(); }
+  bool empty() const { return size_ == 0; }
+  uint32_t hash() const { return hash_; }
+
+ private:
+  const char* data_ = nullptr;
+  uint32_t size_ = 0;
+  uint32_t hash_ = 0;
+};
+
 // Texts are views into the source or into the run's text store. A million statements are the greater part of what a run
 // keeps, and the time that the system takes to give memory is a good part of a run: what is seldom asked for is found
 // again, such as the source text through the line number.
 struct AsLine {
-  std::string_view label;    // qualified with its scope; empty when the statement defines none
-  std::string_view operand;  // operand or argument; the list of Byte, Word and Long; the whole of Assign
-  uint32_t size = 0;         // bytes in the output
-  uint32_t address = 0;      // location counter, 0..65535, once laid out; of Empty: see furtherLines()
-  uint32_t lineNumber = 0;   // from 1, in the expanded source
+  HashedText label;      // qualified with its scope, with its hash; empty when the statement defines none
+  HashedText operand;    // operand or argument; the list of Byte, Word and Long; the whole of Assign. The hash is that
+                         // of an instruction's value expression, see nameHash(); 0 elsewhere
+  uint32_t size = 0;     // bytes in the output
+  uint32_t address = 0;  // location counter, 0..65535, once laid out; of Empty: see furtherLines()
+  uint32_t lineNumber = 0;  // from 1, in the expanded source
   Kind kind = Kind::Empty;
   Mode mode = Mode::Implied;
   Mnemonic mnemonic = Mnemonic::None;
@@ -99,8 +118,8 @@ struct AsLine {
 
   DataItems items() const { return DataItems(operand); }
   // What stands on the left and on the right of the first equals sign of Assign.
-  std::string_view assignName() const { return trim(operand.substr(0, operand.find('='))); }
-  std::string_view assignValue() const { return trim(operand.substr(operand.find('=') + 1)); }
+  std::string_view assignName() const { return trim(operand.text().substr(0, operand.text().find('='))); }
+  std::string_view assignValue() const { return trim(operand.text().substr(operand.text().find('=') + 1)); }
   // How many lines behind its own an Empty statement also stands for: runs of blank and comment lines take one.
   uint32_t furtherLines() const { return kind == Kind::Empty ? address : 0; }
 };

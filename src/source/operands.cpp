@@ -11,11 +11,6 @@ bool isPseudoWord(std::string_view word) {
   return word == "byte" || word == "word" || word == "org" || word == "dbyte" || word == "end";
 }
 
-Mode bySize(std::string_view value, Mode zeroPage, Mode absolute, Evaluator& evaluator) {
-  const int64_t size = evaluator.evaluateForSize(value);
-  return size >= 0 && size <= 255 ? zeroPage : absolute;
-}
-
 Mode classifyParenthesised(std::string_view operand) {
   if (endsWithIgnoringCase(operand, "),Y")) return Mode::IndirectIndexedY;
   if (endsWithIgnoringCase(operand, ",X)")) return Mode::IndexedIndirectX;
@@ -49,7 +44,7 @@ std::string_view withoutCommaSpaces(std::string_view operand, std::string& scrat
   return scratch;
 }
 
-Mode classifyOperand(std::string_view operand, Evaluator& evaluator) {
+Mode classifyOperand(std::string_view operand) {
   const Mode stackMode = classifyStack(operand);
   if (stackMode != Mode::Implied) return stackMode;
   if (operand.front() == '(') {
@@ -57,16 +52,15 @@ Mode classifyOperand(std::string_view operand, Evaluator& evaluator) {
     if (indirectMode != Mode::Implied) return indirectMode;
   }
   if (operand.front() == '#') return Mode::Immediate;
-  const std::string_view value = operand.substr(0, operand.size() - std::min<size_t>(operand.size(), 2));
-  if (endsWithIgnoringCase(operand, ",X")) return bySize(value, Mode::ZeroPageX, Mode::AbsoluteX, evaluator);
-  if (endsWithIgnoringCase(operand, ",Y")) return bySize(value, Mode::ZeroPageY, Mode::AbsoluteY, evaluator);
-  return classifyWithoutComma(operand, evaluator);
+  if (endsWithIgnoringCase(operand, ",X")) return Mode::ZeroPageX;
+  if (endsWithIgnoringCase(operand, ",Y")) return Mode::ZeroPageY;
+  return classifyWithoutComma(operand);
 }
 
-Mode classifyWithoutComma(std::string_view operand, Evaluator& evaluator) {
+Mode classifyWithoutComma(std::string_view operand) {
   if (operand.front() == '#') return Mode::Immediate;
   if (operand.front() == '(' && operand.back() == ')') return Mode::Indirect;
-  return bySize(operand, Mode::ZeroPage, Mode::Absolute, evaluator);
+  return Mode::ZeroPage;
 }
 
 std::string_view valueExpression(std::string_view operand, Mode mode) {

@@ -6,7 +6,6 @@
 
 #include "base/text_store.h"
 #include "isa/opcodes.h"
-#include "source/expression.h"
 
 namespace kiln {
 
@@ -14,10 +13,10 @@ namespace kiln {
 std::string_view withoutCommaSpaces(std::string_view operand, std::string& scratch);
 
 // The mode that the operand of an instruction other than a branch spells; it is trimmed and has no spaces next to its
-// commas. Every operand spells one.
-Mode classifyOperand(std::string_view operand, Evaluator& evaluator);
+// commas. Every operand spells one. A zero-page mode may be meant for its absolute form, as the value tells.
+Mode classifyOperand(std::string_view operand);
 // The same for an operand that has no comma at all.
-Mode classifyWithoutComma(std::string_view operand, Evaluator& evaluator);
+Mode classifyWithoutComma(std::string_view operand);
 
 // The value expression of an operand in this mode, which has no spaces next to its commas: the text without the mode's
 // own characters, trimmed.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <utility>
 
 #include "base/text.h"
@@ -12,6 +13,9 @@ namespace kiln {
 namespace {
 
 constexpr std::string_view statementSeparator = " : ";
+
+// A statement knows the lengths of its texts in 32 bits.
+constexpr size_t longestLine = 0xFFFFFFFF;
 
 // The characters that mean something in a line or an operand before anything is known about it. A table tells them from
 // all others in one step, and most lines have none or one.
@@ -160,6 +164,7 @@ std::string_view writtenOperand(std::string_view statement) {
 }
 
 void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std::vector<AsLine>& statements) {
+  if (line.size() > longestLine) throw std::length_error("line");
   const LineShape shape = shapeOf(line);
   const auto append = [&](std::string_view text) {
     AsLine& statement = statements.emplace_back();
@@ -186,12 +191,18 @@ void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, std:
 // `specials` are those of the whole line: what it does not have, no statement of it has.
 void StatementParser::parseStatement(std::string_view text, uint8_t specials, AsLine& line) {
   if ((specials & Colon) != 0) takeLabel(text, line);
-  if (!line.label.empty()) openScope(line);
+  if (!line.label.empty()) {
+    openScope(line);
+    ++definitionCount_;
+  }
   if (text.empty()) {
     if (!line.label.empty()) line.kind = Kind::LabelOnly;
     return;
   }
-  if ((specials & Equals) != 0 && parseAssignment(text, line)) return;
+  if ((specials & Equals) != 0 && parseAssignment(text, line)) {
+    ++definitionCount_;
+    return;
+  }
   if (!parseDirective(text, evaluator_, line)) parseInstruction(text, line);
   // The text of a .string is data, and data lists name their labels in full.
   const bool qualifies = line.kind == Kind::Instruction || line.kind == Kind::Org || line.kind >= Kind::Space;
@@ -220,19 +231,24 @@ void StatementParser::parseOperand(std::string_view words, AsLine& line) {
     line.mode = Mode::Accumulator;
     return;
   }
-  line.operand = operand;
   line.hasCommaSpaces = (inside & Comma) != 0 && (inside & (Space | Tab)) != 0;
+  const std::string_view closed = line.hasCommaSpaces ? withoutCommaSpaces(operand, scratch_) : operand;
   if (isBranch(line.mnemonic)) {
     line.mode = Mode::Relative;
-    return;
-  }
-  if ((inside & Comma) == 0) {
-    line.mode = classifyWithoutComma(operand, evaluator_);
   } else {
-    line.mode = classifyOperand(line.hasCommaSpaces ? withoutCommaSpaces(operand, scratch_) : operand, evaluator_);
+    line.mode = (inside & Comma) != 0 ? classifyOperand(closed) : classifyWithoutComma(closed);
   }
+  const std::string_view expression = valueExpression(closed, line.mode);
+  const uint32_t hash = nameHash(expression);
+  // The hash is that of an expression that stands in the operand as it is.
+  line.operand = {operand, line.hasCommaSpaces ? 0 : hash};
   const Mode absolute = absoluteForm(line.mode);
-  if (opcodeFor(line.mnemonic, line.mode) < 0 && opcodeFor(line.mnemonic, absolute) >= 0) line.mode = absolute;
+  if (absolute == line.mode) return;
+  const int64_t size = evaluator_.evaluateForSize(expression, hash);
+  const bool isZeroPage = size >= 0 && size <= 255;
+  if (!isZeroPage || (opcodeFor(line.mnemonic, line.mode) < 0 && opcodeFor(line.mnemonic, absolute) >= 0)) {
+    line.mode = absolute;
+  }
 }
 
 // The words with single spaces between them; the text itself when it stands so already.
@@ -250,18 +266,21 @@ std::string_view StatementParser::joinWords(std::string_view words) {
 
 // Qualifies a local label with the scope; any other opens a scope of its own.
 void StatementParser::openScope(AsLine& line) {
-  if (line.label.front() == '.') {
-    if (!scope_.empty()) line.label = texts_.join({scope_, line.label});
-  } else if (!line.labelLocal && line.label.substr(0, longBranchLabel.size()) != longBranchLabel) {
-    scope_ = line.label;
+  std::string_view label = line.label;
+  if (label.front() == '.') {
+    if (!scope_.empty()) label = texts_.join({scope_, label});
+  } else if (!line.labelLocal && label.substr(0, longBranchLabel.size()) != longBranchLabel) {
+    scope_ = label;
   }
+  line.label = {label, symbolHash(label)};
 }
 
 void StatementParser::qualifyOperand(AsLine& line) {
   const std::string_view qualified = qualifyReferences(line.operand, scope_, texts_);
   // A scope may hold anything, commas and spaces included.
-  if (qualified.data() != line.operand.data()) line.hasCommaSpaces = true;
-  line.operand = qualified;
+  if (qualified.data() == line.operand.text().data()) return;
+  line.hasCommaSpaces = true;
+  line.operand = {qualified, line.kind == Kind::Instruction ? nameHash(valueExpression(qualified, line.mode)) : 0};
 }
 
 }  // namespace kiln

@@ -48,7 +48,11 @@ class StatementParser {
   StatementParser(Evaluator& evaluator, TextStore& texts) : evaluator_(evaluator), texts_(texts) {}
 
   // Appends the statements of one physical line, at least one. `lineNumber` counts from 1.
+  // Throws std::length_error for a line of 4 GB.
   void parseLine(std::string_view line, uint32_t lineNumber, std::vector<AsLine>& statements);
+
+  // How many of the statements so far define a label or assign a value.
+  size_t definitionCount() const { return definitionCount_; }
 
  private:
   void parseStatement(std::string_view text, uint8_t specials, AsLine& line);
@@ -61,6 +65,7 @@ class StatementParser {
   Evaluator& evaluator_;
   TextStore& texts_;
   std::string_view scope_;
+  size_t definitionCount_ = 0;
   std::string scratch_;
 };
 

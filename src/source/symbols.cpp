@@ -7,8 +7,6 @@ namespace {
 
 constexpr size_t shortName = 24;
 
-uint32_t tagOf(uint64_t hash) { return static_cast<uint32_t>(hash >> 32); }
-
 // The texts of names lie scattered in the source, and looking at one is most often a miss of the cache: the symbol
 // itself answers for short names (a tenth of the time of a source full of names).
 bool hasName(const Symbol& symbol, std::string_view name, const NameEnds& ends) {
@@ -22,11 +20,7 @@ bool hasNameIgnoringCase(const Symbol& symbol, std::string_view name, const Name
   return name.size() <= shortName || equalIgnoringCase(symbol.name, name);
 }
 
-// The slot for the symbol with this index in a table of so many slots.
-uint32_t makeSlot(const std::vector<uint32_t>& slots, uint64_t hash, size_t index) {
-  const uint32_t mask = static_cast<uint32_t>(slots.size() - 1);
-  return (tagOf(hash) & ~mask) | static_cast<uint32_t>(index + 1);
-}
+uint32_t foldedHash(std::string_view name) { return static_cast<uint32_t>(hashIgnoringCase(name)); }
 
 }  // namespace
 
@@ -38,36 +32,64 @@ void SymbolTable::reserve(size_t count) {
   if (slotCount > slots_.size()) rebuild(slotCount);
 }
 
-// The slot that holds the name, or the free one where it belongs. The table is never full.
-size_t SymbolTable::slotFor(std::string_view name, uint64_t hash) const {
-  const NameEnds ends = endsOf(name.data(), name.size());
-  const uint32_t mask = static_cast<uint32_t>(slots_.size() - 1);
+// For the symbol with this index.
+SymbolTable::Slot SymbolTable::makeSlot(const std::vector<Slot>& slots, uint32_t hash, size_t index) {
+  const uint32_t mask = static_cast<uint32_t>(slots.size() - 1);
+  return (hash & ~mask) | static_cast<uint32_t>(index + 1);
+}
+
+// The slot of the symbol that has the name, or the free one where it belongs. An index is never full.
+template <typename HasName>
+size_t SymbolTable::slotFor(const std::vector<Slot>& slots, uint32_t hash, HasName hasName) const {
+  const uint32_t mask = static_cast<uint32_t>(slots.size() - 1);
   size_t at = hash & mask;
-  while (const Slot slot = slots_[at]) {
-    if (((slot ^ tagOf(hash)) & ~mask) == 0 && hasName(symbols_[(slot & mask) - 1], name, ends)) break;
+  while (const Slot slot = slots[at]) {
+    if (((slot ^ hash) & ~mask) == 0 && hasName(symbols_[(slot & mask) - 1])) break;
     at = (at + 1) & mask;
   }
   return at;
 }
 
+size_t SymbolTable::exactSlotFor(std::string_view name, uint32_t hash) const {
+  const NameEnds ends = endsOf(name.data(), name.size());
+  return slotFor(slots_, hash, [&](const Symbol& symbol) { return hasName(symbol, name, ends); });
+}
+
+size_t SymbolTable::foldedSlotFor(std::string_view name, uint32_t hash) const {
+  const NameEnds ends = inSmallLetters(endsOf(name.data(), name.size()));
+  return slotFor(foldedSlots_, hash, [&](const Symbol& symbol) { return hasNameIgnoringCase(symbol, name, ends); });
+}
+
 void SymbolTable::rebuild(size_t slotCount) {
   slots_.assign(slotCount, 0);
   for (size_t i = 0; i < symbols_.size(); ++i) {
-    const uint64_t hash = hashName(symbols_[i].name);
-    slots_[slotFor(symbols_[i].name, hash)] = makeSlot(slots_, hash, i);
+    const uint32_t hash = symbolHash(symbols_[i].name);
+    slots_[exactSlotFor(symbols_[i].name, hash)] = makeSlot(slots_, hash, i);
   }
 }
 
 Symbol* SymbolTable::find(std::string_view name) {
-  if (slots_.empty()) return nullptr;
   if (!hasDigitNames_ && !name.empty() && isDigit(name.front())) return nullptr;
-  return symbolIn(slots_, slotFor(name, hashName(name)));
+  return find(name, symbolHash(name));
 }
 
-Symbol& SymbolTable::enter(std::string_view name, bool& isNew) {
+Symbol* SymbolTable::find(std::string_view name, uint32_t hash) {
+  return slots_.empty() ? nullptr : symbolIn(slots_, exactSlotFor(name, hash));
+}
+
+// Looks into the first slot alone, where nearly every name is.
+void SymbolTable::fetchSymbol(uint32_t hash) const {
+  const size_t mask = slots_.size() - 1;
+  const size_t number = slots_[hash & mask] & mask;
+  if (number == 0) return;
+  const Symbol& symbol = symbols_[number - 1];
+  prefetch(&symbol.name);
+  prefetch(&symbol.value);
+}
+
+Symbol& SymbolTable::enter(std::string_view name, uint32_t hash, bool& isNew) {
   if (slots_.size() < 2 * (symbols_.size() + 1)) rebuild(slots_.empty() ? 64 : slots_.size() * 2);
-  const uint64_t hash = hashName(name);
-  const size_t at = slotFor(name, hash);
+  const size_t at = exactSlotFor(name, hash);
   Symbol* const known = symbolIn(slots_, at);
   isNew = known == nullptr;
   if (!isNew) return *known;
@@ -88,17 +110,6 @@ void SymbolTable::set(std::string_view name, int64_t value) {
   enter(name, isNew).value = value;
 }
 
-size_t SymbolTable::foldedSlotFor(std::string_view name, uint64_t hash) const {
-  const NameEnds ends = inSmallLetters(endsOf(name.data(), name.size()));
-  const uint32_t mask = static_cast<uint32_t>(foldedSlots_.size() - 1);
-  size_t at = hash & mask;
-  while (const Slot slot = foldedSlots_[at]) {
-    if (((slot ^ tagOf(hash)) & ~mask) == 0 && hasNameIgnoringCase(symbols_[(slot & mask) - 1], name, ends)) break;
-    at = (at + 1) & mask;
-  }
-  return at;
-}
-
 // Takes in the symbols that have been entered since the last time.
 void SymbolTable::coverFolded() {
   if (foldedSlots_.size() < 2 * symbols_.size()) {
@@ -106,8 +117,9 @@ void SymbolTable::coverFolded() {
     foldedCount_ = 0;
   }
   for (; foldedCount_ < symbols_.size(); ++foldedCount_) {
-    const uint64_t hash = hashIgnoringCase(symbols_[foldedCount_].name);
-    Slot& slot = foldedSlots_[foldedSlotFor(symbols_[foldedCount_].name, hash)];
+    const std::string_view name = symbols_[foldedCount_].name;
+    const uint32_t hash = foldedHash(name);
+    Slot& slot = foldedSlots_[foldedSlotFor(name, hash)];
     if (slot == 0) slot = makeSlot(foldedSlots_, hash, foldedCount_);
   }
 }
@@ -115,7 +127,7 @@ void SymbolTable::coverFolded() {
 Symbol* SymbolTable::findIgnoringCase(std::string_view name) {
   if (symbols_.empty()) return nullptr;
   coverFolded();
-  return symbolIn(foldedSlots_, foldedSlotFor(name, hashIgnoringCase(name)));
+  return symbolIn(foldedSlots_, foldedSlotFor(name, foldedHash(name)));
 }
 
 }  // namespace kiln

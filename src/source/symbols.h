@@ -6,8 +6,12 @@
 #include <vector>
 
 #include "base/name_hash.h"
+#include "base/prefetch.h"
 
 namespace kiln {
+
+// The hash by which the symbol table finds a name. Who keeps it beside the name need not make it again.
+inline uint32_t symbolHash(std::string_view name) { return static_cast<uint32_t>(hashName(name)); }
 
 struct Symbol {
   std::string_view name;
@@ -26,9 +30,18 @@ class SymbolTable {
 
   // The symbol of exactly this name; null when there is none.
   Symbol* find(std::string_view name);
+  Symbol* find(std::string_view name, uint32_t hash);
+
+  // True when there is room for so many symbols that no cache near the processor holds them: a look-up waits for memory
+  // twice then, unless the two functions below have been there before. The first asks for what the second reads, and
+  // that one for what find() reads. Any number will do as a hash.
+  bool isLarge() const { return slots_.size() > 0x10000; }
+  void fetchSlot(uint32_t hash) const { prefetch(&slots_[hash & (slots_.size() - 1)]); }
+  void fetchSymbol(uint32_t hash) const;
 
   // The symbol of exactly this name, entered with value 0 when it is new; `isNew` says which.
-  Symbol& enter(std::string_view name, bool& isNew);
+  Symbol& enter(std::string_view name, bool& isNew) { return enter(name, symbolHash(name), isNew); }
+  Symbol& enter(std::string_view name, uint32_t hash, bool& isNew);
   void set(std::string_view name, int64_t value);
 
   // The symbol that entered first among those whose names differ from `name` at most in letter case; else null.
@@ -41,14 +54,17 @@ class SymbolTable {
 
  private:
   // A slot of the open-addressed index holds a symbol's number plus one, 0 when it is free. An index of 2^n slots has
-  // room for 2^(n-1) symbols, so that the upper bits are free for a part of the name's hash: most probes end without a
-  // look at the symbol itself. A small index stays in the cache.
+  // room for 2^(n-1) symbols and begins a search at the lower n bits of the hash, so that the slot has room for the
+  // upper ones: most probes end without a look at the symbol itself. A small index stays in the cache.
   using Slot = uint32_t;
 
+  static Slot makeSlot(const std::vector<Slot>& slots, uint32_t hash, size_t index);
+  template <typename HasName>
+  size_t slotFor(const std::vector<Slot>& slots, uint32_t hash, HasName hasName) const;
+  size_t exactSlotFor(std::string_view name, uint32_t hash) const;
+  size_t foldedSlotFor(std::string_view name, uint32_t hash) const;
   Symbol* symbolIn(const std::vector<Slot>& slots, size_t at);
-  size_t slotFor(std::string_view name, uint64_t hash) const;
   void rebuild(size_t slotCount);
-  size_t foldedSlotFor(std::string_view name, uint64_t hash) const;
   void coverFolded();
 
   std::vector<Symbol> symbols_;

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <stdexcept>
 
+#include "source/statements.h"
 #include "support/program.h"
 
 namespace kiln::test {
@@ -88,6 +90,17 @@ TEST(Operands, SpellTheirAddressingMode) {
        {"LDA RTCLOK\nLDA rtclok\nLDA POKMSK\nLDA __bank_code_reg\nLDA __bank_data_reg", "A512AD1200AD3412A582AD01D3"},
        {"x = $80\nNOP\nRTCLOK: LDA RTCLOK\ny: LDA x\nLDX y,Y\n.space two", "EAA501AD8000BE03000000"}},
       {"-Dz=$80", "-Dw=$100", "-Dn=$-1", "-Dtwo=2", "-DPOKMSK=$1234", "-code-reg", "82", "-data-reg", "D301"});
+}
+
+// A line whose length has 33 bits, of which nothing is read.
+TEST(Statements, RefusesALineOf4Gigabytes) {
+  SymbolTable symbols;
+  MessageList warnings;
+  TextStore texts;
+  Evaluator evaluator(symbols, warnings);
+  std::vector<AsLine> statements;
+  const std::string_view line("NOP", (uint64_t{1} << 32) + 3);
+  EXPECT_THROW(StatementParser(evaluator, texts).parseLine(line, 1, statements), std::length_error);
 }
 
 }  // namespace
