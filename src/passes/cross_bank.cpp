@@ -38,8 +38,9 @@ struct Call {
 Symbol* findTarget(SymbolTable& symbols, HashedText operand) {
   const std::string_view name = leadingSymbol(operand);
   if (name.empty()) return nullptr;
-  Symbol* const exact = operand.hash() != 0 ? symbols.find(name, operand.hash()) : symbols.find(name);
-  return exact != nullptr ? exact : symbols.findIgnoringCase(name);
+  const uint32_t hash = operand.hash() != 0 ? operand.hash() : symbolHash(name);
+  Symbol* const exact = symbols.find(name, hash);
+  return exact != nullptr ? exact : symbols.findIgnoringCase(name, hash);
 }
 
 bool mayCall(const AsLine& line) {

@@ -254,12 +254,12 @@ int64_t Evaluator::evaluateName(std::string_view text) {
     return symbol->value;
   }
   if (trailingH) return parseRadix(withoutLast, 16);
-  return isDecimalLiteral(text) ? parseDecimal(text) : evaluateUnknownName(text);
+  return isDecimalLiteral(text) ? parseDecimal(text) : evaluateUnknownName(text, symbolHash(text));
 }
 
 // A name that does not stand in the table as it is written.
-int64_t Evaluator::evaluateUnknownName(std::string_view text) {
-  if (const Symbol* const symbol = symbols_.findIgnoringCase(text)) return symbol->value;
+int64_t Evaluator::evaluateUnknownName(std::string_view text, uint32_t hash) {
+  if (const Symbol* const symbol = symbols_.findIgnoringCase(text, hash)) return symbol->value;
   warnings_.add({"undefined symbol '", text, "', using 0"});
   return 0;
 }

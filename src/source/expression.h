@@ -31,7 +31,7 @@ class Evaluator {
   int64_t evaluate(std::string_view text, uint32_t nameHash) {
     if (nameHash == 0) return evaluate(text);
     const Symbol* const symbol = symbols_.find(text, nameHash);
-    return symbol != nullptr ? symbol->value : evaluateUnknownName(text);
+    return symbol != nullptr ? symbol->value : evaluateUnknownName(text, nameHash);
   }
 
   // The value that only chooses between zero-page and absolute modes: it knows plain literals and names that stand in
@@ -74,7 +74,7 @@ class Evaluator {
   const std::vector<Operator>& operatorsOf(const Pending& pending) const;
   int64_t evaluateLeaf(std::string_view text);
   int64_t evaluateName(std::string_view text);
-  int64_t evaluateUnknownName(std::string_view text);
+  int64_t evaluateUnknownName(std::string_view text, uint32_t hash);
 
   SymbolTable& symbols_;
   MessageList& warnings_;

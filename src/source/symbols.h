@@ -10,8 +10,9 @@
 
 namespace kiln {
 
-// The hash by which the symbol table finds a name. Who keeps it beside the name need not make it again.
-inline uint32_t symbolHash(std::string_view name) { return static_cast<uint32_t>(hashName(name)); }
+// The hash by which the symbol table finds a name in any letter case. Who keeps it beside the name need not make it
+// again.
+inline uint32_t symbolHash(std::string_view name) { return static_cast<uint32_t>(hashLoosely(name)); }
 
 struct Symbol {
   std::string_view name;
@@ -28,24 +29,29 @@ class SymbolTable {
   // Makes room for `count` names in all.
   void reserve(size_t count);
 
-  // The symbol of exactly this name; null when there is none.
+  // The symbol of exactly this name; null when there is none. `hash` is always symbolHash() of the name.
   Symbol* find(std::string_view name);
   Symbol* find(std::string_view name, uint32_t hash);
+  // The symbol that entered first among those whose names differ from `name` at most in letter case; else null.
+  Symbol* findIgnoringCase(std::string_view name, uint32_t hash);
 
-  // True when there is room for so many symbols that no cache near the processor holds them: a look-up waits for memory
-  // twice then, unless the two functions below have been there before. The first asks for what the second reads, and
-  // that one for what find() reads. Any number will do as a hash.
+  // True when there is room for so many symbols that no cache near the processor holds them. A look-up waits for memory
+  // twice then, unless these two have been called some time before, fetchSlot() first: it asks for what fetchSymbol()
+  // reads, and that for what a look-up does. Any number will do as a hash.
   bool isLarge() const { return slots_.size() > 0x10000; }
   void fetchSlot(uint32_t hash) const { prefetch(&slots_[hash & (slots_.size() - 1)]); }
-  void fetchSymbol(uint32_t hash) const;
+  void fetchSymbol(uint32_t hash) const {
+    // Of the first slot alone, which is nearly always the right one.
+    const size_t number = slots_[hash & (slots_.size() - 1)] & (slots_.size() - 1);
+    if (number == 0) return;
+    prefetch(&symbols_[number - 1].name);
+    prefetch(&symbols_[number - 1].value);
+  }
 
   // The symbol of exactly this name, entered with value 0 when it is new; `isNew` says which.
   Symbol& enter(std::string_view name, bool& isNew) { return enter(name, symbolHash(name), isNew); }
   Symbol& enter(std::string_view name, uint32_t hash, bool& isNew);
   void set(std::string_view name, int64_t value);
-
-  // The symbol that entered first among those whose names differ from `name` at most in letter case; else null.
-  Symbol* findIgnoringCase(std::string_view name);
 
   // True when some name begins with a digit; without one, no number needs a look-up.
   bool hasDigitNames() const { return hasDigitNames_; }
@@ -58,23 +64,18 @@ class SymbolTable {
   // upper ones: most probes end without a look at the symbol itself. A small index stays in the cache.
   using Slot = uint32_t;
 
-  static Slot makeSlot(const std::vector<Slot>& slots, uint32_t hash, size_t index);
-  template <typename HasName>
-  size_t slotFor(const std::vector<Slot>& slots, uint32_t hash, HasName hasName) const;
-  size_t exactSlotFor(std::string_view name, uint32_t hash) const;
-  size_t foldedSlotFor(std::string_view name, uint32_t hash) const;
-  Symbol* symbolIn(const std::vector<Slot>& slots, size_t at);
+  bool isMarked(Slot slot, uint32_t hash) const { return ((slot ^ hash) & ~mask()) == 0; }
+  const Symbol& symbolOf(Slot slot) const { return symbols_[(slot & mask()) - 1]; }
+  uint32_t mask() const { return static_cast<uint32_t>(slots_.size() - 1); }
+  size_t slotFor(std::string_view name, uint32_t& hash) const;
+  size_t searchSlot(std::string_view name, const NameEnds& ends, uint32_t& hash) const;
+  Symbol* symbolAt(size_t at);
+  void occupy(size_t at, uint32_t hash, size_t index);
   void rebuild(size_t slotCount);
-  void coverFolded();
 
   std::vector<Symbol> symbols_;
   std::vector<Slot> slots_;
   bool hasDigitNames_ = false;
-
-  // The same for names in any letter case, filled on first need. Of names that differ in letter case alone it holds the
-  // first.
-  std::vector<Slot> foldedSlots_;
-  size_t foldedCount_ = 0;  // how many symbols it covers
 };
 
 }  // namespace kiln

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "source/literals.h"
 
@@ -105,6 +107,32 @@ TEST_F(Expression, OfAnyLengthAndDepthIsEvaluatedInReasonableTimeAndStack) {
   EXPECT_EQ(evaluate(deep), "100001");
   EXPECT_EQ(evaluate(sum), "1000000");
   EXPECT_EQ(evaluate(prefixes + "$1234"), "52");
+}
+
+// All have the same loose hash; those of letters are the same name in other cases, those of brackets are not.
+TEST(Symbols, AreFoundAmongThousandsOfNamesThatLookAlike) {
+  for (const std::string prefix : {"", "behind_a_rather_long_beginning_"}) {
+    std::vector<std::string> names;
+    for (unsigned i = 0; i < 0x4000; ++i) {
+      names.push_back(prefix + "[[[[[[[[[[[[[[x");
+      names.push_back(prefix + "abcdefghijklmn");
+      for (unsigned bit = 0; bit < 14; ++bit) {
+        names[2 * i][prefix.size() + bit] ^= i >> bit & 1 ? ' ' : 0;
+        names[2 * i + 1][prefix.size() + bit] ^= i >> bit & 1 ? ' ' : 0;
+      }
+    }
+    SymbolTable symbols;
+    for (size_t i = 0; i < names.size(); ++i)
+      symbols.set(names[i], static_cast<int64_t>(i));
+    for (size_t i = 0; i < names.size(); ++i) {
+      ASSERT_EQ(symbols.find(names[i])->value, i);
+      const std::string other = names[i].substr(0, names[i].size() - 1) + (i % 2 == 0 ? "X" : "N");
+      ASSERT_EQ(symbols.findIgnoringCase(other, symbolHash(other))->value, i % 2 == 0 ? i : 1);
+    }
+    const std::string absent = prefix + "[[[[[[[[[[[[[[y";
+    EXPECT_EQ(symbols.find(absent), nullptr);
+    EXPECT_EQ(symbols.findIgnoringCase(absent, symbolHash(absent)), nullptr);
+  }
 }
 
 TEST(Literals, FollowTheRulesOfTheirRadix) {
