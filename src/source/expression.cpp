@@ -88,9 +88,9 @@ bool Evaluator::evaluateTwoLeaves(std::string_view text, int64_t& value) {
   return true;
 }
 
-int64_t Evaluator::evaluateForSize(std::string_view text, uint32_t nameHash) {
-  if (nameHash != 0) {
-    const Symbol* const symbol = symbols_.find(text, nameHash);
+int64_t Evaluator::evaluateForSize(std::string_view text, uint32_t hash) {
+  if (hash != 0) {
+    const Symbol* const symbol = symbols_.find(text, hash);
     return symbol != nullptr ? symbol->value : 256;
   }
   text = trim(text);

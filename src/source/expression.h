@@ -28,15 +28,15 @@ class Evaluator {
   }
 
   // The same for a text whose nameHash() is known.
-  int64_t evaluate(std::string_view text, uint32_t nameHash) {
-    if (nameHash == 0) return evaluate(text);
-    const Symbol* const symbol = symbols_.find(text, nameHash);
-    return symbol != nullptr ? symbol->value : evaluateUnknownName(text, nameHash);
+  int64_t evaluate(std::string_view text, uint32_t hash) {
+    if (hash == 0) return evaluate(text);
+    const Symbol* const symbol = symbols_.find(text, hash);
+    return symbol != nullptr ? symbol->value : evaluateUnknownName(text, hash);
   }
 
   // The value that only chooses between zero-page and absolute modes: it knows plain literals and names that stand in
-  // the table already; everything else is 256. Silent. `nameHash` is that of the text.
-  int64_t evaluateForSize(std::string_view text, uint32_t nameHash);
+  // the table already; everything else is 256. Silent. `hash` is the nameHash() of the text.
+  int64_t evaluateForSize(std::string_view text, uint32_t hash);
 
  private:
   struct Operator {

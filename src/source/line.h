@@ -79,7 +79,7 @@ class DataItems {
   const char* end_;
 };
 
-// A text of less than 4 GB, and beside it the hash of the name that it is or holds: see symbolHash().
+// A text of less than 4 GB, and beside it the symbolHash() of the name that it is or holds; 0 when it is not known.
 class HashedText {
  public:
   HashedText() = default;
@@ -101,11 +101,11 @@ class HashedText {
 // keeps, and the time that the system takes to give memory is a good part of a run: what is seldom asked for is found
 // again, such as the source text through the line number.
 struct AsLine {
-  HashedText label;      // qualified with its scope, with its hash; empty when the statement defines none
-  HashedText operand;    // operand or argument; the list of Byte, Word and Long; the whole of Assign. The hash is that
-                         // of an instruction's value expression, see nameHash(); 0 elsewhere
-  uint32_t size = 0;     // bytes in the output
-  uint32_t address = 0;  // location counter, 0..65535, once laid out; of Empty: see furtherLines()
+  HashedText label;         // qualified with its scope; empty when the statement defines none
+  HashedText operand;       // operand or argument; the list of Byte, Word and Long; the whole of Assign. Of an
+                            // instruction it has the nameHash() of the value expression, else 0
+  uint32_t size = 0;        // bytes in the output
+  uint32_t address = 0;     // location counter, 0..65535, once laid out; of Empty: see furtherLines()
   uint32_t lineNumber = 0;  // from 1, in the expanded source
   Kind kind = Kind::Empty;
   Mode mode = Mode::Implied;
