@@ -3,6 +3,7 @@
 
 #include <numeric>
 
+#include "base/format.h"
 #include "output/pieces.h"
 #include "passes/pipeline.h"
 #include "support/program.h"
@@ -150,6 +151,27 @@ TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
       found += std::to_string(address) + ":" + std::to_string(bytes.front()) + "+" + std::to_string(bytes.size()) + " ";
   }
   EXPECT_EQ(found, "257:1+15 281:25+230 256:0+1 272:16+16 272:16+8 280:24+1 511:255+1 ");
+}
+
+// More symbols than fit into a cache near the processor are fetched some statements before they are looked up.
+TEST(Names, AreFoundAmongFortyThousand) {
+  constexpr unsigned count = 40000, perSegment = 1000, size = 5;
+  std::string source;
+  std::vector<std::pair<unsigned, std::string>> segments;
+  for (unsigned i = 0; i < count; ++i) {
+    const unsigned target = i * 7919 % count;
+    if (i % perSegment == 0) {
+      source += ".org $2000\n";
+      segments.emplace_back(0x2000, "");
+    }
+    const std::string name = (i % 2 == 0 ? "label" : "LABEL") + std::to_string(target);
+    source += "label" + std::to_string(i) + ": JMP " + name + "\nBNE label" + std::to_string(i) + "\n";
+    const unsigned address = 0x2000 + target % perSegment * size;
+    segments.back().second += "4C";
+    appendHex(segments.back().second, (address & 0xFF) << 8 | address >> 8, 4);
+    segments.back().second += "D0FB";
+  }
+  expectCode(source, segments);
 }
 
 }  // namespace
