@@ -1,4 +1,4 @@
-// Banked files: which bank a segment gets, the routines around it, the checks, and what a loader makes of it all.
+// Banked files: which bank a segment gets, the routines around it, and the checks.
 #include "output/banked.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,6 @@
 
 #include "base/format.h"
 #include "output/preload.h"
-#include "support/machine.h"
 #include "support/memory_host.h"
 
 namespace kiln {
@@ -222,31 +221,6 @@ TEST(Banked, shadowCodeIsStagedBetweenTwoLooksAtMainMemory) {
   EXPECT_EQ(staging.substr(staging.size() - 3), "02 ");
   // Nothing else is said once the staging has failed.
   EXPECT_EQ(write(segments, {}, {{0xD800, 0xD8FF}, 0xFFFF}).find("cloaked"), std::string::npos);
-}
-
-TEST(Banked, theLoaderFillsTheBanksAndEndsInBank0) {
-  const Segments segments = {{0x2000, {1}},        {0x4000, {2, 3}},       {0x7FFF, {4}, 0x107},
-                             {0x4000, {5}, 0x207}, {0xD800, {0xE8, 0x60}}, {0x4000, {6}}};
-  test::MemoryHost console;
-  const std::optional<Image> image =
-      writeBanked(segments, {{0xD800, 0xDFFF}, 0x4000}, registers(0xD5E0, 0xD5E1), 0xD800, console);
-  ASSERT_TRUE(image) << console.standardError;
-  test::Machine machine;
-  machine.osRom = true;
-  machine.windows = {{0x4000, 0x7FFF, 0xD5E0, 0xD5E1}};
-  machine.poke(0xD301, 0xEF);
-  ASSERT_TRUE(machine.loadXex(test::joined(image->parts()))) << machine.error;
-  const std::vector<int> bytes = {machine.bankByte(0, 1, 0x4000),     machine.bankByte(0, 1, 0x4001),
-                                  machine.bankByte(0, 0x107, 0x7FFF), machine.bankByte(0, 0x207, 0x4000),
-                                  machine.bankByte(0, 4, 0x4000),     machine.ram(0x2000)};
-  EXPECT_EQ(bytes, (std::vector<int>{2, 3, 4, 5, 6, 1}));
-  EXPECT_EQ(machine.bankByte(0, 0, 0x4000), 0x08);  // the copy stub, still there
-  EXPECT_EQ(machine.peekWord(0xD5E0), 0);
-  EXPECT_EQ(machine.peek(0xD301), 0xFF);  // main memory in the window, and the ROM on
-  machine.poke(0xD301, 0xFE);
-  machine.x = 0;
-  EXPECT_TRUE(machine.run(2)) << machine.error;  // INX, RTS under the ROM
-  EXPECT_EQ(machine.x, 1);
 }
 
 }  // namespace
