@@ -65,10 +65,10 @@ Built build(const Banking& banking, const std::string& source) {
   return built;
 }
 
-std::string memory(const Machine& machine, uint16_t from, size_t count) {
+std::string memory(const Machine& machine, int from, size_t count) {
   std::string text;
-  for (size_t i = 0; i < count; ++i)
-    text.push_back(static_cast<char>(machine.peek(static_cast<uint16_t>(from + i))));
+  while (text.size() < count)
+    text.push_back(static_cast<char>(machine.peek(from++)));
   return text;
 }
 
@@ -109,7 +109,7 @@ TEST(CrossBank, CallsChangeNothingThatADirectCallWouldNot) {
     SCOPED_TRACE(banking.options.at(1) + banking.layout);
     Machine machine = build(banking, nestedCalls(banking)).machine;
     machine.s = 0xFF;
-    ASSERT_TRUE(machine.run(100000)) << machine.error;
+    ASSERT_TRUE(machine.run()) << machine.error;
     EXPECT_EQ(memory(machine, 0x0600, 0x16), expectedNotes());
     for (const BankWindow& window : banking.windows)
       EXPECT_EQ(machine.peek(window.registerLow), 0);
@@ -126,25 +126,31 @@ TEST(CrossBank, CallsMayBeInterruptedAnywhereByCalls) {
     const std::string ticks =
         "    .bank three\ntick: LDA #3 : JSR tock : INC $0630 : RTS\n    .bank four\ntock: JMP count\n    .bank five\n"
         "count: LDX #9 : INC $0631 : RTS\n";
-    Built built = build(banking, nestedCalls(banking) + ticks + "    .org $3000\n" + handler);
-    Machine machine = std::move(built.machine);
-    machine.nmiVector = 0x3000;
+    Machine machine = build(banking, nestedCalls(banking) + ticks + "    .org $3000\n" + handler).machine;
     size_t interrupts = 0;
     for (machine.beginCall(0x2000); !machine.returned(); ++interrupts) {
       Machine hit = machine;
-      hit.nmi();
-      while (!hit.returned() && hit.step()) {
-      }
-      ASSERT_EQ(hit.error, "") << "interrupt " << interrupts;
+      hit.nmi(0x3000);
+      ASSERT_TRUE(hit.finishCall()) << hit.error << ", interrupt " << interrupts;
       ASSERT_EQ(memory(hit, 0x0600, 0x16), expectedNotes()) << "interrupt " << interrupts;
       ASSERT_EQ(memory(hit, 0x0630, 3), std::string("\1\2\0", 3)) << "interrupt " << interrupts;
       ASSERT_EQ(hit.s, 0xFF);
-      ASSERT_EQ(hit.peek(0x82), 0);
-      ASSERT_EQ(hit.peek(0x83), 0);
+      ASSERT_EQ(hit.peekWord(0x82), 0);
       ASSERT_TRUE(machine.step()) << machine.error;
     }
     EXPECT_GT(interrupts, 200U);
   }
+}
+
+// From now on only the stack, the notes at $0600, the register and the data of the calls, of which the program keeps
+// the address at $2F00, may be written to.
+void expectWritesToOwnDataOnly(Machine& machine) {
+  const uint16_t data = machine.peekWord(0x2F00);
+  machine.onWrite = [data](uint16_t address, uint8_t) {
+    const bool allowed = (address >= 0x0100 && address < 0x0200) || (address >= data && address < data + 386) ||
+                         (address >= 0x0600 && address < 0x0800) || address == 0x82;
+    EXPECT_TRUE(allowed) << address;
+  };
 }
 
 // Three banks that call each other in a circle, as deep as $0620 says. Each writes down its bank on the way back.
@@ -158,21 +164,16 @@ constexpr const char* circle =
 TEST(CrossBank, CallsNestAndOverflowHarmsOnlyTheOldestReturns) {
   Machine machine = build(plain, circle).machine;
   machine.poke(0x0620, 65);
-  ASSERT_TRUE(machine.run(100000)) << machine.error;
+  ASSERT_TRUE(machine.run()) << machine.error;
   std::string expected;
   for (int level = 64; level >= 1; --level)
     expected.push_back(static_cast<char>((level - 1) % 3 + 1));
   EXPECT_EQ(memory(machine, 0x0700, 64), expected);
   EXPECT_EQ(machine.peek(0x0621), 64);
 
-  const uint16_t data = machine.peekWord(0x2F00);
-  machine.onWrite = [data](uint16_t address, uint8_t) {
-    const bool allowed = (address >= 0x0100 && address < 0x0200) || (address >= data && address < data + 386) ||
-                         (address >= 0x0620 && address < 0x0800) || address == 0x82;
-    EXPECT_TRUE(allowed) << address;
-  };
+  expectWritesToOwnDataOnly(machine);
   machine.poke(0x0620, 0);  // 256 levels: more than the ring and the stack hold
-  (void)machine.run(100000);
+  (void)machine.run();
 }
 
 TEST(CrossBank, JumpsAreTailCalls) {
@@ -185,7 +186,7 @@ TEST(CrossBank, JumpsAreTailCalls) {
                           "    .bank d\nd1: RTS\n"
                           "    .bank e\na3: PHA : JSR alias : PLA : ADC #0 : JMP back\n")
                         .machine;
-  ASSERT_TRUE(machine.run(10000)) << machine.error;
+  ASSERT_TRUE(machine.run()) << machine.error;
   EXPECT_EQ(memory(machine, 0x0600, 2), std::string("\3\0", 2));
 }
 
@@ -196,18 +197,14 @@ TEST(CrossBank, EndlessJumpsFillNothing) {
             "    .bank one\none: INC $0600 : BNE .next : INC $0601\n.next: JMP two\n"
             "    .bank two\ntwo: JMP one\n")
           .machine;
-  const uint16_t data = machine.peekWord(0x2F00);
-  const uint8_t before = machine.peek(static_cast<uint16_t>(data + 1));
-  machine.onWrite = [data](uint16_t address, uint8_t) {
-    const bool allowed = (address >= 0x0100 && address < 0x0200) || (address >= data && address < data + 386) ||
-                         address == 0x0600 || address == 0x0601 || address == 0x82;
-    EXPECT_TRUE(allowed) << address;
-  };
-  machine.jumpTo(0x2000);
+  const int depth = machine.peekWord(0x2F00) + 1;
+  const uint8_t before = machine.peek(depth);
+  expectWritesToOwnDataOnly(machine);
+  machine.beginCall(0x2000);
   while (machine.peekWord(0x0600) < 5000)
     ASSERT_TRUE(machine.step()) << machine.error;
   EXPECT_EQ(machine.s, 0xFF);
-  EXPECT_EQ(machine.peek(static_cast<uint16_t>(data + 1)), before + 1);
+  EXPECT_EQ(machine.peek(depth), before + 1);
 }
 
 // The address at which the first generated line is listed.
@@ -224,9 +221,9 @@ TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   Machine call = build(plain, main + "RTS\n").machine;
   Machine jump = build(plain, main + "JMP g\n" + banks).machine;
   call.cycles = jump.cycles = 0;
-  ASSERT_TRUE(call.run(1000) && jump.run(1000));
-  EXPECT_EQ(call.cycles, 6 + 6 + 6 + 278U);
-  EXPECT_EQ(jump.cycles, 6 + 3 + 6 + 6 + 278 + 128U);
+  ASSERT_TRUE(call.run() && jump.run());
+  EXPECT_EQ(call.cycles, 6 + 6 + 6 + 278);
+  EXPECT_EQ(jump.cycles, 6 + 3 + 6 + 6 + 278 + 128);
   const auto sizeOfMain = [](const Machine& machine) {
     for (const Machine::Segment& segment : machine.segments) {
       if (segment.first == 0x2000) return segment.last - segment.first + 1;
@@ -328,7 +325,7 @@ TEST(CrossBank, CallsLongBranchesAndRegionsSettleTogether) {
       "    .bank one\nf: JMP f2\n    .space 200\nf2: LDX #0\n    BEQ g\n"
       "    .bank two\ng: LDA m : RTS\nm: .byte 42\n";
   Machine machine = build(plain, source).machine;
-  ASSERT_TRUE(machine.run(1000)) << machine.error;
+  ASSERT_TRUE(machine.run()) << machine.error;
   EXPECT_EQ(machine.peek(0x0600), 42);
 }
 

@@ -45,19 +45,19 @@ struct Examples : testing::Test {
   }
   // Calls what the program calls there.
   void callJsr(int at, int times = 1) {
-    ASSERT_EQ(m.peek(static_cast<uint16_t>(at)), 0x20);
+    ASSERT_EQ(m.peek(at), 0x20);
     for (int i = 0; i < times; ++i)
-      ASSERT_TRUE(m.call(m.peekWord(static_cast<uint16_t>(at + 1)), 100'000)) << m.error;
+      ASSERT_TRUE(m.call(m.peekWord(at + 1))) << m.error;
   }
   void expect(int address, const Numbers& values) {
-    for (size_t i = 0; i < values.size(); ++i)
-      EXPECT_EQ(m.peek(static_cast<uint16_t>(address + i)), values[i]) << "at " << address << " + " << i;
+    for (const int value : values)
+      EXPECT_EQ(m.peek(address++), value) << "before " << address;
   }
   // Text as the Atari's screen counts its characters, in either colour.
   void expectScreen(int address, const std::string& text) {
     std::string shown;
     while (shown.size() < text.size())
-      shown.push_back(static_cast<char>(32 + m.peek(static_cast<uint16_t>(address + shown.size())) % 64));
+      shown.push_back(static_cast<char>(32 + m.peek(address++) % 64));
     EXPECT_EQ(shown, text);
   }
 };
@@ -66,7 +66,7 @@ TEST_F(Examples, showText) {
   load("01-text");
   callJsr(0x3000);
   expect(0x02C4, {0x1C, 0x9E, 0x92, 0x46, 0x00});
-  const int text = m.peekWord(static_cast<uint16_t>(m.peekWord(0x0230) + 8));
+  const int text = m.peekWord(m.peekWord(0x0230) + 8);
   expectScreen(text, "    HELLO  ATARI             ASSEMBLED WITH KILN-AS         ");
   load("02-primes");
   callJsr(0x3000);
@@ -87,12 +87,10 @@ TEST_F(Examples, showText) {
 TEST_F(Examples, showColourBars) {
   load("03-colour-bars");
   callJsr(0x3000);
-  m.nmiVector = m.peekWord(0x0200);
   for (uint8_t vcount = 15; vcount < 113; vcount += 4) {
     m.poke(0xD40B, vcount);
-    m.nmi();
-    for (const uint8_t interrupted = m.s; m.s <= interrupted;)
-      ASSERT_TRUE(m.step()) << m.error;
+    m.nmi(m.peekWord(0x0200));
+    ASSERT_TRUE(m.finishCall()) << m.error;
   }
   const Numbers& colours = stored[0xD01A];
   ASSERT_EQ(std::set<int>(colours.begin(), colours.end()).size(), 25u);
@@ -131,7 +129,10 @@ TEST_F(Examples, playMelody) {
 }
 
 TEST_F(Examples, startFromBasic) {
-  ASSERT_TRUE(m.loadPrg(assemble("07-commodore"))) << m.error;
+  const std::string file = assemble("07-commodore");
+  ASSERT_EQ(file.substr(0, 2), "\x01\x08");
+  for (size_t i = 2; i < file.size(); ++i)
+    m.poke(static_cast<int>(0x0801 + i - 2), file[i]);
   expect(0x0801, {0x0C, 0x08, 10, 0, 0x9E, ' ', '2', '0', '6', '4', 0, 0, 0});  // 10 SYS 2064
   std::string printed;
   m.poke(0xFFD2, 0x48);  // PHA, PLA, RTS
@@ -147,20 +148,20 @@ TEST_F(Examples, startFromBasic) {
 
 TEST_F(Examples, leaveResults) {
   load("08-regions");
-  ASSERT_TRUE(m.run(10'000)) << m.error;
+  ASSERT_TRUE(m.run()) << m.error;
   expect(0x4000, {24600 % 256, 24600 / 256, 0, 0, 2500 % 256, 2500 / 256});
   ASSERT_EQ(m.segments.size(), 4u);  // one a region, and the run address
   EXPECT_EQ(m.segments[1].first, 0x3100);
   EXPECT_EQ(m.segments[2].first, 0x3400);
   m.windows = {{0x4000, 0x7FFF, 0x82, 0x83}};
   load("10-banks");
-  ASSERT_TRUE(m.run(10'000)) << m.error;
+  ASSERT_TRUE(m.run()) << m.error;
   expect(0x3F00, {125, 64});
   expect(0x0082, {0, 0});
   m = {};
   m.windows = {{0x4000, 0x5FFF, 0x82}, {0x6000, 0x7FFF, 0x83}};
   load("11-split-banks");
-  ASSERT_TRUE(m.run(10'000)) << m.error;
+  ASSERT_TRUE(m.run()) << m.error;
   expect(0x3F00, {100, 10});
   expect(0x0082, {0, 0});
 }

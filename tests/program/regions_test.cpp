@@ -121,7 +121,7 @@ TEST(Regions, GiveTheSameResultAsOnePiece) {
     host.files["main.asm"] = (split ? ranges + "\n" : "") + program;
     ASSERT_EQ(run(host, std::vector<std::string>{"kiln-as", "main.asm"}), 0) << host.standardError;
     Machine machine;
-    ASSERT_TRUE(machine.loadXex(host.written["main.xex"]) && machine.run(100000)) << machine.error;
+    ASSERT_TRUE(machine.loadXex(host.written["main.xex"]) && machine.run()) << machine.error;
     results[split] = {machine.a, machine.y, machine.p};
     EXPECT_EQ(machine.segments.size() > 10, split);
   }

@@ -7,11 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <map>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 namespace kiln::test {
@@ -40,68 +38,55 @@ class Machine {
     uint16_t last = 0;
   };
 
-  // What the machine consists of; set before loading. Where windows overlap, the first that shows a bank wins.
+  // What the machine consists of; set before loading. Windows do not overlap.
   std::vector<BankWindow> windows;
-  bool osRom = false;      // $C000-$CFFF and $D800-$FFFF are ROM, full of RTS, while bit 0 of $D301 is set
-  uint16_t nmiVector = 0;  // where the handler begins
-  // Called before every store of an instruction or of nmi(), lost ones included; not for poke and the loaders.
+  bool osRom = false;  // $C000-$CFFF and $D800-$FFFF are ROM, full of RTS, while bit 0 of $D301 is set
+  // Called before every store of an instruction or of nmi(), lost ones included; not for poke and the loader.
   std::function<void(uint16_t address, uint8_t value)> onWrite;
 
   uint8_t a = 0, x = 0, y = 0, s = 0xFF, p = alwaysSet;
   uint16_t pc = 0;
-  uint64_t cycles = 0;
-  uint64_t steps = 0;
+  int cycles = 0;
 
-  std::string error;                   // why a load, a run or a step failed; jumps and calls clear it
-  std::vector<Segment> segments;       // all that was loaded so far, in order
-  std::optional<uint16_t> runAddress;  // the last word that was loaded to $02E0
-
-  Machine() : memory_(0x10000) { memory_[0xD301] = 0xFF; }
+  std::string error;              // why a load, a call or a step failed; the next call clears it
+  std::vector<Segment> segments;  // all that was loaded so far, in order
+  uint16_t runAddress = 0;        // the last word that was loaded to $02E0
 
   // Memory as the processor sees it. What is poked into ROM is lost.
-  uint8_t peek(uint16_t address) const;
-  uint16_t peekWord(uint16_t address) const;
-  void poke(uint16_t address, uint8_t value);
-
-  // Main memory, whatever covers it.
-  uint8_t ram(uint16_t address) const { return memory_[address]; }
-  // A byte of a bank, selected or not; `address` must lie in windows[window]. Bank 0 is main memory.
-  uint8_t bankByte(size_t window, uint32_t bank, uint16_t address) const;
+  uint8_t peek(int address) const;
+  uint16_t peekWord(int address) const;
+  void poke(int address, int value);
 
   // Loads an Atari binary-load file, calling each init address as its segment has been loaded. False with `error`
   // set when the file is malformed or an init routine fails.
   bool loadXex(std::string_view file);
-  // Loads a file that begins with its load address.
-  bool loadPrg(std::string_view file);
 
-  // Calls a subroutine with the registers as they stand. False with `error` set when it did not return.
-  bool call(uint16_t address, uint64_t maxSteps);
+  // Calls a subroutine with the registers as they stand. False with `error` set when it does not return.
+  bool call(uint16_t address);
   // Calls the run address of the loaded file.
-  bool run(uint64_t maxSteps);
+  bool run() { return call(runAddress); }
 
-  // The same in single steps: begin, step until returned. A step is false, with `error` set and pc at the culprit,
+  // The same in steps: begin, step until returned, or finish. A step is false, with `error` set and pc at the culprit,
   // at a BRK or an opcode that is none; from then on all steps are.
   void beginCall(uint16_t address);
   bool returned() const { return pc == returnMark; }
-  void jumpTo(uint16_t address);
   bool step();
+  bool finishCall();
 
-  // Enters the handler at nmiVector, as between two instructions; its RTI comes back here.
-  void nmi();
+  // Enters the handler, as between two instructions; its RTI comes back here.
+  void nmi(uint16_t handler);
 
  private:
   static constexpr uint16_t returnMark = 0xFFFF;  // half of the interrupt vector, so never the place of an instruction
 
-  using BankKey = std::pair<size_t, uint32_t>;  // the index of a window, the number of a bank
-
   bool showsRom(uint16_t address) const;
-  BankKey selectedAt(uint16_t address) const;
-  void loadSegment(uint16_t first, std::string_view bytes);
-  bool honourVectors(const Segment& segment);
+  uint32_t placeOf(uint16_t address) const;
+  uint8_t held(uint32_t place) const;
+  bool loadSegment(uint16_t first, std::string_view bytes);
   bool fail(std::string text);
 
-  std::vector<uint8_t> memory_;
-  std::map<BankKey, std::vector<uint8_t>> banks_;  // made by the first store
+  // By bank, 0 in main memory, times 65,536 plus address; what is not there is 0.
+  std::unordered_map<uint32_t, uint8_t> memory_ = {{0xD301, 0xFF}};
 };
 
 }  // namespace kiln::test
