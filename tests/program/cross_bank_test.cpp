@@ -91,18 +91,8 @@ std::string nestedCalls(const Banking& banking) {
          "mark2: .byte 2\n";
 }
 
-// N, V, D, I, Z and C as PLP and PHP leave them.
-constexpr int entryFlags = 0xCB | Machine::breakMark | Machine::alwaysSet;
-constexpr int returnFlags = 0x49 | Machine::breakMark | Machine::alwaysSet;
-
-std::string expectedNotes() {
-  std::string notes(0x16, '\0');
-  const int entry[] = {0x44, 0x22, 0x33, entryFlags, 0xFA, 0x11, 1, 2, 0xF8};
-  const int back[] = {0xCC, 0xAA, 0xBB, returnFlags, 0xFC, 0x11};
-  std::copy(std::begin(entry), std::end(entry), notes.begin());
-  std::copy(std::begin(back), std::end(back), notes.begin() + 0x10);
-  return notes;
-}
+// $FB and $79 are the flags as PHP stores them, with N, V, D, I, Z and C as PLP has set them.
+const std::string expectedNotes = bytes("44 22 33 FB FA 11 01 02 F8 00 00 00 00 00 00 00 CC AA BB 79 FC 11");
 
 TEST(CrossBank, CallsChangeNothingThatADirectCallWouldNot) {
   for (const Banking& banking : {plain, absolute, split, regc, manyBanks()}) {
@@ -110,7 +100,7 @@ TEST(CrossBank, CallsChangeNothingThatADirectCallWouldNot) {
     Machine machine = build(banking, nestedCalls(banking)).machine;
     machine.s = 0xFF;
     ASSERT_TRUE(machine.run()) << machine.error;
-    EXPECT_EQ(memory(machine, 0x0600, 0x16), expectedNotes());
+    EXPECT_EQ(memory(machine, 0x0600, 0x16), expectedNotes);
     for (const BankWindow& window : banking.windows)
       EXPECT_EQ(machine.peek(window.registerLow), 0);
     EXPECT_EQ(machine.s, 0xFF);
@@ -132,7 +122,7 @@ TEST(CrossBank, CallsMayBeInterruptedAnywhereByCalls) {
       Machine hit = machine;
       hit.nmi(0x3000);
       ASSERT_TRUE(hit.finishCall()) << hit.error << ", interrupt " << interrupts;
-      ASSERT_EQ(memory(hit, 0x0600, 0x16), expectedNotes()) << "interrupt " << interrupts;
+      ASSERT_EQ(memory(hit, 0x0600, 0x16), expectedNotes) << "interrupt " << interrupts;
       ASSERT_EQ(memory(hit, 0x0630, 3), std::string("\1\2\0", 3)) << "interrupt " << interrupts;
       ASSERT_EQ(hit.s, 0xFF);
       ASSERT_EQ(hit.peekWord(0x82), 0);
@@ -177,26 +167,24 @@ TEST(CrossBank, CallsNestAndOverflowHarmsOnlyTheOldestReturns) {
 }
 
 TEST(CrossBank, JumpsAreTailCalls) {
-  Machine machine = build(plain,
-                          "    .org $2000\nmain: JSR a1 : STA $0600 : LDA $82 : STA $0601 : RTS\n"
-                          "back: RTS\n"
-                          "    .bank a\na1: JSR a2 : CLC : ADC m1 : RTS\na2: JMP b1\nm1: .byte 1\n"
-                          "    .bank b\nb1: LDA m2 : JMP c1+1\nm2: .byte 2\n"
-                          "    .bank c\nc1: RTS\n    JMP a3\nc2: RTS\nalias = c2\n"
-                          "    .bank d\nd1: RTS\n"
-                          "    .bank e\na3: PHA : JSR alias : PLA : ADC #0 : JMP back\n")
-                        .machine;
+  const std::string source =
+      "    .org $2000\nmain: JSR a1 : STA $0600 : LDA $82 : STA $0601 : RTS\nback: RTS\n"
+      "    .bank a\na1: JSR a2 : CLC : ADC m1 : RTS\na2: JMP b1\nm1: .byte 1\n"
+      "    .bank b\nb1: LDA m2 : JMP c1+1\nm2: .byte 2\n"
+      "    .bank c\nc1: RTS\n    JMP a3\nc2: RTS\nalias = c2\n"
+      "    .bank d\nd1: RTS\n"
+      "    .bank e\na3: PHA : JSR alias : PLA : ADC #0 : JMP back\n";
+  Machine machine = build(plain, source).machine;
   ASSERT_TRUE(machine.run()) << machine.error;
   EXPECT_EQ(memory(machine, 0x0600, 2), std::string("\3\0", 2));
 }
 
 TEST(CrossBank, EndlessJumpsFillNothing) {
-  Machine machine =
-      build(plain,
-            "    .org $2000\nmain: LDX #$FF : TXS\n    JMP one\n    .org $2F00\n    .word __bank_current\n"
-            "    .bank one\none: INC $0600 : BNE .next : INC $0601\n.next: JMP two\n"
-            "    .bank two\ntwo: JMP one\n")
-          .machine;
+  const std::string source =
+      "    .org $2000\nmain: LDX #$FF : TXS\n    JMP one\n    .org $2F00\n    .word __bank_current\n"
+      "    .bank one\none: INC $0600 : BNE .next : INC $0601\n.next: JMP two\n"
+      "    .bank two\ntwo: JMP one\n";
+  Machine machine = build(plain, source).machine;
   const int depth = machine.peekWord(0x2F00) + 1;
   const uint8_t before = machine.peek(depth);
   expectWritesToOwnDataOnly(machine);
@@ -207,52 +195,44 @@ TEST(CrossBank, EndlessJumpsFillNothing) {
   EXPECT_EQ(machine.peek(depth), before + 1);
 }
 
+// The line of the listing in which this part stands, from a column on; empty when there is none.
+std::string listed(const std::string& listing, const std::string& part, size_t column, size_t count = 999) {
+  const size_t begin = listing.rfind('\n', listing.find(part)) + 1;
+  const std::string line = listing.substr(begin, listing.find('\n', begin) - begin);
+  return line.substr(std::min(column, line.size()), count);
+}
+
 // The address at which the first generated line is listed.
 std::string stagedAt(const Banking& banking, const std::string& source) {
-  const std::string listing = build(banking, source).listing;
-  const size_t at = listing.find(">_kxb_0:");
-  return at == std::string::npos ? "" : listing.substr(listing.rfind('\n', at) + 3, 4);
+  return listed(build(banking, source).listing, ">_kxb_0:", 2, 4);
 }
 
 // The price of it, as documented: cycles of a call, and of a jump behind it, beyond those of direct ones; and bytes.
 TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
-  const std::string banks = "    .bank two\ng: RTS\n";
-  const std::string main = "    .org $2000\nmain: JSR f : RTS\n    .bank one\nf: ";
-  Machine call = build(plain, main + "RTS\n").machine;
-  Machine jump = build(plain, main + "JMP g\n" + banks).machine;
+  const std::string code = "    .org $2000\nmain: JSR f\n    RTS\n", one = "    .bank one\nf: ";
+  Machine call = build(plain, code + one + "RTS\n").machine;
+  Machine jump = build(plain, code + one + "JMP g\n    .bank two\ng: RTS\n").machine;
   call.cycles = jump.cycles = 0;
   ASSERT_TRUE(call.run() && jump.run());
   EXPECT_EQ(call.cycles, 6 + 6 + 6 + 278);
   EXPECT_EQ(jump.cycles, 6 + 3 + 6 + 6 + 278 + 128);
   const auto sizeOfMain = [](const Machine& machine) {
-    for (const Machine::Segment& segment : machine.segments) {
-      if (segment.first == 0x2000) return segment.last - segment.first + 1;
-    }
-    return 0;
+    return std::ranges::find(machine.segments, 0x2000, &Machine::Segment::first)->last - 0x2000 + 1;
   };
   EXPECT_EQ(sizeOfMain(call), 4 + 17 + 138 + 386);
   EXPECT_EQ(sizeOfMain(jump), 4 + 2 * 17 + 138 + 386);
   // The second register is written to from bank 256 on.
-  const std::string last = manyBanks(254).before + "    .bank one\nf: RTS\n";
-  EXPECT_EQ(sizeOfMain(build(manyBanks(), "    .org $2000\nmain: JSR f\n    RTS\n" + last).machine),
-            4 + 17 + 138 + 386);
+  const std::string last = manyBanks(254).before + one + "RTS\n";
+  EXPECT_EQ(sizeOfMain(build(manyBanks(), code + last).machine), 4 + 17 + 138 + 386);
   // It goes where it has all the room that it takes, and elsewhere when there is a byte less.
   for (const Banking& banking : {plain, absolute, manyBanks()}) {
-    const std::string rest = banking.before + "    .bank one\nf: RTS\n",
-                      code = "    .org $2000\nmain: JSR f\n    RTS\n";
+    const std::string rest = banking.before + one + "RTS\n";
     const int end = 0x2000 + sizeOfMain(build(banking, code + rest).machine);
     for (const int room : {end, end - 1}) {
       const std::string next = "    .org $9000\n    NOP\n    .org " + std::to_string(room) + "\n    NOP\n";
       EXPECT_EQ(stagedAt(banking, code + next + rest), room == end ? "2004" : "9001");
     }
   }
-}
-
-std::string listed(const std::string& listing, const std::string& part) {
-  const size_t at = listing.find(part);
-  if (at == std::string::npos) return "";
-  const size_t begin = listing.rfind('\n', at) + 1;
-  return listing.substr(begin + 21, listing.find('\n', at) - begin - 21);
 }
 
 TEST(CrossBank, OnlyTheOperandOfACallChanges) {
@@ -265,50 +245,44 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
       "    .bank one\nfar: NOP\n.deep: RTS\n    JSR far : JMP .deep : JSR near\n"
       "    .bank two\nother: JSR far.deep\n    RTS\n";
   const std::string listing = build(plain, source).listing;
-  EXPECT_EQ(listed(listing, "two of"), "main: JSR _kxb_0 : jsr\t_kxb_0 : LDA #1 ; two of them ; xbank");
-  EXPECT_EQ(listed(listing, ".string"), "    .string \"x : JMP _kxb_1 : \" ; xbank");
-  EXPECT_EQ(listed(listing, "\"\"\"x"), "    .string \"\"\"x : JMP _kxb_1 : \" ; xbank");
-  EXPECT_EQ(listed(listing, "(vector)"), "    JSR near : JMP (vector) : JSR $4000 : JSR near2");
-  EXPECT_EQ(listed(listing, ".deep : "), "    JSR far : JMP .deep : JSR near");
-  EXPECT_EQ(listed(listing, "other"), "other: JSR _kxb_2 ; xbank");
+  for (const auto& [part, line] : std::vector<std::pair<std::string, std::string>>{
+           {"two of", "main: JSR _kxb_0 : jsr\t_kxb_0 : LDA #1 ; two of them ; xbank"},
+           {".string", "    .string \"x : JMP _kxb_1 : \" ; xbank"},
+           {"\"\"\"x", "    .string \"\"\"x : JMP _kxb_1 : \" ; xbank"},
+           {"(vector)", "    JSR near : JMP (vector) : JSR $4000 : JSR near2"},
+           {".deep : ", "    JSR far : JMP .deep : JSR near"},
+           {"other", "other: JSR _kxb_2 ; xbank"}})
+    EXPECT_EQ(listed(listing, part, 21), line);
   // Nothing to switch with, nothing to stage.
   Banking withoutRegister{{"-code-window", "4000-5FFF"}, {}};
   EXPECT_EQ(build(withoutRegister, source).listing.find("xbank"), std::string::npos);
 }
 
 TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
-  const std::string banks = "    .bank one\nf: RTS\n    .bank two\n    JSR f\n";
-  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\n__bank_stage: NOP\n    .org $3000\n    .space 99\n" + banks),
-            "2004");
-  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\nend:\n    .org $3000\n    .space 2\n" + banks), "2003");
-  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    .space 60 : .space 60\n    .org $3000\n    .space 99\n" + banks),
-            "2078");
-  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    JSR f\n    .org $3000\n    .space 99\nend:\n" + banks), "3063");
-  // There is no room behind the larger ones: other code follows, or the window.
-  EXPECT_EQ(
-      stagedAt(plain,
-               "    .org $2000\n    .space 99\n    .org $2200\n    JSR f\n    .org $3F00\n    .space 64\n" + banks),
-      "2203");
-  EXPECT_EQ(stagedAt(plain, banks), "A000");
-  Banking flat{{"-code-reg", "82", "-code-window", "4000-5FFF"}, {}};
+  const std::string banks = ".bank one\nf: RTS\n.bank two\nJSR f\n";
+  for (const auto& [address, source] : std::vector<std::pair<std::string, std::string>>{
+           {"2004", ".org $2000\nJSR f\n__bank_stage: NOP\n.org $3000\n.space 99\n"},
+           {"2003", ".org $2000\nJSR f\nend:\n.org $3000\n.space 2\n"},
+           {"2078", ".org $2000\n.space 60 : .space 60\n.org $3000\n.space 99\n"},
+           {"3063", ".org $2000\nJSR f\n.org $3000\n.space 99\nend:\n"},
+           // There is no room behind the larger ones: other code follows, or the window.
+           {"2203", ".org $2000\n.space 99\n.org $2200\nJSR f\n.org $3F00\n.space 64\n"},
+           {"A000", ""},
+           {"9001", ".shadow_ranges $2000-$20FF\n.shadow_stage $3000\n.org $2000\n.space 256\n.org $9000\nNOP\n"},
+           // A line that goes on elsewhere has no place behind it.
+           {"A000", ".org $2000\nNOP : .bank zero\n"}})
+    EXPECT_EQ(stagedAt(plain, source + banks), address) << source;
   // A cloaked segment that ends close before it does not take it in.
-  const Built cloaked = build(flat, banks + "    .cloaked_segment $9FFE\n    NOP\n");
-  EXPECT_TRUE(std::ranges::count(cloaked.machine.segments, 0xA000, &Machine::Segment::first) == 1);
-  const Banking apart{{"-b", "--split-bank", "-code-reg", "82", "-data-reg", "83", "-code-window", "4000-5FFF",
-                       "--data-window", "6000:7FFF"},
-                      {}};
-  EXPECT_EQ(stagedAt(apart, "    .org $2000\n    JSR f\n    .org $6000\n    .space 99\n" + banks), "2003");
-  EXPECT_EQ(stagedAt(plain,
-                     "    .shadow_ranges $2000-$20FF\n    .shadow_stage $3000\n    .org $2000\n    .space 256\n"
-                     "    .org $9000\n    NOP\n" +
-                         banks),
-            "9001");
-  // A line that goes on elsewhere has no place behind it.
-  EXPECT_EQ(stagedAt(plain, "    .org $2000\n    NOP : .bank zero\n" + banks), "A000");
-  expectErrors("    .bank one\n__bank_stage:\nf: RTS\n    .bank two\n    JSR f\n",
+  const Banking flat{{"-code-reg", "82", "-code-window", "4000-5FFF"}, {}};
+  const Built cloaked = build(flat, banks + ".cloaked_segment $9FFE\nNOP\n");
+  EXPECT_EQ(std::ranges::count(cloaked.machine.segments, 0xA000, &Machine::Segment::first), 1);
+  Banking apart = split;
+  apart.options[7] = "4000-5FFF";
+  EXPECT_EQ(stagedAt(apart, ".org $2000\nJSR f\n.org $6000\n.space 99\n" + banks), "2003");
+  expectErrors(".bank one\n__bank_stage:\nf: RTS\n.bank two\nJSR f\n",
                {"main.asm:2: '__bank_stage' must lie in main memory"}, {}, plain.options);
   // Without a call it may lie anywhere.
-  build(plain, "    .bank one\n__bank_stage: RTS\n");
+  build(plain, ".bank one\n__bank_stage: RTS\n");
 }
 
 TEST(CrossBank, CallsStagedLaterFindTheCodeOfTheStagerAmongNamesLikeItsOwn) {
