@@ -47,13 +47,6 @@ std::string replaced(const std::string& text, const std::string& pattern, const 
   return std::regex_replace(text, std::regex(pattern), by);
 }
 
-std::string hex(const std::string& bytes) {
-  std::string text;
-  for (const char byte : bytes)
-    appendHex(text, static_cast<unsigned char>(byte), 2);
-  return text;
-}
-
 // "2000: A9 01", a line for each segment; a line that begins with a blank goes on with the segment above.
 std::string flatFile(const std::string& block) {
   const auto addresses = findAll(block, "(....):"), contents = findAll(block, ":((?: [^\n]*\n)+)");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/format.h"
 #include "driver/run.h"
 #include "output/image.h"
 
@@ -11,6 +12,15 @@ std::string bytes(const std::string& hex) {
   Image spelled;
   appendHexText(spelled, hex);
   return joined(spelled.parts());
+}
+
+std::string hex(std::string_view bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    appendHex(text, static_cast<uint8_t>(byte), 2);
+    text += ' ';
+  }
+  return text;
 }
 
 std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, unsigned runAddress) {

@@ -25,6 +25,8 @@ struct Run {
 
 // Bytes spelled in hexadecimal; anything else is passed over.
 std::string bytes(const std::string& hex);
+// The other way: "A9 01 ".
+std::string hex(std::string_view bytes);
 
 // A flat XEX file: each segment's address and bytes, then the run address.
 std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, unsigned runAddress);
