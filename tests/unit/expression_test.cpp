@@ -12,19 +12,17 @@ namespace kiln {
 namespace {
 
 constexpr int64_t largest = std::numeric_limits<int64_t>::max();
+constexpr int64_t smallest = std::numeric_limits<int64_t>::min();
+
+using Values = std::vector<std::pair<std::string_view, int64_t>>;
 
 class Expression : public testing::Test {
  protected:
-  void SetUp() override {
-    for (const auto& [name, value] : std::initializer_list<std::pair<std::string_view, int64_t>>{{"START", 0x1234},
-                                                                                                 {"start2", 7},
-                                                                                                 {"Start2", 8},
-                                                                                                 {"page", 255},
-                                                                                                 {"wide", 256},
-                                                                                                 {"below", -1},
-                                                                                                 {"a b", 5}}) {
+  Expression() {
+    const Values values = {{"START", 0x1234}, {"start2", 7}, {"Start2", 8}, {"page", 255},
+                           {"wide", 256},     {"below", -1}, {"a b", 5}};
+    for (const auto& [name, value] : values)
       symbols.set(name, value);
-    }
   }
   // The value, then each warning on a line of its own.
   std::string evaluate(std::string_view text) {
@@ -34,44 +32,39 @@ class Expression : public testing::Test {
       result.append("\n").append(warnings[i]);
     return result;
   }
-  static std::string undefined(const std::string& name) { return "\nundefined symbol '" + name + "', using 0"; }
 
   SymbolTable symbols;
   MessageList warnings;
 };
 
+// clang-format off
 TEST_F(Expression, HasTheValueOfItsParts) {
-  const std::pair<std::string_view, int64_t> cases[] = {
-      // clang-format off
-      {"", 0}, {" \t ", 0}, {"2+3*4", 14}, {"(2+3)*4", 20}, {"1+(2+3)+4", 10}, {"20/3", 6}, {"0-20/3", -6}, {"7/0", 0}, {"10-2-3", 5},
-      {"100/10/5", 2}, {"2*3/4*5", 5}, {" 1 + ( 2 - ( 3 - 4 ) ) ", 4}, {"((((7))))", 7}, {"()", 0}, {"<$1234+1", 0x35},
-      {">$1234", 0x12}, {">0-1", 255}, {"1+<$1234+1", 0x36}, {"2*<$0103*2", 12}, {"< > $1234", 0x12}, {"><$1234", 0},
-      {">>$123456", 0}, {"<<$1234", 0x34}, {"<", 0}, {"(<$1234)+1", 0x35}, {"1-(>$0203+0)*2", -3}, {"START", 0x1234},
-      {"start", 0x1234}, {"START2", 7}, {"Start2", 8}, {"START+1", 0x1235}, {"a b", 5}, {"$FF", 255}, {"%102", 2},
-      {"$12G", 18}, {"$", 0}, {"$-5", -5}, {"$0-5", -5}, {"1+", 1}, {"0FFh", 255}, {"12H", 18},
-      {"9223372036854775807+1", std::numeric_limits<int64_t>::min()}, {"9223372036854775807*2", -2},
-      {"(0-9223372036854775807-1)/(0-1)", std::numeric_limits<int64_t>::min()},
-      // clang-format on
-      {"99999999999999999999", largest}};
-  for (const auto& [text, value] : cases)
+  for (const auto& [text, value] : Values{
+      {"", 0}, {" \t ", 0}, {"2+3*4", 14}, {"(2+3)*4", 20}, {"1+(2+3)+4", 10}, {"20/3", 6}, {"0-20/3", -6}, {"7/0", 0},
+      {"10-2-3", 5}, {"100/10/5", 2}, {"2*3/4*5", 5}, {" 1 + ( 2 - ( 3 - 4 ) ) ", 4}, {"((((7))))", 7}, {"()", 0},
+      {"<$1234+1", 0x35}, {">$1234", 0x12}, {">0-1", 255}, {"1+<$1234+1", 0x36}, {"2*<$0103*2", 12}, {"<", 0},
+      {"< > $1234", 0x12}, {"><$1234", 0}, {">>$123456", 0}, {"<<$1234", 0x34}, {"(<$1234)+1", 0x35},
+      {"1-(>$0203+0)*2", -3}, {"START", 0x1234}, {"start", 0x1234}, {"START2", 7}, {"Start2", 8}, {"START+1", 0x1235},
+      {"a b", 5}, {"$FF", 255}, {"%102", 2}, {"$12G", 18}, {"$", 0}, {"$-5", -5}, {"$0-5", -5}, {"1+", 1},
+      {"0FFh", 255}, {"12H", 18}, {"9223372036854775807+1", smallest}, {"9223372036854775807*2", -2},
+      {"(0-9223372036854775807-1)/(0-1)", smallest}, {"99999999999999999999", largest}})
     EXPECT_EQ(evaluate(text), std::to_string(value)) << text;
 }
 
 TEST_F(Expression, TakesUnknownNamesAsZeroAndSaysSoEachTimeFromLeftToRight) {
-  const std::pair<std::string_view, std::string> cases[] = {
-      // clang-format off
-      {"-5", "0" + undefined("-5")}, {"5*-3", "-3"}, {"--5", "-5" + undefined("-")}, {"*2", "0" + undefined("*2")},
-      {"b-c*d+b", "0" + undefined("b") + undefined("c") + undefined("d") + undefined("b")},
-      {"-5-3", "-3" + undefined("-5")}, {"1+x y", "1" + undefined("x y")}, {"a+b)", "0" + undefined("a+b)")},
-      {"1+(2", "0" + undefined("1+(2")}, {"x+(a+b", "0" + undefined("x+(a") + undefined("b")},
-      {"(1)(2)", "0" + undefined("1)(2")}, {"<>q+r", "0" + undefined("q") + undefined("r")},
-      {"0FGh", "0" + undefined("0FGh")}, {"FFh", "0" + undefined("FFh")}, {"1+*2", "1" + undefined("*2")},
-      {")", "0" + undefined(")")},
-      // clang-format on
-      {"(", "0" + undefined("(")}};
-  for (const auto& [text, result] : cases)
-    EXPECT_EQ(evaluate(text), result) << text;
+  // The text, its value, and the names.
+  for (const std::vector<std::string>& row : std::vector<std::vector<std::string>>{
+      {"-5", "0", "-5"}, {"5*-3", "-3"}, {"--5", "-5", "-"}, {"*2", "0", "*2"}, {"b-c*d+b", "0", "b", "c", "d", "b"},
+      {"-5-3", "-3", "-5"}, {"1+x y", "1", "x y"}, {"a+b)", "0", "a+b)"}, {"1+(2", "0", "1+(2"}, {"(", "0", "("},
+      {"x+(a+b", "0", "x+(a", "b"}, {"(1)(2)", "0", "1)(2"}, {"<>q+r", "0", "q", "r"}, {"0FGh", "0", "0FGh"},
+      {"FFh", "0", "FFh"}, {"1+*2", "1", "*2"}, {")", "0", ")"}}) {
+    std::string expected = row[1];
+    for (size_t i = 2; i < row.size(); ++i)
+      expected += "\nundefined symbol '" + row[i] + "', using 0";
+    EXPECT_EQ(evaluate(row[0]), expected) << row[0];
+  }
 }
+// clang-format on
 
 TEST_F(Expression, PrefersALabelToTheNumberItLooksLikeAndSaysSoOnce) {
   symbols.set("0FFh", 3);
@@ -86,10 +79,9 @@ TEST_F(Expression, PrefersALabelToTheNumberItLooksLikeAndSaysSoOnce) {
 
 TEST_F(Expression, IsSizedByPlainLiteralsAndKnownNamesOnly) {
   Evaluator evaluator(symbols, warnings);
-  const std::pair<std::string_view, int64_t> cases[] = {
-      {"$FF", 255},  {" 255 ", 255},  {"%11", 3},      {"page", 255}, {"wide", 256},  {"below", -1},
-      {"PAGE", 256}, {"page+1", 256}, {"(page)", 256}, {"0Fh", 256},  {"<page", 256}, {"", 256},
-      {"$", 0},      {"later", 256},  {"-1", 256},     {"$-1", -1}};
+  const Values cases = {{"$FF", 255},  {" 255 ", 255},  {"%11", 3},      {"page", 255}, {"wide", 256},  {"below", -1},
+                        {"PAGE", 256}, {"page+1", 256}, {"(page)", 256}, {"0Fh", 256},  {"<page", 256}, {"", 256},
+                        {"$", 0},      {"later", 256},  {"-1", 256},     {"$-1", -1}};
   for (const auto& [text, value] : cases)
     EXPECT_EQ(evaluator.evaluateForSize(text, nameHash(text)), value) << text;
   symbols.set("12", 300);
@@ -136,27 +128,21 @@ TEST(Symbols, AreFoundAmongThousandsOfNamesThatLookAlike) {
 }
 
 TEST(Literals, FollowTheRulesOfTheirRadix) {
-  const std::pair<std::string_view, int64_t> hexadecimal[] = {{" \t\n\r\v\f1f", 31},
-                                                              // clang-format off
-                                                              {"+5", 5}, {"-5", -5}, {"0x1F", 31}, {"0X", 0},
-                                                              {"0xg", 0}, {"-0x10", -16}, {"FFFFFFFFFFFFFFFF", -1},
-                                                              {"FFFFFFFFFFFFFFFF0", -1}, {"-FFFFFFFFFFFFFFFF0", -1},
-                                                              {"- 5", 0}, {"", 0},
-                                                              // clang-format on
-                                                              {"8000000000000000", std::numeric_limits<int64_t>::min()},
-                                                              {"1000000000000000F", -1},
-                                                              {"12.4", 18}};
-  for (const auto& [text, value] : hexadecimal)
+  // clang-format off
+  for (const auto& [text, value] : Values{
+      {" \t\n\r\v\f1f", 31}, {"+5", 5}, {"-5", -5}, {"0x1F", 31}, {"0X", 0}, {"0xg", 0}, {"-0x10", -16}, {"- 5", 0},
+      {"", 0}, {"12.4", 18}, {"FFFFFFFFFFFFFFFF", -1}, {"FFFFFFFFFFFFFFFF0", -1}, {"-FFFFFFFFFFFFFFFF0", -1},
+      {"8000000000000000", smallest}, {"1000000000000000F", -1}})
     EXPECT_EQ(parseRadix(text, 16), value) << text;
+  for (const auto& [text, value] : Values{
+      {" $10\t", 16}, {"%11", 3}, {"0Fh", 15}, {"12", 12}, {"", 0}, {"abc", 0}, {"-1", 0}, {"1+1", 0}, {"0x10", 0}})
+    EXPECT_EQ(parseDefinition(text), value) << text;
+  // clang-format on
   EXPECT_EQ(parseRadix("1012", 2), 5);
   EXPECT_EQ(parseRadix("0x1", 2), 0);
   EXPECT_EQ(parseDecimal("9223372036854775807"), largest);
   EXPECT_EQ(parseDecimal("9223372036854775808"), largest);
   EXPECT_EQ(parseDecimal("922337203685477579"), 922337203685477579);
-  const std::pair<std::string_view, int64_t> definitions[] = {
-      {" $10\t", 16}, {"%11", 3}, {"0Fh", 15}, {"12", 12}, {"", 0}, {"abc", 0}, {"-1", 0}, {"1+1", 0}, {"0x10", 0}};
-  for (const auto& [text, value] : definitions)
-    EXPECT_EQ(parseDefinition(text), value) << text;
 }
 
 TEST(LeadingSymbol, IsTheNameInFrontIfAny) {
