@@ -49,6 +49,11 @@ struct Examples : testing::Test {
     for (int i = 0; i < times; ++i)
       ASSERT_TRUE(m.call(m.peekWord(at + 1))) << m.error;
   }
+  // Loads it and calls its first routine, which sets it up.
+  void start(const std::string& name) {
+    load(name);
+    callJsr(0x3000);
+  }
   void expect(int address, const Numbers& values) {
     for (const int value : values)
       EXPECT_EQ(m.peek(address++), value) << "before " << address;
@@ -63,30 +68,25 @@ struct Examples : testing::Test {
 };
 
 TEST_F(Examples, showText) {
-  load("01-text");
-  callJsr(0x3000);
+  start("01-text");
   expect(0x02C4, {0x1C, 0x9E, 0x92, 0x46, 0x00});
   const int text = m.peekWord(m.peekWord(0x0230) + 8);
   expectScreen(text, "    HELLO  ATARI             ASSEMBLED WITH KILN-AS         ");
-  load("02-primes");
-  callJsr(0x3000);
+  start("02-primes");
   expect(0x4100, {54, 2, 3, 5, 7, 11, 13, 17, 19, 23});
   expectScreen(0x5000, "   2   3   5   7  11  13  17  19  23  29");
   expectScreen(0x50C8, " 233 239 241 251");
-  load("06-score");
-  callJsr(0x3000);
+  start("06-score");
   expectScreen(0x5000, "0620");
   expect(0x00CB, {0, 0});
   m.osRom = true;
-  load("09-shadow");
-  callJsr(0x3000);
+  start("09-shadow");
   expectScreen(0x5000, "HIDDEN UNDER THE ROM");
   expect(0xD301, {0xFF});
 }
 
 TEST_F(Examples, showColourBars) {
-  load("03-colour-bars");
-  callJsr(0x3000);
+  start("03-colour-bars");
   for (uint8_t vcount = 15; vcount < 113; vcount += 4) {
     m.poke(0xD40B, vcount);
     m.nmi(m.peekWord(0x0200));
@@ -98,8 +98,7 @@ TEST_F(Examples, showColourBars) {
 }
 
 TEST_F(Examples, movePlayer) {
-  load("04-player");
-  callJsr(0x3000);
+  start("04-player");
   const struct {
     uint8_t stick;
     int calls, x, y;
@@ -115,8 +114,7 @@ TEST_F(Examples, movePlayer) {
 }
 
 TEST_F(Examples, playMelody) {
-  load("05-melody");
-  callJsr(0x3000);
+  start("05-melody");
   stored.clear();
   callJsr(0x3003, 641);
   Numbers& pitches = stored[0xD200];

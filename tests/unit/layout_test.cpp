@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
-#include <map>
-#include <optional>
-#include <string>
-#include <utility>
-
 #include "base/format.h"
 #include "layout/layout_parser.h"
 #include "layout/layout_values.h"
@@ -16,37 +10,27 @@
 namespace kiln {
 namespace {
 
+std::string flag(const std::string& name, bool set) { return set ? name + " " : ""; }
+
+std::string range(const std::string& name, uint32_t low, uint32_t high) {
+  return low == 0 && high == 0 ? "" : concat({name, " ", dollarHex(low, 1), "-", dollarHex(high, 1), " "});
+}
+
 // Everything that is set, in the order of the fields; the error alone when there is one.
 std::string shown(const AsLayout& layout) {
   if (!layout.error.empty()) return layout.error;
-  std::string text;
-  const auto addFlag = [&](const char* name, bool flag) { text += flag ? concat({name, " "}) : ""; };
-  const auto addPair = [&](const char* name, uint32_t low, uint32_t high) {
-    if (low != 0 || high != 0) text += concat({name, " ", dollarHex(low, 1), "-", dollarHex(high, 1), " "});
-  };
-  addFlag("banking", layout.hasBanking);
-  addPair("window", layout.codeWindowLo, layout.codeWindowHi);
-  for (size_t i = 0; i + 1 < layout.mainRegion.size(); i += 2) {
-    addPair("main", layout.mainRegion[i], layout.mainRegion[i + 1]);
-  }
-  addFlag("split", layout.codeWindowSplit);
-  addPair("half", layout.codeHalfLo, layout.codeHalfHi);
-  addPair("data", layout.dataWindowLo, layout.dataWindowHi);
-  addPair("registers", layout.codeReg, layout.dataReg);
-  addFlag("regc", layout.hasRegc);
-  addPair("regcWindow", layout.regcWindowLo, layout.regcWindowHi);
-  addPair("regcPage", layout.regcPageSize, 0);
-  addPair("regcReg", layout.regcRegLo, layout.regcRegHi);
+  std::string text = flag("banking", layout.hasBanking) + range("window", layout.codeWindowLo, layout.codeWindowHi);
+  for (size_t i = 0; i + 1 < layout.mainRegion.size(); i += 2)
+    text += range("main", layout.mainRegion[i], layout.mainRegion[i + 1]);
+  text += flag("split", layout.codeWindowSplit) + range("half", layout.codeHalfLo, layout.codeHalfHi) +
+          range("data", layout.dataWindowLo, layout.dataWindowHi) + range("registers", layout.codeReg, layout.dataReg) +
+          flag("regc", layout.hasRegc) + range("regcWindow", layout.regcWindowLo, layout.regcWindowHi) +
+          range("regcPage", layout.regcPageSize, 0) + range("regcReg", layout.regcRegLo, layout.regcRegHi);
   for (const std::string& id : layout.cloakedIds)
-    text += concat({"'", id, "' "});
+    text += "'" + id + "' ";
   if (!text.empty()) text.pop_back();
   return text;
 }
-
-struct Case {
-  std::string text;
-  std::string expected;
-};
 
 AsLayout parsed(const std::string& text) {
   AsLayout layout;
@@ -54,9 +38,10 @@ AsLayout parsed(const std::string& text) {
   return layout;
 }
 
-void expectAll(const std::string& header, std::initializer_list<Case> cases) {
-  for (const Case& each : cases)
-    EXPECT_EQ(shown(parsed(header + each.text)), each.expected) << each.text;
+// Each text, behind the header, sets these fields.
+void expectAll(const std::string& header, std::initializer_list<std::pair<std::string, std::string>> cases) {
+  for (const auto& [text, fields] : cases)
+    EXPECT_EQ(shown(parsed(header + text)), fields) << text;
 }
 
 TEST(Layout, NumbersAreDollarHexadecimalOrDecimal) {
@@ -64,9 +49,8 @@ TEST(Layout, NumbersAreDollarHexadecimalOrDecimal) {
       {" 12\t", 12}, {"$aF", 0xAF}, {"4294967298", 2}, {"$123456789", 0x23456789}};
   for (const auto& [text, expected] : numbers)
     EXPECT_EQ(parseLayoutNumber(text), expected) << text;
-  for (const char* other : {"", "$", "$G", "$1 2", "1a", "-1", "0x1"}) {
+  for (const char* other : {"", "$", "$G", "$1 2", "1a", "-1", "0x1"})
     EXPECT_FALSE(parseLayoutNumber(other).has_value()) << other;
-  }
 }
 
 TEST(Layout, RangesAreFoundAnywhereInAValue) {
@@ -74,9 +58,8 @@ TEST(Layout, RangesAreFoundAnywhereInAValue) {
                                      {"$1 $2000$3000-x-$-$4-$5-$6", "banking window $4-$5"},
                                      {"$9-$1", "banking window $9-$1"},
                                      {"$100000001-$2", "banking window $1-$2"}});
-  for (const char* none : {"$4000", "$4000-7FFF", "4000-$7FFF", "$-$7FFF", "$4000-$", "$4000.$7FFF", ""}) {
+  for (const char* none : {"$4000", "$4000-7FFF", "4000-$7FFF", "$-$7FFF", "$4000-$", "$4000.$7FFF", ""})
     EXPECT_FALSE(findLayoutRange(none).has_value()) << none;
-  }
 }
 
 const std::string everyKey =
@@ -98,12 +81,10 @@ TEST(Layout, BankingKeysSetTheirFields) {
                             {"regcregion = $1-$2", "banking regc"},
                             {"regcregionspan = $1-$2", "banking regc"}});
   for (const char* range : {"code-window", "data-window", "window", "codewindow", "datawindow", "regcwindow",
-                            "regcregion", "regcregionspan"}) {
+                            "regcregion", "regcregionspan"})
     EXPECT_EQ(shown(parsed(concat({"[banking]\n", range, "= 1"}))), "banking") << range;
-  }
-  for (const char* number : {"code-reg", "data-reg", "codereg", "datareg", "regcpagesize", "my-reg", "regc-window"}) {
+  for (const char* number : {"code-reg", "data-reg", "codereg", "datareg", "regcpagesize", "my-reg", "regc-window"})
     EXPECT_EQ(shown(parsed(concat({"[banking]\n", number, "= $1-$2\n", "regcreg = x"}))), "banking") << number;
-  }
 }
 
 TEST(Layout, CodeWindowEndsWhereAnEarlierDataWindowEnds) {
