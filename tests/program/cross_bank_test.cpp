@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "driver/run.h"
 #include "support/machine.h"
 #include "support/program.h"
 
@@ -12,25 +11,22 @@ namespace {
 
 // A way of banking: how the program is assembled, and the machine that it runs on.
 struct Banking {
-  std::vector<std::string> options;
+  std::string options;
   std::vector<BankWindow> windows;
   std::string layout = "";
   std::string before = "";   // source in front of the first bank
   std::string between = "";  // source between two banks
 };
 
-const Banking plain{{"-b", "-code-reg", "82", "-data-reg", "83", "-code-window", "4000-5FFF"},
-                    {{0x4000, 0x5FFF, 0x82}}};
-const Banking absolute{{"-b", "-code-reg", "D500", "-data-reg", "D501", "-code-window", "4000-5FFF"},
-                       {{0x4000, 0x5FFF, 0xD500}}};
+const Banking plain{"-b -code-reg 82 -data-reg 83 -code-window 4000-5FFF", {{0x4000, 0x5FFF, 0x82}}};
+const Banking absolute{"-b -code-reg D500 -data-reg D501 -code-window 4000-5FFF", {{0x4000, 0x5FFF, 0xD500}}};
 // An origin inside the window takes one of the writer's numbers, so that from there on they differ from the banks'.
-const Banking split{{"-b", "--split-bank", "-code-reg", "82", "-data-reg", "83", "-code-window", "4000-7FFF",
-                     "--data-window", "6000:7FFF"},
+const Banking split{"-b --split-bank -code-reg 82 -data-reg 83 -code-window 4000-7FFF --data-window 6000:7FFF",
                     {{0x4000, 0x5FFF, 0x82}, {0x6000, 0x7FFF, 0x83}},
                     "",
                     "    .org $6000\n    .byte 9\n",
                     "    .org $5000\n    .byte 8\n    .org $6000\n    .byte 7\n"};
-const Banking regc{{"-L", "main.lnk"},
+const Banking regc{"-L main.lnk",
                    {{0x4000, 0x7FFF, 0xD510, 0xD511}},
                    "[banking]\nwindow = $4000-$7FFF\nregisters = $82, $83\nregcwindow = $4000-$7FFF\n"
                    "regcreg = $D510-$D511\n",
@@ -54,9 +50,7 @@ struct Built {
 Built build(const Banking& banking, const std::string& source) {
   MemoryHost host;
   host.files = {{"main.asm", source}, {"main.lnk", banking.layout}};
-  std::vector<std::string> arguments = {"kiln-as", "main.asm", "-l", "main.lst"};
-  arguments.insert(arguments.end(), banking.options.begin(), banking.options.end());
-  EXPECT_EQ(run(host, arguments), 0) << host.standardError;
+  EXPECT_EQ(runLine(host, "main.asm -l main.lst " + banking.options), 0) << host.standardError;
   EXPECT_EQ(host.standardError.find("kiln-as: assembled"), 0U) << host.standardError;
   Built built;
   built.machine.windows = banking.windows;
@@ -96,7 +90,7 @@ const std::string expectedNotes = bytes("44 22 33 FB FA 11 01 02 F8 00 00 00 00 
 
 TEST(CrossBank, CallsChangeNothingThatADirectCallWouldNot) {
   for (const Banking& banking : {plain, absolute, split, regc, manyBanks()}) {
-    SCOPED_TRACE(banking.options.at(1) + banking.layout);
+    SCOPED_TRACE(banking.options + banking.layout);
     Machine machine = build(banking, nestedCalls(banking)).machine;
     machine.s = 0xFF;
     ASSERT_TRUE(machine.run()) << machine.error;
@@ -254,7 +248,7 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
            {"other", "other: JSR _kxb_2 ; xbank"}})
     EXPECT_EQ(listed(listing, part, 21), line);
   // Nothing to switch with, nothing to stage.
-  Banking withoutRegister{{"-code-window", "4000-5FFF"}, {}};
+  const Banking withoutRegister{"-code-window 4000-5FFF", {}};
   EXPECT_EQ(build(withoutRegister, source).listing.find("xbank"), std::string::npos);
 }
 
@@ -273,11 +267,10 @@ TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
            {"A000", ".org $2000\nNOP : .bank zero\n"}})
     EXPECT_EQ(stagedAt(plain, source + banks), address) << source;
   // A cloaked segment that ends close before it does not take it in.
-  const Banking flat{{"-code-reg", "82", "-code-window", "4000-5FFF"}, {}};
+  const Banking flat{"-code-reg 82 -code-window 4000-5FFF", {}};
   const Built cloaked = build(flat, banks + ".cloaked_segment $9FFE\nNOP\n");
   EXPECT_EQ(std::ranges::count(cloaked.machine.segments, 0xA000, &Machine::Segment::first), 1);
-  Banking apart = split;
-  apart.options[7] = "4000-5FFF";
+  const Banking apart{"-b --split-bank -code-reg 82 -data-reg 83 -code-window 4000-5FFF --data-window 6000:7FFF", {}};
   EXPECT_EQ(stagedAt(apart, ".org $2000\nJSR f\n.org $6000\n.space 99\n" + banks), "2003");
   expectErrors(".bank one\n__bank_stage:\nf: RTS\n.bank two\nJSR f\n",
                {"main.asm:2: '__bank_stage' must lie in main memory"}, {}, plain.options);

@@ -23,6 +23,7 @@
 #include "driver/options.h"
 #include "driver/run.h"
 #include "driver/seeds.h"
+#include "host/real_host.h"
 #include "isa/opcodes.h"
 #include "support/program.h"
 
@@ -31,10 +32,7 @@ namespace {
 
 const std::filesystem::path root = std::filesystem::path(KILN_EXAMPLES_DIR).parent_path();
 
-std::string read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string read(const std::filesystem::path& path) { return RealHost().readFile(path).value_or(""); }
 
 // Every match of the pattern's group.
 std::vector<std::string> findAll(const std::string& text, const std::string& pattern) {

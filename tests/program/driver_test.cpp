@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "base/format.h"
-#include "base/text.h"
 #include "driver/home.h"
-#include "driver/run.h"
 #include "driver/settings.h"
 #include "support/program.h"
 
@@ -37,16 +35,8 @@ anything else = XEX), or set explicitly with -f.
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
-// The arguments of a command line: between two spaces stands an empty one, and a blank in one is a tab.
-std::vector<std::string> words(std::string_view line) {
-  std::vector<std::string> result;
-  Fields fields(line, ' ');
-  for (std::string_view word; fields.next(word);)
-    result.emplace_back(word);
-  return result;
-}
-
-// Runs a command line on a few files: the status, what the run says, and the files it writes.
+// Runs a command line on a few files: the status, what the run says, and the files it writes. A blank in an
+// argument is a tab.
 std::string outcome(const std::string& line) {
   MemoryHost host;
   // clang-format off
@@ -61,7 +51,7 @@ std::string outcome(const std::string& line) {
   host.directories = {"folder"};
   host.unreadable = {"lock"};
   host.unwritable = {"full"};
-  const int status = run(host, words("kiln-as " + line));
+  const int status = runLine(host, line);
   std::string text = std::to_string(status) + " " + host.standardError;
   if (!host.standardOutput.empty()) host.written["output"] = host.standardOutput;
   for (const auto& [path, content] : host.written)

@@ -26,9 +26,9 @@ TEST(Encoding, WarnsOfNamesThatAreAddressZero) {
              {"line 1: LDA z" + zero, "line 2: LDA z" + zero, "line 3: LDX z" + zero, "line 4: JMP z" + zero,
               "line 5: LDA z+0" + zero, "line 6: LDA z+0" + zero, "line 7: JMP z" + zero, "line 8: LDA $A-$A" + zero,
               "undefined symbol 'é', using 0", "line 9: JMP é" + zero},
-             {"-Dz=0"});
+             "-Dz=0");
   expectCode("LDA #z\nLDA (z,X)\nLDA (z),Y\nBNE z+7\nBNE z\nLDA z,SP\nADD SP,z\nLDA (z,SP),Y\nLDA z,SP,X\nJMP 0",
-             {{0, "A900A100B100D0FFD0F6B2002200030023004C0000"}}, {}, {"-Dz=0"});
+             {{0, "A900A100B100D0FFD0F6B2002200030023004C0000"}}, {}, "-Dz=0");
 }
 
 TEST(Encoding, ChecksTheReachOfBranchesAndTheRangeOfSomeByteOperands) {

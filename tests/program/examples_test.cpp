@@ -2,13 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
 
-#include "driver/run.h"
+#include "host/real_host.h"
 #include "support/machine.h"
-#include "support/memory_host.h"
+#include "support/program.h"
 
 namespace kiln::test {
 namespace {
@@ -20,16 +18,12 @@ std::string assemble(const std::string& name) {
   MemoryHost host;
   const std::filesystem::path gallery = KILN_EXAMPLES_DIR;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(gallery)) {
-    std::ostringstream text;
-    text << std::ifstream(entry.path(), std::ios::binary).rdbuf();
-    host.files[entry.path().lexically_relative(gallery).generic_string()] = text.str();
+    const std::string path = entry.path().lexically_relative(gallery).generic_string();
+    host.files[path] = RealHost().readFile(entry.path()).value_or("");
   }
   const std::string& source = host.files[name + ".asm"];
-  std::istringstream words(source.substr(source.find("kiln-as ")));
-  std::vector<std::string> arguments;
-  for (std::string word; words >> word && word != ";";)
-    arguments.push_back(word);
-  EXPECT_EQ(run(host, arguments), 0);
+  const size_t line = source.find("kiln-as ") + 8;
+  EXPECT_EQ(runLine(host, source.substr(line, source.find('\n', line) - line)), 0);
   EXPECT_EQ(host.standardError.find('\n'), host.standardError.size() - 1) << host.standardError;
   return host.written[name + (name == "07-commodore" ? ".prg" : ".xex")];
 }
@@ -133,9 +127,7 @@ TEST_F(Examples, startFromBasic) {
     m.poke(static_cast<int>(0x0801 + i - 2), file[i]);
   expect(0x0801, {0x0C, 0x08, 10, 0, 0x9E, ' ', '2', '0', '6', '4', 0, 0, 0});  // 10 SYS 2064
   std::string printed;
-  m.poke(0xFFD2, 0x48);  // PHA, PLA, RTS
-  m.poke(0xFFD3, 0x68);
-  m.poke(0xFFD4, 0x60);
+  m.poke(0xFFD2, 0x60);  // RTS
   for (m.beginCall(2064); !m.returned();) {
     if (m.pc == 0xFFD2) printed.push_back(static_cast<char>(m.a));
     ASSERT_TRUE(m.step()) << m.error;

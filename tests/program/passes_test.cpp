@@ -13,7 +13,7 @@ namespace {
 
 std::string zeros(size_t count) { return std::string(2 * count, '0'); }
 
-const std::vector<std::string> window = {"-code-window", "4000-7FFF"};
+const std::string window = "-code-window 4000-7FFF";
 
 // The warnings of these names, one letter each.
 std::vector<std::string> undefined(const std::string& names) {
@@ -62,7 +62,7 @@ TEST(Banks, AreNumberedInTheOrderInWhichTheyAreMet) {
              {{0x7FFF, ""}, {0x3FFF, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "020304"}}, {}, window);
   expectCode(".org $8000\n.org $4000\n" + abc,
              {{0x8000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "020304"}}, {}, window);
-  expectCode(".org 9\n" + abc, {{9, ""}, {0, ""}, {0, ""}, {0, "020304"}}, {}, {"-code-window", "0-9"});
+  expectCode(".org 9\n" + abc, {{9, ""}, {0, ""}, {0, ""}, {0, "020304"}}, {}, "-code-window 0-9");
   expectCode(".org 0\n" + abc, {{0, ""}, {0, ""}, {0, ""}, {0, "010203"}});
 }
 
@@ -75,9 +75,9 @@ TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
       {"Cannot find include file 'no'", "main.asm:3" + twice + "'x'", "main.asm:4" + twice + "'D'",
        "main.asm:6" + twice + "'v'", "main.asm:7" + twice + "'x'", "main.asm:8" + twice + "'__bank_code_reg'",
        "main.asm:10" + twice + "'__bank_b'", "main.asm:11" + stage + "'$10000'", "main.asm:13" + stage + "'v + 0'"},
-      {undefined("y")[0], "undefined symbol '__bank_b.q', using 0"}, {"-DD", "-code-reg", "82"});
+      {undefined("y")[0], "undefined symbol '__bank_b.q', using 0"}, "-DD -code-reg 82");
   expectCode("NOP\nCH: NOP\nCH: NOP\n>l:\n>l:\n.l:\n.l:\nx:\nx = 9\nRTCLOK:\n.word CH,l,CH.l,x",
-             {{0, "EAEAEA0200030003000900"}}, {}, {"-DRTCLOK"});
+             {{0, "EAEAEA0200030003000900"}}, {}, "-DRTCLOK");
 }
 
 TEST(Warnings, ComeWithEveryEvaluationInItsPlace) {
@@ -95,14 +95,14 @@ TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReachInEightIterations) {
   expectCode(".bank b\n.byte 1\nx: BNE x", {{0x4000, "01 D0 FE"}}, {}, window);
   // Each rewritten branch may push another one out of reach, in the next iteration.
   expectCode(".org $2000\nBNE t\n.space 100\nBEQ u\n.space 25\nt: .space 103\nu: RTS",
-             {{0x2000, "F0 03 4C 87 20" + zeros(100) + "D0 03 4C EE 20" + zeros(128) + "60"}}, {}, {"-V"});
+             {{0x2000, "F0 03 4C 87 20" + zeros(100) + "D0 03 4C EE 20" + zeros(128) + "60"}}, {}, "-V");
   // Cloaked code never comes to rest: its branches are judged where it does not stand, the inverted ones as well.
   const std::string code = "F0 03 4C 08 30 4C 0B 30 4C 0E 30 4C 11 30 4C 14 30 4C 17 30 4C 00 30";
   expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}});
-  expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}}, {"iteration 8: rewrote 1 long branch"}, {"-V"});
+  expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}}, {"iteration 8: rewrote 1 long branch"}, "-V");
   expectCode(".cloaked_segment $3000\nx:\nBNE x\n.cloaked_segment $5000\ny:\nBVC y",
              {{0x3000, code}, {0x5000, "70 03 4C 08 50 4C 0B 50 4C 0E 50 4C 11 50 4C 14 50 4C 17 50 4C 00 50"}},
-             {"iteration 8: rewrote 2 long branches"}, {"-V"});
+             {"iteration 8: rewrote 2 long branches"}, "-V");
 }
 
 // A rewritten branch takes the whole line: label, second statement and comment are gone.
@@ -121,7 +121,7 @@ TEST(Listing, ShowsEachStatementOfTheFinalSource) {
            "\n.code_regions $2110-$211F,$2200-$22FF\nm:\n>l: BVC .far : BCC .far ; lost\n BRA .far : BRA .far\n"
            ".cloaked_segment $3000\n.y: .string \"ab\" ; y\n.space 2\n.cloaked_segment_end\n.bank b\nFOO\r\n\n; 1\n"
            "; 2\n; longbr\n\t\n .org $2110\n.far: .byte 1 : .word l\n.long 1\n.org $FFFF\n.word 1\nNOP",
-       .arguments = {"main.asm", "-l", "a.lst"},
+       .line = "main.asm -l a.lst",
        .standardError =
            say("warning: " + undefined("l")[0]) + say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
        .written = {{"main.xex", bytes("FFFF 00000700 70034C10214C1021 00300430 6162000000 10211521 0100004C0022 "
@@ -133,10 +133,10 @@ TEST(Listing, ShowsEachStatementOfTheFinalSource) {
 TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
   expectRun({.source = ".org $FFFE\n.byte 8,9\n.org $FFFF\n.byte 10\n.org $FFF5\n.byte 6\n.org $FFF0\n.byte 1,2,3,4\n"
                        ".org $FFF1\n.byte 5\n.org $1000\n.org $FFF1\n.byte 7",
-             .arguments = {"-f", "prg", "main.asm"},
+             .line = "-f prg main.asm",
              .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
              .written = {{"main.prg", bytes("F0FF010203040507000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
-  expectRun({".org 1", {"-f", "prg", "main.asm"}, {}, 1, say("error: cannot write 'main.prg'")});
+  expectRun({".org 1", "-f prg main.asm", {}, 1, say("error: cannot write 'main.prg'")});
 }
 
 TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {

@@ -3,7 +3,6 @@
 
 #include <sstream>
 
-#include "driver/run.h"
 #include "passes/code_regions.h"
 #include "support/machine.h"
 #include "support/program.h"
@@ -13,7 +12,7 @@ namespace {
 
 const std::string pair = ".code_regions $2000-$200F,$4000-$40FF\n";
 const std::string regions = pair + ".org $2000\n";
-const std::vector<std::string> window = {"-code-window", "4000-7FFF"};
+const std::string window = "-code-window 4000-7FFF";
 
 // Each source gives the segments behind it: addresses with a colon, bytes, and "z" with a number of zero bytes.
 void expectPlaces(const std::vector<std::pair<std::string, std::string>>& rows) {
@@ -119,7 +118,7 @@ TEST(Regions, GiveTheSameResultAsOnePiece) {
   for (bool split : {false, true}) {
     MemoryHost host;
     host.files["main.asm"] = (split ? ranges + "\n" : "") + program;
-    ASSERT_EQ(run(host, std::vector<std::string>{"kiln-as", "main.asm"}), 0) << host.standardError;
+    ASSERT_EQ(runLine(host, "main.asm"), 0) << host.standardError;
     Machine machine;
     ASSERT_TRUE(machine.loadXex(host.written["main.xex"]) && machine.run()) << machine.error;
     results[split] = {machine.a, machine.y, machine.p};

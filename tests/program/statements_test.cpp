@@ -16,7 +16,7 @@ struct Row {
   std::vector<std::string> undefined = {};  // the names that are warned of
 };
 
-void expectRows(const std::vector<Row>& rows, const std::vector<std::string>& options = {}) {
+void expectRows(const std::vector<Row>& rows, const std::string& options = "") {
   for (auto [source, hex, warnings] : rows) {
     for (std::string& warning : warnings)
       warning = "undefined symbol '" + warning + "', using 0";
@@ -89,7 +89,7 @@ TEST(Operands, SpellTheirAddressingMode) {
       {{"LDA z\nLDA Z\nLDA z+0\nLDA z,X\nLDX z,Y\nLDA w\nLDA n\nLDX n,Y", "A580AD8000AD8000B580B680AD0001ADFFFFBEFFFF"},
        {"LDA RTCLOK\nLDA rtclok\nLDA POKMSK\nLDA __bank_code_reg\nLDA __bank_data_reg", "A512AD1200AD3412A582AD01D3"},
        {"x = $80\nNOP\nRTCLOK: LDA RTCLOK\ny: LDA x\nLDX y,Y\n.space two", "EAA501AD8000BE03000000"}},
-      {"-Dz=$80", "-Dw=$100", "-Dn=$-1", "-Dtwo=2", "-DPOKMSK=$1234", "-code-reg", "82", "-data-reg", "D301"});
+      "-Dz=$80 -Dw=$100 -Dn=$-1 -Dtwo=2 -DPOKMSK=$1234 -code-reg 82 -data-reg D301");
 }
 
 // A line whose length has 33 bits, of which nothing is read.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/format.h"
+#include "base/text.h"
 #include "driver/run.h"
 #include "output/image.h"
 
@@ -44,15 +45,23 @@ std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, u
 
 std::string say(const std::string& text) { return "kiln-as: " + text + "\n"; }
 
+std::vector<std::string> words(std::string_view line) {
+  std::vector<std::string> result;
+  Fields fields(line, ' ');
+  for (std::string_view word; fields.next(word);)
+    result.emplace_back(word);
+  return result;
+}
+
+int runLine(MemoryHost& host, const std::string& line) { return run(host, words("kiln-as " + line)); }
+
 void expectRun(const Run& run, void (*prepare)(MemoryHost&)) {
   SCOPED_TRACE("source:\n" + run.source.substr(0, 2000));
   MemoryHost host;
   host.files = run.files;
   host.files.try_emplace("main.asm", run.source);
   if (prepare != nullptr) prepare(host);
-  std::vector<std::string> arguments = {"kiln-as"};
-  arguments.insert(arguments.end(), run.arguments.begin(), run.arguments.end());
-  EXPECT_EQ(kiln::run(host, arguments), run.status);
+  EXPECT_EQ(runLine(host, run.line), run.status);
   EXPECT_EQ(host.standardError, run.standardError);
   EXPECT_EQ(host.standardOutput, run.standardOutput);
   EXPECT_EQ(host.written, run.written);
@@ -67,31 +76,27 @@ std::string messages(const std::string& kind, const std::vector<std::string>& te
   return lines;
 }
 
-std::vector<std::string> withMain(const std::vector<std::string>& options) {
-  std::vector<std::string> arguments = options;
-  arguments.push_back("main.asm");
-  return arguments;
-}
+std::string withMain(const std::string& options) { return options.empty() ? "main.asm" : options + " main.asm"; }
 
 }  // namespace
 
 void expectCode(const std::string& source, const std::vector<std::pair<unsigned, std::string>>& segments,
-                const std::vector<std::string>& warnings, const std::vector<std::string>& options) {
+                const std::vector<std::string>& warnings, const std::string& options) {
   size_t size = 0;
   for (const auto& [address, hex] : segments)
     size += bytes(hex).size();
   const std::string count = std::to_string(segments.size()) + (segments.size() == 1 ? " segment)" : " segments)");
   expectRun({.source = source,
-             .arguments = withMain(options),
+             .line = withMain(options),
              .standardError = messages("warning", warnings) +
                               say("assembled 'main.asm' -> 'main.xex' (" + std::to_string(size) + " bytes, " + count),
              .written = {{"main.xex", xex(segments, segments.empty() ? 0x3400 : segments.front().first)}}});
 }
 
 void expectErrors(const std::string& source, const std::vector<std::string>& errors,
-                  const std::vector<std::string>& warnings, const std::vector<std::string>& options) {
+                  const std::vector<std::string>& warnings, const std::string& options) {
   expectRun({.source = source,
-             .arguments = withMain(options),
+             .line = withMain(options),
              .status = 1,
              .standardError = messages("warning", warnings) + messages("error", errors)});
 }

@@ -11,11 +11,11 @@
 
 namespace kiln::test {
 
-// One run. The source stands in "main.asm" and is assembled to "main.xex" unless the arguments say otherwise.
+// One run. The source stands in "main.asm" and is assembled to "main.xex" unless the command line says otherwise.
 struct Run {
   std::string source;
-  std::vector<std::string> arguments = {"main.asm"};  // behind the program's path
-  std::map<std::string, std::string> files = {};      // further files
+  std::string line = "main.asm";                  // behind the program's path
+  std::map<std::string, std::string> files = {};  // further files
   // What comes out.
   int status = 0;
   std::string standardError = "";
@@ -34,16 +34,22 @@ std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, u
 // "kiln-as: " and the text, as a line.
 std::string say(const std::string& text);
 
+// The arguments of a command line: between two spaces stands an empty one.
+std::vector<std::string> words(std::string_view line);
+
+// Runs a command line that lacks the program's path, and gives the exit status.
+int runLine(MemoryHost& host, const std::string& line);
+
 // Runs and compares. `prepare` may change the host before the run.
 void expectRun(const Run& run, void (*prepare)(MemoryHost&) = nullptr);
 
 // The source assembles to these segments and says nothing but the summary line, before which `warnings` are printed.
 // The first segment's address is the run address.
 void expectCode(const std::string& source, const std::vector<std::pair<unsigned, std::string>>& segments,
-                const std::vector<std::string>& warnings = {}, const std::vector<std::string>& options = {});
+                const std::vector<std::string>& warnings = {}, const std::string& options = "");
 
 // The source fails with these errors, behind these warnings.
 void expectErrors(const std::string& source, const std::vector<std::string>& errors,
-                  const std::vector<std::string>& warnings = {}, const std::vector<std::string>& options = {});
+                  const std::vector<std::string>& warnings = {}, const std::string& options = "");
 
 }  // namespace kiln::test
