@@ -48,7 +48,7 @@ std::string replaced(const std::string& text, const std::string& pattern, const 
 // "2000: A9 01", a line for each segment; a line that begins with a blank goes on with the segment above.
 std::string flatFile(const std::string& block) {
   const auto addresses = findAll(block, "(....):"), contents = findAll(block, ":((?: [^\n]*\n)+)");
-  std::vector<std::pair<unsigned, std::string>> segments;
+  Contents segments;
   for (size_t i = 0; i < addresses.size(); ++i)
     segments.emplace_back(std::stoul(addresses[i], nullptr, 16), contents.at(i));
   return xex(segments, segments.at(0).first);

@@ -136,7 +136,7 @@ TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
              .line = "-f prg main.asm",
              .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
              .written = {{"main.prg", bytes("F0FF010203040507000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
-  expectRun({".org 1", "-f prg main.asm", {}, 1, say("error: cannot write 'main.prg'")});
+  expectRun({".org 1", "-f prg main.asm", 1, say("error: cannot write 'main.prg'")});
 }
 
 TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {

@@ -17,7 +17,7 @@ const std::string window = "-code-window 4000-7FFF";
 // Each source gives the segments behind it: addresses with a colon, bytes, and "z" with a number of zero bytes.
 void expectPlaces(const std::vector<std::pair<std::string, std::string>>& rows) {
   for (const auto& [source, places] : rows) {
-    std::vector<std::pair<unsigned, std::string>> segments;
+    Contents segments;
     std::istringstream words(places);
     for (std::string word; words >> word;) {
       if (word.back() == ':') segments.emplace_back(std::stoul(word, nullptr, 16), "");

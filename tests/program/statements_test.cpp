@@ -20,12 +20,11 @@ void expectRows(const std::vector<Row>& rows, const std::string& options = "") {
   for (auto [source, hex, warnings] : rows) {
     for (std::string& warning : warnings)
       warning = "undefined symbol '" + warning + "', using 0";
-    std::vector<std::pair<unsigned, std::string>> segments;
-    if (!hex.empty()) segments = {{0, hex}};
+    const Contents segments = hex.empty() ? Contents{} : Contents{{0, hex}};
     expectCode(source, segments, warnings, options);
     // Blanks at the ends of lines change nothing, but long lines are looked at in another way than short ones.
-    expectCode(std::regex_replace(source + "\n", std::regex("\n"), std::string(41, ' ') + "\n"), segments, warnings,
-               options);
+    const std::string wide = std::regex_replace(source + "\n", std::regex("\n"), std::string(41, ' ') + "\n");
+    expectCode(wide, segments, warnings, options);
   }
 }
 

@@ -24,23 +24,14 @@ std::string hex(std::string_view bytes) {
   return text;
 }
 
-std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, unsigned runAddress) {
+std::string xex(const Contents& segments, unsigned runAddress) {
+  const auto word = [](size_t value) { return std::string{static_cast<char>(value), static_cast<char>(value >> 8)}; };
   std::string file = "\xFF\xFF";
-  const auto word = [&file](size_t value) {
-    file.push_back(static_cast<char>(value & 0xFF));
-    file.push_back(static_cast<char>(value >> 8 & 0xFF));
-  };
   for (const auto& [address, hex] : segments) {
     const std::string content = bytes(hex);
-    if (content.empty()) continue;
-    word(address);
-    word(address + content.size() - 1);
-    file += content;
+    if (!content.empty()) file += word(address) + word(address + content.size() - 1) + content;
   }
-  word(0x02E0);
-  word(0x02E1);
-  word(runAddress);
-  return file;
+  return file + word(0x02E0) + word(0x02E1) + word(runAddress);
 }
 
 std::string say(const std::string& text) { return "kiln-as: " + text + "\n"; }
@@ -55,15 +46,13 @@ std::vector<std::string> words(std::string_view line) {
 
 int runLine(MemoryHost& host, const std::string& line) { return run(host, words("kiln-as " + line)); }
 
-void expectRun(const Run& run, void (*prepare)(MemoryHost&)) {
+void expectRun(const Run& run) {
   SCOPED_TRACE("source:\n" + run.source.substr(0, 2000));
   MemoryHost host;
-  host.files = run.files;
-  host.files.try_emplace("main.asm", run.source);
-  if (prepare != nullptr) prepare(host);
+  host.files["main.asm"] = run.source;
   EXPECT_EQ(runLine(host, run.line), run.status);
   EXPECT_EQ(host.standardError, run.standardError);
-  EXPECT_EQ(host.standardOutput, run.standardOutput);
+  EXPECT_EQ(host.standardOutput, "");
   EXPECT_EQ(host.written, run.written);
 }
 
@@ -80,8 +69,8 @@ std::string withMain(const std::string& options) { return options.empty() ? "mai
 
 }  // namespace
 
-void expectCode(const std::string& source, const std::vector<std::pair<unsigned, std::string>>& segments,
-                const std::vector<std::string>& warnings, const std::string& options) {
+void expectCode(const std::string& source, const Contents& segments, const std::vector<std::string>& warnings,
+                const std::string& options) {
   size_t size = 0;
   for (const auto& [address, hex] : segments)
     size += bytes(hex).size();

@@ -14,12 +14,10 @@ namespace kiln::test {
 // One run. The source stands in "main.asm" and is assembled to "main.xex" unless the command line says otherwise.
 struct Run {
   std::string source;
-  std::string line = "main.asm";                  // behind the program's path
-  std::map<std::string, std::string> files = {};  // further files
+  std::string line = "main.asm";  // behind the program's path
   // What comes out.
   int status = 0;
   std::string standardError = "";
-  std::string standardOutput = "";
   std::map<std::string, std::string> written = {};
 };
 
@@ -28,8 +26,11 @@ std::string bytes(const std::string& hex);
 // The other way: "A9 01 ".
 std::string hex(std::string_view bytes);
 
-// A flat XEX file: each segment's address and bytes, then the run address.
-std::string xex(const std::vector<std::pair<unsigned, std::string>>& segments, unsigned runAddress);
+// The segments of a flat file: their addresses, and their bytes in hexadecimal.
+using Contents = std::vector<std::pair<unsigned, std::string>>;
+
+// A flat XEX file of these segments, then the run address.
+std::string xex(const Contents& segments, unsigned runAddress);
 
 // "kiln-as: " and the text, as a line.
 std::string say(const std::string& text);
@@ -40,13 +41,13 @@ std::vector<std::string> words(std::string_view line);
 // Runs a command line that lacks the program's path, and gives the exit status.
 int runLine(MemoryHost& host, const std::string& line);
 
-// Runs and compares. `prepare` may change the host before the run.
-void expectRun(const Run& run, void (*prepare)(MemoryHost&) = nullptr);
+// Runs and compares.
+void expectRun(const Run& run);
 
 // The source assembles to these segments and says nothing but the summary line, before which `warnings` are printed.
 // The first segment's address is the run address.
-void expectCode(const std::string& source, const std::vector<std::pair<unsigned, std::string>>& segments,
-                const std::vector<std::string>& warnings = {}, const std::string& options = "");
+void expectCode(const std::string& source, const Contents& segments, const std::vector<std::string>& warnings = {},
+                const std::string& options = "");
 
 // The source fails with these errors, behind these warnings.
 void expectErrors(const std::string& source, const std::vector<std::string>& errors,

@@ -42,11 +42,11 @@ std::string write(const Segments& segments, const BankedSettings& settings, cons
 BankedSettings registers(uint32_t code, uint32_t data) { return {.codeBankRegister = code, .dataBankRegister = data}; }
 
 BankedSettings split(uint32_t dataLow = 0x6000, uint32_t dataHigh = 0x6FFF) {
-  BankedSettings settings = registers(0x82, 0x83);
-  settings.splitBank = true;
-  settings.dataWindowLow = dataLow;
-  settings.dataWindowHigh = dataHigh;
-  return settings;
+  return {.codeBankRegister = 0x82,
+          .dataBankRegister = 0x83,
+          .splitBank = true,
+          .dataWindowLow = dataLow,
+          .dataWindowHigh = dataHigh};
 }
 
 BankedSettings regc(BankedSettings settings) {
