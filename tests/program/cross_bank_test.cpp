@@ -59,13 +59,6 @@ Built build(const Banking& banking, const std::string& source) {
   return built;
 }
 
-std::string memory(const Machine& machine, int from, size_t count) {
-  std::string text;
-  while (text.size() < count)
-    text.push_back(static_cast<char>(machine.peek(from++)));
-  return text;
-}
-
 // Calls first in bank one, which calls second in bank two. Both note how they are entered, and main how they return.
 std::string nestedCalls(const Banking& banking) {
   return "    .org $2000\n"
@@ -104,14 +97,14 @@ TEST(CrossBank, CallsChangeNothingEvenWhereCallsInterruptThem) {
       Machine hit = machine;
       hit.nmi(0x3000);
       ASSERT_TRUE(hit.finishCall()) << hit.error << ", interrupt " << interrupts;
-      ASSERT_EQ(memory(hit, 0x0600, 0x16), expectedNotes) << "interrupt " << interrupts;
-      ASSERT_EQ(memory(hit, 0x0630, 3), std::string("\1\2\0", 3)) << "interrupt " << interrupts;
+      ASSERT_EQ(hit.memory(0x0600, 0x16), expectedNotes) << "interrupt " << interrupts;
+      ASSERT_EQ(hit.memory(0x0630, 3), std::string("\1\2\0", 3)) << "interrupt " << interrupts;
       ASSERT_EQ(hit.s, 0xFF);
       for (const BankWindow& window : banking.windows)
         ASSERT_EQ(hit.peek(window.registerLow) + hit.peek(window.registerHigh), 0);
       ASSERT_TRUE(machine.step()) << machine.error;
     }
-    EXPECT_EQ(memory(machine, 0x0600, 0x16), expectedNotes);
+    EXPECT_EQ(machine.memory(0x0600, 0x16), expectedNotes);
     EXPECT_GT(interrupts, 200);
   }
 }
@@ -142,7 +135,7 @@ TEST(CrossBank, CallsNestAndOverflowHarmsOnlyTheOldestReturns) {
   std::string expected;
   for (int level = 64; level >= 1; --level)
     expected.push_back(static_cast<char>((level - 1) % 3 + 1));
-  EXPECT_EQ(memory(machine, 0x0700, 64), expected);
+  EXPECT_EQ(machine.memory(0x0700, 64), expected);
   EXPECT_EQ(machine.peek(0x0621), 64);
 
   expectWritesToOwnDataOnly(machine);
@@ -160,7 +153,7 @@ TEST(CrossBank, JumpsAreTailCalls) {
       "    .bank e\na3: PHA : JSR alias : PLA : ADC #0 : JMP back\n";
   Machine machine = build(plain, source).machine;
   ASSERT_TRUE(machine.run()) << machine.error;
-  EXPECT_EQ(memory(machine, 0x0600, 2), std::string("\3\0", 2));
+  EXPECT_EQ(machine.memory(0x0600, 2), std::string("\3\0", 2));
 }
 
 TEST(CrossBank, EndlessJumpsFillNothing) {

@@ -218,6 +218,13 @@ void Machine::poke(int address, int value) {
   if (!showsRom(word(address))) memory_[placeOf(word(address))] = byte(value);
 }
 
+std::string Machine::memory(int from, size_t count) const {
+  std::string bytes;
+  while (bytes.size() < count)
+    bytes.push_back(static_cast<char>(peek(from++)));
+  return bytes;
+}
+
 bool Machine::fail(std::string text) {
   error = std::move(text);
   return false;

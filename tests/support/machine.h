@@ -56,6 +56,7 @@ class Machine {
   uint8_t peek(int address) const;
   uint16_t peekWord(int address) const;
   void poke(int address, int value);
+  std::string memory(int from, size_t count) const;
 
   // Loads an Atari binary-load file, calling each init address as its segment has been loaded. False with `error`
   // set when the file is malformed or an init routine fails.

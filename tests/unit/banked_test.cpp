@@ -9,7 +9,7 @@
 #include "output/preload.h"
 #include "support/program.h"
 
-namespace kiln {
+namespace kiln::test {
 namespace {
 
 using Segments = std::vector<AsSegment>;
@@ -23,7 +23,7 @@ const std::string end = "E0 02 E1 02 34 12 ";  // runs $1234
 std::string preload(const std::string& routine) {
   Image header;
   appendRangeHeader(header, 0x03FD, 0x03FD + static_cast<uint32_t>(routine.size()) / 3 - 1);
-  const std::string once = test::hex(test::joined(header.parts())) + routine;
+  const std::string once = hex(joined(header.parts())) + routine;
   return once + "E2 02 E3 02 FD 03 " + once;
 }
 
@@ -34,9 +34,9 @@ std::string bank(const std::string& show, const std::string& segment, const std:
 
 // The errors, and the file or "nothing".
 std::string write(const Segments& segments, const BankedSettings& settings, const ShadowPlan& plan = {}) {
-  test::MemoryHost console;
+  MemoryHost console;
   const std::optional<Image> image = writeBanked(segments, plan, settings, 0x1234, console);
-  return console.standardError + (image ? test::hex(test::joined(image->parts())) : "nothing");
+  return console.standardError + (image ? hex(joined(image->parts())) : "nothing");
 }
 
 BankedSettings registers(uint32_t code, uint32_t data) { return {.codeBankRegister = code, .dataBankRegister = data}; }
@@ -85,7 +85,7 @@ TEST(Banked, splitAndRegcBanksStoreToTheirOwnRegisters) {
             data + bank("A9 01 85 84 A9 00 8D FF D5 ", "00 50 00 50 02 ", "A9 00 85 84 8D FF D5 ") + rest);
   Image image;
   BankPreload(settings).appendSelect(image, {BankKind::Regc, 0x203});
-  EXPECT_EQ(test::hex(test::joined(image.parts())), preload("A9 03 85 84 A9 02 8D FF D5 60 "));
+  EXPECT_EQ(hex(joined(image.parts())), preload("A9 03 85 84 A9 02 8D FF D5 60 "));
 }
 
 // The kind and the number of every segment, given by start and own number.
@@ -132,8 +132,8 @@ TEST(BankCounters, eachEndOfTheWindowHasItsDefaultAndNumbersWrap) {
 
 TEST(Banked, cloakedSegmentsAreLeftOutAndBankedOnesNeedARegister) {
   const std::string reason = "cloaked segments are only supported on xe-family targets (xeBankMask = 0); ignoring ";
-  const std::string unnumbered = test::say(reason + "2 segment(s)");
-  const std::string numbered = test::say("numbered-bank " + reason + "1 segment(s)");
+  const std::string unnumbered = say(reason + "2 segment(s)");
+  const std::string numbered = say("numbered-bank " + reason + "1 segment(s)");
   const std::string missing =
       "kiln-as: banked output requires a code bank register from the layout (registers = <code>, <data>); none set — "
       "there is no $82 default\nnothing";
@@ -145,11 +145,11 @@ TEST(Banked, cloakedSegmentsAreLeftOutAndBankedOnesNeedARegister) {
 
 // Accepted with `size` bytes; with one more it is refused with this message, of which the first sentence counts.
 void expectLimit(uint32_t at, const BankedSettings& settings, size_t size, const std::string& message) {
-  test::MemoryHost console;
+  MemoryHost console;
   EXPECT_TRUE(writeBanked({{at, std::vector<uint8_t>(size)}}, {}, settings, 0, console));
   EXPECT_EQ(console.standardError, "");
   const std::string refused = write({{at, std::vector<uint8_t>(size + 1)}}, settings);
-  EXPECT_EQ(std::regex_replace(refused, std::regex("[.] .*"), ""), test::say(message) + "nothing");
+  EXPECT_EQ(std::regex_replace(refused, std::regex("[.] .*"), ""), say(message) + "nothing");
 }
 
 TEST(Banked, segmentsMustFitTheirBank) {
@@ -195,4 +195,4 @@ TEST(Banked, shadowCodeIsStagedBetweenTwoLooksAtMainMemory) {
 }
 
 }  // namespace
-}  // namespace kiln
+}  // namespace kiln::test

@@ -8,7 +8,7 @@
 #include "support/machine.h"
 #include "support/program.h"
 
-namespace kiln {
+namespace kiln::test {
 namespace {
 
 // Bytes that repeat nowhere within two pages.
@@ -23,61 +23,56 @@ TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
   const std::vector<uint8_t> large = counting(0x2B1, 3), page = counting(0x100, 7), single = {0x5A};
   Image image;
   appendWord(image, 0xFFFF);
-  test::MemoryHost console;
+  MemoryHost console;
   ASSERT_TRUE(stageShadow(image, 0x34F3, {{0xD8F0, large}, {0xC000, page}, {0xD900, single}}, console));
 
-  test::Machine machine;
+  Machine machine;
   machine.osRom = true;
-  machine.p = test::Machine::alwaysSet | test::Machine::carry;
+  machine.p = Machine::alwaysSet | Machine::carry;
   machine.poke(0xD301, 0xFD);
   std::vector<uint8_t> interrupts, ports;
   machine.onWrite = [&](uint16_t address, uint8_t value) {
     if (address == 0xD40E) interrupts.push_back(value);
     if (address == 0xD301) ports.push_back(value);
   };
-  ASSERT_TRUE(machine.loadXex(test::joined(image.parts()))) << machine.error;
+  ASSERT_TRUE(machine.loadXex(joined(image.parts()))) << machine.error;
 
   machine.osRom = false;  // for a look at what is behind it
-  for (size_t i = 0; i <= large.size(); ++i) {
-    const uint8_t expected = i == 0x10 ? 0x5A : i < large.size() ? large[i] : 0;  // the third lies in the first
-    ASSERT_EQ(machine.peek(static_cast<int>(0xD8F0 + i)), expected) << i;
-  }
-  for (size_t i = 0; i <= page.size(); ++i)
-    ASSERT_EQ(machine.peek(static_cast<int>(0xC000 + i)), i < page.size() ? page[i] : 0) << i;
+  std::string copied(large.begin(), large.end());
+  copied[0x10] = 0x5A;  // the third lies in the first
+  EXPECT_EQ(machine.memory(0xD8F0, large.size() + 1), copied + '\0');
+  EXPECT_EQ(machine.memory(0xC000, page.size() + 1), std::string(page.begin(), page.end()) + '\0');
   EXPECT_EQ(interrupts, (std::vector<uint8_t>{0, 0x40}));
   EXPECT_EQ(ports, (std::vector<uint8_t>{0xFC, 0xFD}));
-  EXPECT_EQ(machine.p, test::Machine::alwaysSet | test::Machine::carry);
+  EXPECT_EQ(machine.p, Machine::alwaysSet | Machine::carry);
   EXPECT_EQ(machine.s, 0xFF);
 }
 
 TEST(Shadow, itMustEndBelowTheTop) {
-  const auto screenRam = [](const std::string& range, const std::string& size) {
-    return test::say("warning: shadow staging segment " + range + " extends " + size + " bytes");
+  const auto screenRam = [](const std::string& segment) {
+    return say("warning: shadow staging segment " + segment + " bytes");
   };
-  const auto overflows = [](const std::string& stage) {
-    return test::say("shadow staging payload at " + stage + " overflows 64 KB");
-  };
-  const std::string tooLong = test::say("shadow staging payload at $FF86 is 123 bytes");
+  const auto fails = [](const std::string& payload) { return say("shadow staging payload at " + payload); };
   const std::vector<uint8_t> bytes = counting(8, 1);
+  // Stub, table and bytes are 121 + 7 = 128 for one piece, 127 + 1 for two.
   const struct {
     uint32_t stage;
     std::vector<size_t> sizes;  // of the pieces
     bool fits;
     std::string errors;  // up to their sizes
-  } rows[] = {           // Stub, table and bytes: 121 + 7 = 128 for one piece, 127 + 1 for two.
-              {0x7F80, {7}, true, ""},
-              {0x7F80, {8}, true, screenRam("$7F80-$8000", "1")},
-              {0x7F80, {1, 1}, true, screenRam("$7F80-$8000", "1")},
+  } rows[] = {{0x7F80, {7}, true, ""},
+              {0x7F80, {8}, true, screenRam("$7F80-$8000 extends 1")},
+              {0x7F80, {1, 1}, true, screenRam("$7F80-$8000 extends 1")},
               // The first byte of the piece at $FFFF, and at $10000.
-              {0xFF86, {1}, true, screenRam("$FF86-$FFFF", "32768")},
-              {0xFF86, {2}, false, screenRam("$FF86-$10000", "32769") + tooLong},
-              {0xFF87, {1}, false, screenRam("$FF87-$10000", "32769") + overflows("$FF87")},
-              {0xFF80, {1, 1}, false, screenRam("$FF80-$10000", "32769") + overflows("$FF80")}};
+              {0xFF86, {1}, true, screenRam("$FF86-$FFFF extends 32768")},
+              {0xFF86, {2}, false, screenRam("$FF86-$10000 extends 32769") + fails("$FF86 is 123 bytes")},
+              {0xFF87, {1}, false, screenRam("$FF87-$10000 extends 32769") + fails("$FF87 overflows 64 KB")},
+              {0xFF80, {1, 1}, false, screenRam("$FF80-$10000 extends 32769") + fails("$FF80 overflows 64 KB")}};
   for (const auto& row : rows) {
     std::vector<Piece> pieces;
     for (size_t size : row.sizes)
       pieces.push_back({0xC000, std::span(bytes).first(size)});
-    test::MemoryHost console;
+    MemoryHost console;
     Image image;
     EXPECT_EQ(stageShadow(image, row.stage, pieces, console), row.fits);
     EXPECT_EQ(std::regex_replace(console.standardError, std::regex("(bytes|KB).*"), "$1"), row.errors);
@@ -86,4 +81,4 @@ TEST(Shadow, itMustEndBelowTheTop) {
 }
 
 }  // namespace
-}  // namespace kiln
+}  // namespace kiln::test
