@@ -234,7 +234,7 @@ bool Machine::loadSegment(uint16_t first, std::string_view bytes) {
   int address = first;
   for (const char c : bytes)
     poke(address++, static_cast<uint8_t>(c));
-  const Segment& segment = segments.emplace_back(first, word(address - 1));
+  const Segment& segment = segments.emplace_back(Segment{first, word(address - 1)});
   const auto holds = [&segment](uint16_t vector) { return segment.first <= vector + 1 && segment.last >= vector; };
   if (holds(runVector)) runAddress = peekWord(runVector);
   if (!holds(initVector)) return true;
