@@ -109,8 +109,9 @@ TEST(Symbols, AreFoundAmongThousandsOfNamesThatLookAlike) {
       names.push_back(prefix + "[[[[[[[[[[[[[[x");
       names.push_back(prefix + "abcdefghijklmn");
       for (unsigned bit = 0; bit < 14; ++bit) {
-        names[2 * i][prefix.size() + bit] ^= i >> bit & 1 ? ' ' : 0;
-        names[2 * i + 1][prefix.size() + bit] ^= i >> bit & 1 ? ' ' : 0;
+        const char changed = (i >> bit & 1) != 0 ? ' ' : '\0';
+        names[2 * i][prefix.size() + bit] ^= changed;
+        names[2 * i + 1][prefix.size() + bit] ^= changed;
       }
     }
     SymbolTable symbols;

@@ -65,11 +65,11 @@ void prepare(Machine& machine) {
 // False with machine.error set when the program cannot run.
 bool runProgram(Machine& machine, std::string_view file, uint64_t maxSteps) {
   if (!machine.loadXex(file)) return false;
-  if (!machine.runAddress.has_value()) {
+  if (machine.runAddress == 0) {
     machine.error = "no run address";
     return false;
   }
-  machine.beginCall(*machine.runAddress);
+  machine.beginCall(machine.runAddress);
   for (uint64_t steps = 0; steps < maxSteps && !machine.returned(); ++steps) {
     const uint16_t before = machine.pc;
     if (!machine.step()) return false;
@@ -184,9 +184,8 @@ class Screen {
   bool interrupt() {
     if ((machine_.peek(nmien) & 0x80) == 0) return true;
     machine_.poke(vcount, static_cast<uint8_t>((firstLine + line_ - 1) / 2));
-    machine_.nmiVector = machine_.peekWord(vdslst);
     const uint8_t stack = machine_.s;
-    machine_.nmi();
+    machine_.nmi(machine_.peekWord(vdslst));
     for (uint64_t steps = 0; machine_.s != stack; ++steps) {
       if (machine_.step() && steps < maxInterruptSteps) continue;
       error = "the display-list interrupt does not return; " + machine_.error;
