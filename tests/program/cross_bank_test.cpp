@@ -26,12 +26,16 @@ const Banking split{"-b --split-bank -code-reg 82 -data-reg 83 -code-window 4000
                     "",
                     "    .org $6000\n    .byte 9\n",
                     "    .org $5000\n    .byte 8\n    .org $6000\n    .byte 7\n"};
-const Banking regc{"-L main.lnk",
-                   {{0x4000, 0x7FFF, 0xD510, 0xD511}},
-                   "[banking]\nwindow = $4000-$7FFF\nregisters = $82, $83\nregcwindow = $4000-$7FFF\n"
-                   "regcreg = $D510-$D511\n",
-                   "",
-                   "    .org $5000\n    .byte 8\n"};
+Banking regc(const std::string& registers, const BankWindow& window) {
+  return {
+      "-L main.lnk",
+      {window},
+      "[banking]\nwindow = $4000-$7FFF\nregisters = $82, $83\nregcwindow = $4000-$7FFF\nregcreg = " + registers + "\n",
+      "",
+      "    .org $5000\n    .byte 8\n"};
+}
+const Banking regcPair = regc("$D510-$D511", {0x4000, 0x7FFF, 0xD510, 0xD511});
+const Banking regcSingle = regc("$D510", {0x4000, 0x7FFF, 0xD510});
 
 Banking manyBanks(int count = 300) {
   Banking banking = plain;
@@ -89,9 +93,10 @@ TEST(CrossBank, CallsChangeNothingEvenWhereCallsInterruptThem) {
       "handler: PHA : TXA : PHA : TYA : PHA : LDA __bank_current : PHA : JSR tick : JSR tock\n"
       "    PLA : CMP __bank_current : BEQ .same : INC $0632\n"
       ".same: PLA : TAY : PLA : TAX : PLA : RTI\n";
-  for (const Banking& banking : {plain, absolute, split, regc, manyBanks()}) {
+  for (const Banking& banking : {plain, absolute, split, regcPair, regcSingle, manyBanks()}) {
     SCOPED_TRACE(banking.options + banking.layout);
     Machine machine = build(banking, nestedCalls(banking) + handler).machine;
+    machine.onWrite = [](uint16_t address, uint8_t) { EXPECT_NE(address, 0); };  // a register that is none
     int interrupts = 0;
     for (machine.beginCall(0x2000); !machine.returned(); ++interrupts) {
       Machine hit = machine;
