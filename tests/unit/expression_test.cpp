@@ -103,7 +103,7 @@ TEST_F(Expression, OfAnyLengthAndDepthIsEvaluatedInReasonableTimeAndStack) {
 
 // All have the same loose hash; those of letters are the same name in other cases, those of brackets are not.
 TEST(Symbols, AreFoundAmongThousandsOfNamesThatLookAlike) {
-  for (const std::string prefix : {"", "behind_a_rather_long_beginning_"}) {
+  for (const std::string prefix : {"", "begin", "behind_a_rather_long_beginning_"}) {
     std::vector<std::string> names;
     for (unsigned i = 0; i < 0x4000; ++i) {
       names.push_back(prefix + "[[[[[[[[[[[[[[x");
