@@ -23,7 +23,6 @@ void parseAndLayOut(Assembler& assembler) {
   std::vector<AsLine> room;
   if (assembler.iteration.has_value()) room = std::move(assembler.iteration->statements);
   room.clear();
-  assembler.iteration.reset();
   Iteration& iteration = assembler.iteration.emplace(assembler.diagnostics.warnings);
   iteration.statements = std::move(room);
   enterInitialSymbols(assembler.settings, iteration.symbols);

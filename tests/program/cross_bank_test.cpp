@@ -233,7 +233,8 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
            {"\"\"\"x", "    .string \"\"\"x : JMP _kxb_1 : \" ; xbank"},
            {"(vector)", "    JSR near : JMP (vector) : JSR $4000 : JSR near2"},
            {".deep : ", "    JSR far : JMP .deep : JSR near"},
-           {"other", "other: JSR _kxb_2 ; xbank"}})
+           {"other", "other: JSR _kxb_2 ; xbank"},
+           {"STX $", "    STX $82 ; xbank"}})
     EXPECT_EQ(listed(listing, part, 21), line);
   // Nothing to switch with, nothing to stage.
   const Banking withoutRegister{"-code-window 4000-5FFF", {}};
