@@ -94,7 +94,7 @@ void BankMapper::place(const AsLine& line) {
     open(low16(settings_.bankWindowLow), static_cast<int32_t>(number), false);
     named_ = true;
   } else if (line.kind == Kind::CloakedSegment) {
-    open(low16(evaluator_.evaluate(line.operand.text().substr(0, line.operand.text().find(',')))), -1, true);
+    open(low16(evaluator_.evaluate(line.firstItem())), -1, true);
   } else if (line.kind == Kind::CloakedSegmentEnd) {
     cursor_.close();
     cloaked_ = false;

@@ -138,7 +138,7 @@ void LayoutPass::layOutByKind(AsLine& line) {
       selectBank(line);
       break;
     case Kind::CloakedSegment:
-      moveTo(low16(evaluator.evaluate(line.operand.text().substr(0, line.operand.text().find(',')))));
+      moveTo(low16(evaluator.evaluate(line.firstItem())));
       guard_.suspend(true);
       break;
     case Kind::CloakedSegmentEnd:

@@ -117,6 +117,8 @@ struct AsLine {
   bool autoSpill : 1 = false;         // inserted by the code-region spill; no source line shows it
 
   DataItems items() const { return DataItems(operand); }
+  // The operand up to its first comma, which is the address of CloakedSegment.
+  std::string_view firstItem() const { return operand.text().substr(0, operand.text().find(',')); }
   // What stands on the left and on the right of the first equals sign of Assign.
   std::string_view assignName() const { return trim(operand.text().substr(0, operand.text().find('='))); }
   std::string_view assignValue() const { return trim(operand.text().substr(operand.text().find('=') + 1)); }
