@@ -18,8 +18,8 @@ std::string_view trimWhitespace(std::string_view text) {
 }
 
 std::string_view withoutEnclosing(std::string_view text, char open, char close) {
-  if (text.size() < 2 || text.front() != open || text.back() != close) return text;
-  return text.substr(1, text.size() - 2);
+  if (text.empty() || text.front() != open || text.back() != close) return text;
+  return text.size() == 1 ? "" : text.substr(1, text.size() - 2);
 }
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) {

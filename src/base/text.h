@@ -49,7 +49,8 @@ constexpr std::string_view trim(std::string_view text) { return trimRight(trimLe
 // As trim, but takes every ASCII white space away, line ends included.
 std::string_view trimWhitespace(std::string_view text);
 
-// Without its first and last character when they are `open` and `close`, which must be two characters of the text.
+// Without its first and last character when they are `open` and `close`. A single character may be both: then nothing
+// is left.
 std::string_view withoutEnclosing(std::string_view text, char open, char close);
 
 bool equalIgnoringCase(std::string_view a, std::string_view b);

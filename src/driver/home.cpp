@@ -17,7 +17,8 @@ constexpr size_t longestVariable = 4095;
 std::optional<std::string> cleanVariable(const Host& host, const std::string& name) {
   const std::optional<std::string> value = host.environment(name);
   if (!value.has_value() || value->size() > longestVariable) return std::nullopt;
-  std::string clean(withoutEnclosing(trim(*value), '"', '"'));
+  const std::string_view trimmed = trim(*value);
+  std::string clean(trimmed.size() < 2 ? trimmed : withoutEnclosing(trimmed, '"', '"'));
   std::replace(clean.begin(), clean.end(), '\\', '/');
   if (clean.empty()) return std::nullopt;
   return clean;

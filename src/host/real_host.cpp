@@ -72,7 +72,10 @@ bool readStatus(const std::string& path, struct stat& status) {
   return isNameable(path) && ::stat(path.c_str(), &status) == 0;
 }
 
-// A new file beside the one that it shall become, taken away again unless it does.
+// True when the last call failed because the folder, or its file system, lets nobody make or rename a file in it.
+bool isForbidden() { return errno == EACCES || errno == EPERM || errno == EROFS; }
+
+// A new file beside the one that it shall become, removed again unless it does.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& target) {
@@ -83,32 +86,38 @@ class TemporaryFile {
       file_ = FileDescriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
       if (!file_.isOpen() && errno != EEXIST) break;
     }
+    isTemporary_ = file_.isOpen();
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
-    if (isCreated_) ::unlink(path_.c_str());
+    if (isTemporary_) ::unlink(path_.c_str());
   }
 
-  bool write(std::span<const std::string_view> parts) {
-    isCreated_ = file_.isOpen();
-    return isCreated_ && writeAll(file_.number(), parts);
-  }
+  // When this is false, errno says why.
+  bool isOpen() const { return file_.isOpen(); }
+  bool write(std::span<const std::string_view> parts) { return writeAll(file_.number(), parts); }
   bool setMode(mode_t mode) { return ::fchmod(file_.number(), mode) == 0; }
+  bool close() { return file_.close(); }
+  // When this is false, errno says why.
   bool become(const std::string& target) {
-    if (!file_.close() || ::rename(path_.c_str(), target.c_str()) != 0) return false;
-    isCreated_ = false;
-    return true;
+    isTemporary_ = ::rename(path_.c_str(), target.c_str()) != 0;
+    return !isTemporary_;
   }
 
  private:
   std::string path_;
   FileDescriptor file_{-1};
-  bool isCreated_ = false;
+  bool isTemporary_ = false;
 };
 
 int openFile(const std::string& path, int flags) {
   return isNameable(path) ? ::open(path.c_str(), flags | O_CLOEXEC, 0666) : -1;
+}
+
+bool writeThrough(const std::string& path, int flags, std::span<const std::string_view> parts) {
+  FileDescriptor file(openFile(path, O_WRONLY | O_TRUNC | flags));
+  return file.isOpen() && writeAll(file.number(), parts) && file.close();
 }
 
 }  // namespace
@@ -149,21 +158,21 @@ bool RealHost::isDirectory(const std::string& path) const {
   return readStatus(path, status) && S_ISDIR(status.st_mode);
 }
 
-// A file of its own is written beside and renamed, so that there is the old one or the new one and nothing between.
-// Devices, pipes and links are there to be written through; a link keeps its other names.
+// A regular file is written beside its target and renamed, so that there is the old one or the new one and nothing in
+// between. Devices, pipes and links are there to be written through; a link keeps its other names. A file that may be
+// written, in a folder where none may be made or renamed, is written in place.
 bool RealHost::writeFile(const std::string& path, std::span<const std::string_view> parts) {
   if (!isNameable(path) || path.empty()) return false;
   struct stat status {};
   const bool isThere = ::lstat(path.c_str(), &status) == 0;
-  if (isThere && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) {
-    FileDescriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
-    return file.isOpen() && writeAll(file.number(), parts) && file.close();
-  }
+  if (isThere && (!S_ISREG(status.st_mode) || status.st_nlink > 1)) return writeThrough(path, O_CREAT, parts);
   if (isThere && ::access(path.c_str(), W_OK) != 0) return false;
   TemporaryFile file(path);
+  if (!file.isOpen()) return isThere && isForbidden() && writeThrough(path, 0, parts);
   if (!file.write(parts)) return false;
   if (isThere && !file.setMode(status.st_mode & 07777)) return false;
-  return file.become(path);
+  if (!file.close()) return false;
+  return file.become(path) || (isThere && isForbidden() && writeThrough(path, 0, parts));
 }
 
 std::optional<std::vector<std::string>> RealHost::listDirectory(const std::string& path) const {

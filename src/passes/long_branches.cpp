@@ -23,7 +23,28 @@
 namespace kiln {
 namespace {
 
-bool isBranchStatement(const AsLine& line) { return line.mode == Mode::Relative && line.kind == Kind::Instruction; }
+// A branch at its address, 0..65535.
+struct Branch {
+  const AsLine* line;
+  uint32_t address;
+};
+
+// The branches with an operand. All origins are evaluated here, before any branch is: their warnings come first.
+std::vector<Branch> findBranches(Iteration& iteration, uint32_t bankOrigin) {
+  std::vector<Branch> branches;
+  uint32_t address = 0;
+  for (const AsLine& line : iteration.statements) {
+    if (line.kind == Kind::Org) {
+      address = low16(iteration.evaluator.evaluate(line.operand));
+    } else if (line.kind == Kind::Bank) {
+      address = bankOrigin;
+    } else {
+      if (line.kind == Kind::Instruction && line.mode == Mode::Relative) branches.push_back({&line, address});
+      address = (address + line.size) & 0xFFFF;
+    }
+  }
+  return branches;
+}
 
 bool reaches(int64_t target, uint32_t address) {
   const int32_t distance = low16Signed(wrappingSubtract(target, int64_t{address} + 2));
@@ -44,26 +65,14 @@ std::vector<std::string_view> replacement(const AsLine& branch, uint32_t& labelC
 std::vector<LineEdit> rewriteLongBranches(Iteration& iteration, uint32_t bankOrigin, uint32_t& labelCount,
                                           TextStore& texts) {
   std::vector<LineEdit> edits;
-  uint32_t address = 0;
-  LookAhead ahead(iteration.symbols, iteration.statements,
-                  [](const AsLine& line) { return isBranchStatement(line) ? line.operand : HashedText(); });
-  for (const AsLine& line : iteration.statements) {
+  const std::vector<Branch> branches = findBranches(iteration, bankOrigin);
+  LookAhead ahead(iteration.symbols, branches, [](const Branch& branch) { return branch.line->operand; });
+  for (const auto& [line, address] : branches) {
     ahead.step();
-    if (line.kind == Kind::Org) {
-      address = low16(iteration.evaluator.evaluate(line.operand));
-      continue;
-    }
-    if (line.kind == Kind::Bank) {
-      address = bankOrigin;
-      continue;
-    }
-    const uint32_t start = address;
-    address = (address + line.size) & 0xFFFF;
-    if (!isBranchStatement(line)) continue;
-    if (reaches(iteration.evaluator.evaluate(line.operand, line.operand.hash()), start)) continue;
-    const size_t index = line.lineNumber - 1;
+    if (reaches(iteration.evaluator.evaluate(line->operand, line->operand.hash()), address)) continue;
+    const size_t index = line->lineNumber - 1;
     if (!edits.empty() && edits.back().index == index) continue;
-    edits.push_back({index, replacement(line, labelCount, texts)});
+    edits.push_back({index, replacement(*line, labelCount, texts)});
   }
   return edits;
 }

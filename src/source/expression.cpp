@@ -242,19 +242,19 @@ int64_t Evaluator::evaluateLeaf(std::string_view text) {
 
 int64_t Evaluator::evaluateName(std::string_view text) {
   const bool trailingH = isTrailingHLiteral(text);
-  const std::string_view withoutLast = text.substr(0, text.size() - 1);
-  if (Symbol* const symbol = symbols_.find(text)) {
-    if (trailingH && !symbol->ambiguityWarned) {
-      symbol->ambiguityWarned = true;
-      warnings_.add({"label '", text,
-                     "' is ambiguous with Z80-style hex literal; resolving to the label — rename it or "
-                     "use $",
-                     withoutLast, " to silence this warning"});
-    }
+  if (const Symbol* const symbol = symbols_.find(text)) {
+    if (trailingH) warnOfAmbiguity(symbol->name);
     return symbol->value;
   }
-  if (trailingH) return parseRadix(withoutLast, 16);
+  if (trailingH) return parseRadix(text.substr(0, text.size() - 1), 16);
   return isDecimalLiteral(text) ? parseDecimal(text) : evaluateUnknownName(text, symbolHash(text));
+}
+
+void Evaluator::warnOfAmbiguity(std::string_view name) {
+  if (!ambiguousNames_.insert(name).second) return;
+  warnings_.add({"label '", name,
+                 "' is ambiguous with Z80-style hex literal; resolving to the label — rename it or use $",
+                 name.substr(0, name.size() - 1), " to silence this warning"});
 }
 
 // A name that does not stand in the table as it is written.

@@ -3,16 +3,19 @@
 
 #include <cstdint>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "base/diagnostics.h"
+#include "base/name_hash.h"
 #include "base/text.h"
 #include "source/literals.h"
 #include "source/symbols.h"
 
 namespace kiln {
 
-// Evaluates anew at each call: an unknown name is worth 0 and gives its warning every time it is met.
+// Evaluates anew at each call: an unknown name is worth 0 and gives its warning every time it is met. A label that
+// looks like a number gives its warning once for each evaluator.
 class Evaluator {
  public:
   Evaluator(SymbolTable& symbols, MessageList& warnings) : symbols_(symbols), warnings_(warnings) {}
@@ -74,10 +77,12 @@ class Evaluator {
   const std::vector<Operator>& operatorsOf(const Pending& pending) const;
   int64_t evaluateLeaf(std::string_view text);
   int64_t evaluateName(std::string_view text);
+  void warnOfAmbiguity(std::string_view name);
   int64_t evaluateUnknownName(std::string_view text, uint32_t hash);
 
   SymbolTable& symbols_;
   MessageList& warnings_;
+  std::unordered_set<std::string_view, NameHash> ambiguousNames_;  // warned of; texts of the symbol table
   std::vector<Operator> sums_;      // "+" and "-" of the text at hand, by depth and then place
   std::vector<Operator> products_;  // "*" and "/" likewise
   std::vector<Pending> pending_;

@@ -13,9 +13,6 @@ namespace {
 constexpr std::string_view macroWord = ".macro ";
 constexpr std::string_view includeWord = ".include ";
 
-// What a file takes of the expansion room beside its text: the time to open it, more than anything else.
-constexpr uint64_t fileCost = 4096;
-
 // What follows `word` when the line, whose leading blanks are gone, begins with it in any letter case once its comment
 // is off and it is trimmed; null data when it does not.
 std::string_view argumentOf(std::string_view start, std::string_view word) {
@@ -83,7 +80,9 @@ void Preprocessor::include(std::string_view argument, std::string_view including
     errors_.add({"Cannot include '", name, "': it includes itself"});
     return;
   }
-  if (room_.take(found->size() + fileCost)) open(texts_.own(std::move(*found)), name);
+  if (includesLeft_ == 0) return giveUp("it includes more than 2,097,152 files");
+  --includesLeft_;
+  if (room_.take(found->size())) open(texts_.own(std::move(*found)), name);
   giveUpIfExhausted();
 }
 
@@ -112,8 +111,11 @@ void Preprocessor::expandFrom(size_t begin) {
 }
 
 void Preprocessor::giveUpIfExhausted() {
-  if (!room_.isExhausted()) return;
-  errors_.add({"The source is too large: its macros and includes make more than 1 GB of it"});
+  if (room_.isExhausted()) giveUp("its macros and includes make more than 1 GB of it");
+}
+
+void Preprocessor::giveUp(std::string_view reason) {
+  errors_.add({"The source is too large: ", reason});
   openFiles_.clear();
   lines_ = {};
 }

@@ -17,7 +17,8 @@ namespace kiln {
 class Preprocessor {
  public:
   // `texts` takes the included files; the lines are views into it. Files that are not found, or never end, are errors,
-  // and so are macros and includes that make a source of more than a gigabyte: then there are no lines.
+  // and so are macros and includes that make a source of more than a gigabyte, and more than two million includes: then
+  // there are no lines.
   Preprocessor(const FileReader& files, const std::vector<std::string>& includePaths, TextStore& texts,
                MessageList& errors)
       : files_(files), includePaths_(includePaths), texts_(texts), errors_(errors) {}
@@ -49,6 +50,7 @@ class Preprocessor {
   void open(std::string_view text, std::string_view path);
   void closeFile();
   void giveUpIfExhausted();
+  void giveUp(std::string_view reason);
   void expandFrom(size_t begin);
   size_t findUnsettledCall(size_t begin) const;
 
@@ -60,6 +62,8 @@ class Preprocessor {
   std::vector<OpenFile> openFiles_;
   std::unordered_map<std::string_view, std::vector<std::string_view>> openTexts_;  // by path
   ExpansionRoom room_;
+  // Ends files that include each other twice, 40 deep: 2^40 includes of hardly any text.
+  uint32_t includesLeft_ = uint32_t{1} << 21;
   SourceLines lines_;
   std::vector<Settled> settled_;  // in order, apart from each other
 };

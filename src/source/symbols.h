@@ -18,9 +18,8 @@ struct Symbol {
   std::string_view name;
   NameEnds ends;
   int64_t value = 0;
-  uint32_t bank = 0;             // the bank in which the label stands, 0 = none
-  bool seed = false;             // came from a symbol file or the built-in equates; a label may take its place
-  bool ambiguityWarned = false;  // said already that the name looks like a number
+  uint32_t bank = 0;  // the bank in which the label stands, 0 = none
+  bool seed = false;  // came from a symbol file or the built-in equates; a label may take its place
 };
 
 // Names are views: whoever enters one keeps its text alive. A pointer to a symbol is good until the next enter().

@@ -80,11 +80,6 @@ TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
              {{0, "EAEAEA0200030003000900"}}, {}, "-DRTCLOK");
 }
 
-TEST(Warnings, ComeWithEveryEvaluationInItsPlace) {
-  expectCode(".org o\nBNE t\n.byte b\n.space s\nx = a", {{0, "D0 FE 00"}}, undefined("soaototb"));
-  expectCode(".code_regions q-$FFFF\n.shadow_ranges r-99\n.cloaked_segment c,i\nNOP", {{0, "EA"}}, undefined("qrcci"));
-}
-
 TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReachInEightIterations) {
   for (const std::string row :
        {"BNE $281=D07F", "BNE $282=F0034C8202", "BNE $182=D080", "BNE $181=F0034C8101", "BRA $281=807F",

@@ -64,7 +64,7 @@ TEST(Sources, HaveIncludesReplacedByTheLinesOfTheFirstFileThatIsSoundText) {
       "1\n.include \"a\"\n2\n  .INCLUDE <b> ; c\n.include c\n.include \"sub/n/d\" -> 1\nA1\n\n\n2\nB2\nC3\nE1\nB2",
       ".include\tb\n.includes b\n.include\n.include ;b -> .include\tb\n.includes b\n.include\n.include ;b",
       ".include \v\"b\"\f\r\n.include\t b\n.include \"b>\n.include \"<b>\" -> B2\n.include\t b\nQ1\nQ2",
-      ".include \"\"\nx\n.include folder\n.include locked -> x\n" + missing + "''\n" + missing + "'folder'\n" +
+      ".include \" -> " + missing + "''", ".include \"\"\nx\n.include folder\n.include locked -> x\n" + missing + "''\n" + missing + "'folder'\n" +
           missing + "'locked'", ".include w\n.include w -> 1\n0\n1\n0", ".include t -> X\nX\nCannot include 'u'" + endless,
       ".include s\n.include p -> x\ny\nq\np\nCannot include 's'" + endless + "\nCannot include 'p'" + endless});
   expectLines(host, {".include a\n.include b -> A2\nB0"}, "main.asm");
@@ -78,6 +78,10 @@ TEST(Sources, HaveIncludesReplacedByTheLinesOfTheFirstFileThatIsSoundText) {
   for (int i = 0; i < 1024; ++i)
     growing += "M\n";
   expectLines(host, {growing + " -> The source is too large: its macros and includes make more than 1 GB of it"});
+  for (int i = 0; i < 40; ++i)
+    host.files["lib/twice" + std::to_string(i)] = ".include twice" + std::to_string(i + 1) + "\n.include twice" + std::to_string(i + 1);
+  host.files["lib/twice40"] = "";
+  expectLines(host, {".include twice0 -> The source is too large: it includes more than 2,097,152 files"});
   // A line is looked at once in each file that it goes through.
   expectLines(host, {
       ".macro A\n B\n.macro B\n NOP\nA\nB ->  B\n NOP", "Z\n.include z\nZ\n.macro Z\n NOP ->  NOP\n NOP\n NOP",

@@ -34,6 +34,7 @@ TEST(Lines, EndAtACommentAndFallIntoStatements) {
       {".string \"a;b\" : NOP ; c : INX\n.string \"a\";\"b\"\n.string \"a : b\"", "613B6200EA6100226100"},
       {"a: .byte a : b = 2 ; \"", "00"},
       {".string \"a;b ; c", "22613B62203B206300"},
+      {".string \"", "00"},
       // What is no mnemonic vanishes; a carriage return is a character like any other.
       {"FOO 1\nNOP\r\nINX\n\vNOP\nLDA #1\r\n.byte $1\r,2\r", "E8A9000100", {"1\r", "2\r"}},
   });

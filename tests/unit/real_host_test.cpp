@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 
@@ -60,6 +61,32 @@ TEST(RealHost, GivesWhatIsThereAsItStandsAndSaysWhenItCannot) {
   host.printOutput("out\n");
   host.printError("“err”");
   EXPECT_EQ(testing::internal::GetCapturedStderr() + testing::internal::GetCapturedStdout(), "“err”out\n");
+}
+
+// As a user who owns neither folder nor file: root itself is forbidden nothing.
+TEST(RealHost, WritesInPlaceWhereTheFolderForbidsANewFileOrItsRenaming) {
+  namespace fs = std::filesystem;
+  constexpr uid_t nobody = 65534;
+  std::string root = testing::TempDir() + "kiln-XXXXXX";
+  const std::string file = std::string(::mkdtemp(root.data())) + "/file";
+  const std::string_view parts[] = {"ne", "w"};
+  RealHost host;
+  for (const unsigned folderMode : {0555u, 01777u}) {
+    if (folderMode == 01777u && ::geteuid() != 0) break;  // only a sticky folder of somebody else forbids
+    EXPECT_TRUE(host.writeFile(file, std::array<std::string_view, 1>{"the old text"}));
+    fs::permissions(file, fs::perms(0666));
+    fs::permissions(root, fs::perms(folderMode));
+    const uid_t user = ::geteuid();
+    EXPECT_EQ(user == 0 ? ::seteuid(nobody) : 0, 0);
+    EXPECT_TRUE(host.writeFile(file, parts));
+    EXPECT_EQ(host.writeFile(root + "/other", parts), folderMode == 01777u);
+    EXPECT_EQ(user == 0 ? ::seteuid(0) : 0, 0);
+    fs::permissions(root, fs::perms(0755));
+    fs::remove(root + "/other");
+    EXPECT_EQ(host.readFile(file), "new");
+    EXPECT_EQ(host.listDirectory(root), std::vector<std::string>{"file"});
+  }
+  fs::remove_all(root);
 }
 
 }  // namespace kiln
