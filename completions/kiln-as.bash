@@ -22,7 +22,7 @@ _kiln_as() {
   esac
 }
 
-# _kiln_as_files ENDING...: files with one of these endings, and the directories on the way to them.
+# _kiln_as_files ENDING...: files with one of these endings, and directories that may lead to them.
 _kiln_as_files() {
   local path
   while IFS= read -r path; do

@@ -1,5 +1,5 @@
-# Completion of kiln-as in fish. All options with one hyphen are "old" ones here, those of one letter too: letters
-# cannot be put together.
+# Completion of kiln-as in fish. All options with one hyphen, even those with one letter, are "old" options here,
+# because letters cannot be combined.
 
 complete -c kiln-as -f
 complete -c kiln-as -k -a '(__fish_complete_suffix .asm)'

@@ -16,7 +16,7 @@ ballX   = $CB
 ballY   = $CC
 
 graphics = $3800                ; must be a multiple of 1024
-player  = graphics+512          ; 128 bytes, one for two lines of the picture
+player  = graphics+512          ; 128 bytes, each for two lines of the picture
 
         .org $3000
 
@@ -45,7 +45,7 @@ setUp:  LDX #127
         STA GRACTL
         JMP draw
 
-; A step that would lead beyond the edge is not taken.
+; A step beyond the edge is not taken.
 move:   LDX STICK0
         LDA ballX
         CLC
@@ -65,7 +65,7 @@ move:   LDX STICK0
         BCS draw
         STA ballY
 
-; The shape has an empty line above and below, so that it wipes out what a step leaves behind.
+; The shape has an empty line above and below, which erases the old position after a step.
 draw:   LDA ballX
         STA HPOSP0
         LDX #0
@@ -85,8 +85,8 @@ waitForFrame:
         BEQ .same
         RTS
 
-; A bit of the joystick is 0 when it is pushed: 1 is up, 2 is down, 4 is left and 8 is right, so that 15 is the middle
-; and 7 is right. There is no sign for negative numbers; -1 is written as 0-1.
+; A bit of the joystick is 0 when it is pushed: 1 is up, 2 is down, 4 is left and 8 is right, so 15 is the middle and 7
+; is right. There is no sign for negative numbers; -1 is written as 0-1.
 stepX:  .byte 0,0,0,0, 1,1,1,1, 0-1,0-1,0-1,0-1, 0,0,0,0
 stepY:  .byte 0,1,0-1,0, 0,1,0-1,0, 0,1,0-1,0, 0,1,0-1,0
 

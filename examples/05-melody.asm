@@ -9,9 +9,9 @@
 remaining = $CB                 ; frames until the next note
 note    = $CC                   ; its number
 
-tone    = $A0                   ; a pure tone; the volume of 0 to 15 is added
+tone    = $A0                   ; a pure tone; add the volume, 0 to 15
 volume  = 10
-gap     = 2                     ; frames of silence, without which two equal notes would be one
+gap     = 2                     ; frames of silence, to separate equal notes
 
         .org $3000
 
@@ -42,7 +42,7 @@ play:   DEC remaining
 .next:  LDX note
         LDA pitches,X
         BNE .sound
-        TAX                     ; behind the last note: the first one again
+        TAX                     ; after the last note, start again with the first
         LDA pitches
 .sound: STA AUDF1
         LDA #tone+volume
@@ -59,7 +59,7 @@ waitForFrame:
         BEQ .same
         RTS
 
-; Pitches: the chip divides its clock by this and one more.
+; Pitches: the chip divides its clock by this number plus one.
 c       = 121
 d       = 108
 e       = 96

@@ -3,10 +3,10 @@
 ; Shows:    .include and -I, macros with parameters, -s and a symbol file, -D
 ; Assemble: kiln-as -I include -s 06-score.sym -D BONUS=120 -o 06-score.xex 06-score.asm
 ; Expect:   on an Atari, 0620 at the left end of the text screen's first line.
-;           The first subroutine, main, adds 250, 250 and BONUS to the score and prints it. The score itself is taken
-;           away digit by digit: $CB and $CC are 0 in the end.
+;           The first subroutine, main, adds 250, 250 and BONUS to the score and prints it. Printing subtracts the
+;           score digit by digit: $CB and $CC are 0 at the end.
 
-; The file is looked for beside this one and then in the directories given with -I.
+; The file is looked up beside this one, then in the -I directories.
         .include "words.inc"
 
 ; A macro of this program. The body of a macro cannot use other macros, but it can call a subroutine.
@@ -15,10 +15,10 @@
         LDX #>number
         JSR printDigit
 
-; With -s the built-in names are gone, and those of the file are there instead. As the assembler knows them from the
-; start, it uses the short instructions for the zero page with them.
+; With -s the names of that file replace the built-in ones. Because the assembler knows them from the start, it uses the
+; short zero-page instructions for them.
 
-digit0  = 16                    ; as the screen counts its characters
+digit0  = 16                    ; in the screen's character codes
 
         .org $3000
 
@@ -37,7 +37,8 @@ main:   SETWORD score,0
         DIGIT 1
         RTS
 
-; Prints how often a power of ten can be taken away from the score, at column Y. The power is in A (low) and X (high).
+; Prints how many times a power of ten can be subtracted from the score, at column Y. The power is in A (low) and X
+; (high).
 printDigit:
         STA power
         STX power+1

@@ -1,12 +1,12 @@
-; Code regions: a program that finds room in several pieces of memory
+; Code regions: a program in several separate ranges of memory
 ;
-; Shows:    .code_regions, .spill_point, branches that lead too far, a macro that is used many times
+; Shows:    .code_regions, .spill_point, long branches, a macro that is used many times
 ; Assemble: kiln-as -l 08-regions.lst -o 08-regions.xex 08-regions.asm
 ; Expect:   nothing to see, it returns at once. $4000 and $4001 hold 200*123, $4002 and $4003 hold 0*77 and
 ;           $4004 and $4005 hold 30*30+40*40. The listing shows where everything went.
 
-; Where the code may lie. It fills the first region, goes on in the second behind a JMP that is put in by itself, and
-; so on. Whoever puts data between such code gives it a label in the same line, or the label stays behind.
+; Where the code may be. It fills the first region, continues in the second after a JMP that the assembler inserts, and
+; so on. Put the label of data between such code in the line of the data, or the label stays behind.
         .org $3000
         .code_regions $3000-$306F,$3100-$31CF,$3400-$34FF
 
@@ -34,9 +34,9 @@ start:  LDA #200
         STX $4005
         RTS
 
-; One binary digit of a product: doubles what there is and adds the other factor if the digit is 1. The label is a
-; parameter, for otherwise it would be the same each time; and it is indented, because the macro ends at the first line
-; that is not.
+; One binary digit of a product: doubles the sum and adds the other factor if the digit is 1. The label is a parameter,
+; because otherwise it would be the same each time; and it is indented, because the macro ends at the first line that is
+; not.
 .macro STEP next
         ASL low
         ROL high
@@ -50,9 +50,9 @@ start:  LDA #200
         INC high
         next:
 
-; A times X, to A (low) and X (high). A branch reaches about 127 bytes, but .zero is farther away, and so is the end of
-; the step that lies across two regions. A branch that leads too far becomes one with the opposite condition over a
-; JMP. Its line is written anew for this, so keep labels out of it.
+; A times X, to A (low) and X (high). A branch reaches about 127 bytes, but .zero is further away, and so is the end of
+; the step that spans two regions. A branch that is out of range becomes the opposite branch over a JMP. Its whole line
+; is replaced, so keep labels out of it.
 multiply:
         STA factor
         STX other
@@ -77,7 +77,7 @@ multiply:
 ; region as a whole.
         .spill_point
 
-; A times A and X times X added up, to A (low) and X (high).
+; A*A + X*X, to A (low) and X (high).
 addSquares:
         STX side
         TAX

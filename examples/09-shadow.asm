@@ -5,13 +5,13 @@
 ; Expect:   on an Atari XL or XE, HIDDEN UNDER THE ROM in the text screen's first line.
 ;           The first subroutine, show, prints it at the address in $58 and $59; the ROM is on again afterwards.
 
-; What belongs to these addresses cannot be loaded there, because the loader itself needs the ROM. It is loaded to the
-; stage address instead, together with a small routine that moves it while the file is still being loaded. The stage
-; must be free until then; afterwards its memory can be used.
+; Bytes for these addresses cannot be loaded there, because the loader itself needs the ROM. They are loaded to the
+; stage address instead, together with a small routine that moves them while the file is still loading. The stage must
+; be free until then; afterwards its memory can be used.
         .shadow_ranges $C000-$CFFF
         .shadow_stage $3800
 
-romBit  = 1                     ; in PORTB; the ROM is there while it is 1
+romBit  = 1                     ; in PORTB; the ROM is on while it is 1
 
         .org $3000
 
@@ -19,7 +19,7 @@ start:  JSR show
 forever:
         JMP forever
 
-; Without the ROM no interrupt finds its way.
+; Without the ROM, interrupts have no vectors, so they are turned off.
 show:   PHP
         SEI
         LDA #0
@@ -45,6 +45,6 @@ print:  LDY #textEnd-text-1
         BPL .loop
         RTS
 
-; HIDDEN UNDER THE ROM, as the screen counts its characters.
+; HIDDEN UNDER THE ROM, in the screen's character codes.
 text:   .byte 40,41,36,36,37,46, 0, 53,46,36,37,50, 0, 52,40,37, 0, 50,47,45
 textEnd:

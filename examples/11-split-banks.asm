@@ -4,8 +4,8 @@
 ; Assemble: kiln-as -L 11-split-banks.lnk -o 11-split-banks.xex 11-split-banks.asm
 ; Expect:   nothing to see, it returns at once. $3F00 holds 10+20+30+40 = 100 and $3F01 holds 1+2+3+4 = 10.
 
-; Code banks and data banks are counted separately, from 1 on, in the order in which they stand in the source. Keep the
-; named banks in front: then __bank_sums agrees with that count. Data banks have no names.
+; Code banks and data banks are numbered separately, each from 1, in the order of the source. Put the named banks first:
+; then __bank_sums agrees with these numbers. Data banks have no names.
 
         .org $3000
 
@@ -13,7 +13,7 @@ total   = $90
 tens    = 1
 ones    = 2
 
-; The registers have names that begin with two underscores.
+; The names of the registers begin with two underscores.
 start:  LDA #tens
         STA __bank_data_reg
         JSR addUp
