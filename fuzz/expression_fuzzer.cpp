@@ -37,7 +37,7 @@ class Comparison {
   void compare(std::string_view text) {
     // A hash must change nothing.
     const uint32_t hash = text.size() % 2 == 0 ? nameHash(text) : 0;
-    const int64_t size = evaluator_.evaluateForSize(text, hash);
+    const int64_t size = evaluator_.sizingValue(text, hash);
     const int64_t literalSize = literal_.evaluateForSize(text);
     if (size != literalSize) failWith("size", text, size, literalSize);
     const int64_t value = evaluator_.evaluate(text, hash);

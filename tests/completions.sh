@@ -6,9 +6,9 @@
 set -euo pipefail
 export LC_ALL=C
 
-# The tables' rows: {"-o", true, OptionId::Output}, {".org ", Kind::Org, true}, {Mnemonic::ADC, imm, 0x69}.
+# The tables' rows: {"-o", true, OptionId::Output}, KindRow{Kind::Org, ".org ", ...}, {Mnemonic::ADC, imm, 0x69}.
 listOptions() { grep -oP '^ *\{"\K-[^"]+(?=", (true|false), OptionId::)' "$1/src/driver/options.cpp"; }
-listDirectives() { grep -oP '^ *\{"\.\K[a-z_]+(?= ?", Kind::)' "$1/src/source/directives.cpp"; }
+listDirectives() { grep -oP '^ *KindRow\{Kind::\w+, *"\.\K[a-z_]+(?= ?",)' "$1/src/source/kinds.h"; }
 listMnemonics() { grep -oP '\{Mnemonic::\K[A-Z]{3}(?=, )' "$1/src/isa/opcodes.cpp" | sort -u; }
 
 # offered FILE: the part of a file in which a word counts: options without descriptions, syntax without comments.
@@ -70,7 +70,7 @@ checkTree() {
 expectMissing() {
   local tree report
   tree=$(mktemp -d -p "$scratch")
-  cp -r --parents src/{driver/options,source/directives,isa/opcodes}.cpp completions editors "$tree"
+  cp -r --parents src/{driver/options.cpp,source/kinds.h,isa/opcodes.cpp} completions editors "$tree"
   sed -i -E "s/(^|[^A-Za-z0-9_-])$1([^A-Za-z0-9_-]|$)/\1\2/g" "$tree/$2"
   if report=$(checkTree "$tree") || [[ $report != *" is not in $2"* ]]; then
     printf 'completions self-test: "%s" is gone from %s, and what was said is:\n%s\n' "$1" "$2" "$report"

@@ -75,12 +75,6 @@ inline uint64_t hashIgnoringCase(std::string_view name) {
   return hashChanged(name, [](uint64_t word) { return inSmallLetters(word); });
 }
 
-// The same for names that differ in letter case alone, and for some more that no program has side by side. It takes one
-// operation a word beside the hash.
-inline uint64_t hashLoosely(std::string_view name) {
-  return hashChanged(name, [](uint64_t word) { return word | 0x2020202020202020; });
-}
-
 struct NameHash {
   size_t operator()(std::string_view name) const { return hashName(name); }
 };

@@ -104,8 +104,9 @@ bool writeFiles(Host& host, const Options& options, const std::optional<std::str
   if (options.listing.has_value() && host.wasRead(*options.listing)) return refuse(*options.listing);
   // Rendered first: should memory run out over it, nothing has been written yet.
   Iteration& iteration = *assembler.iteration;
-  const std::string listing =
-      options.listing.has_value() ? renderListing(iteration.statements, assembler.lines, iteration.evaluator) : "";
+  const std::string listing = options.listing.has_value()
+                                  ? renderListing(iteration.statements.lines, assembler.lines, iteration.evaluator)
+                                  : "";
   if (!host.writeFile(*outputPath, image->parts())) return refuse(*outputPath);
   // The program is there already: that its listing cannot be written is no failure.
   if (options.listing.has_value()) (void)host.writeFile(*options.listing, std::array{std::string_view(listing)});

@@ -6,47 +6,73 @@
 namespace kiln {
 namespace {
 
-// Every prefix is 21 characters wide. Origins show their address in another column than bytes, so that they stand out.
+constexpr size_t prefixWidth = 21;
+
+// Origins show their address in another column than bytes do.
 void appendPrefix(std::string& listing, size_t before, uint32_t address) {
   listing.append(before, ' ');
   appendHex(listing, address, 4);
-  listing.append(21 - before - 4, ' ');
+  listing.append(prefixWidth - before - 4, ' ');
 }
 
-// Statements that the code-region spill inserted stand on no source line; they are shown as they would be written.
-void appendSource(std::string& listing, const AsLine& line, LineReader& lines) {
-  if (line.autoSpill) {
-    listing += line.kind == Kind::Org ? "    .org " : "    JMP ";
-    listing += line.operand.text();
-    listing += " ; auto-spill";
-  } else {
-    listing += lines.at(line.lineNumber - 1);
+class ListingWriter {
+ public:
+  ListingWriter(const SourceLines& lines, Evaluator& evaluator)
+      : evaluator_(evaluator), lineCount_(lines.count()), reader_(lines.pieces()) {}
+
+  std::string render(const std::vector<AsLine>& statements) {
+    for (const AsLine& line : statements) {
+      appendLinesBefore(line.lineNumber);
+      appendAddress(line);
+      appendSource(line);
+      listedLine_ = line.lineNumber;
+    }
+    appendLinesBefore(lineCount_ + 1);
+    return std::move(listing_);
   }
-  listing.push_back('\n');
-}
+
+ private:
+  // The lines without a statement after the last listed line, up to a line number.
+  void appendLinesBefore(size_t lineNumber) {
+    while (listedLine_ + 1 < lineNumber)
+      listing_.append(prefixWidth, ' ').append(reader_.at(listedLine_++)).push_back('\n');
+  }
+
+  void appendAddress(const AsLine& line) {
+    if (line.kind == Kind::Org) {
+      location_ = low16(evaluator_.evaluate(line.operand()));
+      appendPrefix(listing_, 7, location_);
+    } else if (emitsBytes(line.kind)) {
+      appendPrefix(listing_, 2, location_);
+      location_ = (location_ + line.size) & 0xFFFF;
+    } else {
+      listing_.append(prefixWidth, ' ');
+    }
+  }
+
+  // Statements inserted by a code-region spill are on no source line; they are shown as they would be written.
+  void appendSource(const AsLine& line) {
+    if (line.autoSpill) {
+      listing_.append(line.kind == Kind::Org ? "    .org " : "    JMP ")
+          .append(line.operand())
+          .append(" ; auto-spill\n");
+    } else {
+      listing_.append(reader_.at(line.lineNumber - 1)).push_back('\n');
+    }
+  }
+
+  Evaluator& evaluator_;
+  const size_t lineCount_;
+  LineReader reader_;
+  std::string listing_;
+  uint32_t location_ = 0;
+  size_t listedLine_ = 0;  // all source lines up to this number are in the listing
+};
 
 }  // namespace
 
 std::string renderListing(const std::vector<AsLine>& statements, const SourceLines& lines, Evaluator& evaluator) {
-  std::string listing;
-  uint32_t location = 0;
-  LineReader reader(lines.pieces());
-  for (const AsLine& line : statements) {
-    if (line.kind == Kind::Org) {
-      location = low16(evaluator.evaluate(line.operand));
-      appendPrefix(listing, 7, location);
-    } else if (emitsBytes(line.kind)) {
-      appendPrefix(listing, 2, location);
-      location = (location + line.size) & 0xFFFF;
-    } else {
-      listing.append(21, ' ');
-    }
-    appendSource(listing, line, reader);
-    for (uint32_t i = 0; i < line.furtherLines(); ++i) {
-      listing.append(21, ' ').append(reader.at(line.lineNumber + i)).push_back('\n');
-    }
-  }
-  return listing;
+  return ListingWriter(lines, evaluator).render(statements);
 }
 
 }  // namespace kiln

@@ -21,21 +21,21 @@
 
 namespace kiln {
 
-// A symbol that stands before the first line is read.
+// A symbol defined before the first line is read.
 struct NamedValue {
   std::string name;
   int64_t value;
 };
 
-// Written by the driver before the run, constant from there on.
+// Written by the driver before the run, constant afterwards.
 struct Settings {
   bool verbose = false;
-  std::vector<NamedValue> seeds;    // platform equates; a label may take the place of one
+  std::vector<NamedValue> seeds;    // platform equates; a label may replace one
   std::vector<NamedValue> defines;  // "-D", in order
   BankedSettings banking;           // the bank window is the code window: both ends 0 = none
 };
 
-// What one iteration finds out. Each iteration has its own, so that nothing of the one before is left in it.
+// What one iteration finds out. Each iteration has its own, so nothing of an earlier one is left in it.
 struct Iteration {
   explicit Iteration(MessageList& warnings) : evaluator(symbols, warnings) {}
   Iteration(const Iteration&) = delete;
@@ -44,16 +44,23 @@ struct Iteration {
   TextStore texts;  // put together while parsing and laying out
   SymbolTable symbols;
   Evaluator evaluator;
-  std::vector<AsLine> statements;
+  Statements statements;
   size_t definitionCount = 0;                                  // labels and assignments among the statements
   RegionList codeRegions;                                      // as the last ".code_regions" declared them
   std::unordered_map<std::string_view, uint32_t> bankNumbers;  // by the operand of ".bank"
 };
 
-// The targets that calls have been staged for so far: operands as their statements have them, qualified.
+// The targets of the calls staged so far: operands as in their statements, qualified.
 struct StageTargets {
   std::vector<std::string_view> operands;
   std::unordered_map<std::string_view, size_t> numbers;
+};
+
+// What the rewriters carry from iteration to iteration.
+struct RewriteState {
+  TextStore texts;                // the lines that they write
+  uint32_t longBranchLabels = 0;  // how many there are so far
+  StageTargets stageTargets;
 };
 
 // One run.
@@ -61,10 +68,9 @@ struct Assembler {
   Settings settings;
   Diagnostics diagnostics;
   TextStore texts;
-  SourceLines lines;                   // the expanded source; the rewriters change it between iterations
-  uint32_t rewriteCount = 0;           // numbers the labels of the long-branch rewriter, never reset
-  StageTargets stageTargets;           // of the cross-bank stager, numbered on likewise
-  ShadowPlan shadowPlan;               // what the directives said last, in whichever iteration
+  SourceLines lines;  // the expanded source; the rewriters change it between iterations
+  RewriteState rewriteState;
+  ShadowPlan shadowPlan;               // the last directives of any iteration
   std::optional<Iteration> iteration;  // the last one
   std::vector<AsSegment> segments;     // filled by the emission pass
 };

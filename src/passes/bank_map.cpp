@@ -1,140 +1,159 @@
+// A banked program has many pieces of code at the same addresses. Before calls between them can be staged, two things
+// have to be known: in which bank each label will be, and where in main memory there is code that the generated
+// routines can follow. Neither is known to the layout, which only counts addresses, so this pass follows the placements
+// that the emission will make, with the numbers that the writer will give to the segments:
+//
+//             .org $2000
+//     start:  JSR draw         $2000-$2002 are a run of main memory
+//             .bank pictures
+//     draw:   RTS              a segment at $4000: `draw` is in the bank that the writer gives this segment
+//     pen = draw + 1           `pen` is in the bank of `draw`
+//             .org $2003
+//             RTS              $2003 is a run of its own, since an origin came before it
+//
+// Banks are numbered by segment and not by name, because the writer selects a bank for each segment. A ".bank" gives
+// its number to the labels up to the next origin; labels after that are in no bank, even inside the bank window.
+//
+// The operands of origins are evaluated here once more, without warnings: the other passes report them.
 #include "passes/bank_map.h"
 
 #include <algorithm>
 
 #include "base/arithmetic.h"
-#include "passes/segment_cursor.h"
+#include "passes/placement.h"
 
 namespace kiln {
 namespace {
 
 constexpr uint32_t addressCount = 0x10000;
 
+// Listens to the placements of all statements.
 class BankMapper {
  public:
   BankMapper(Iteration& iteration, const BankedSettings& settings, const MainMemory& mainMemory)
       : iteration_(iteration),
-        settings_(settings),
         mainMemory_(mainMemory),
         evaluator_(iteration.symbols, ignored_),
-        counters_(settings),
-        cursor_(iteration.codeRegions) {}
+        walker_(iteration, evaluator_, low16(settings.bankWindowLow), *this),
+        counters_(settings) {}
 
   BankMap run();
 
+  void openSegment(const Opening& opening, const AsLine& line);
+  void fillGap(uint32_t) {}
+  uint32_t placeBytes(const AsLine& line, uint32_t pc);
+  void closeSegment() { isCloaked_ = false; }
+
  private:
-  SymbolBank& bankOf(std::string_view name);
-  void place(const AsLine& line);
-  void placeBytes(const AsLine& line);
-  void open(uint32_t address, int32_t bank, bool cloaked);
-  bool isMain(uint64_t size) const;
+  void visit(const AsLine& line, HashedName label);
+  void endRun(size_t lineIndex);
+  void assign(const AsLine& line);
+  bool isMain(uint32_t address, uint64_t size) const { return !isCloaked_ && mainMemory_.holds(address, size); }
+  const Symbol& known(HashedName name) const { return *iteration_.symbols.find(name.text(), name.hash()); }
 
   Iteration& iteration_;
-  const BankedSettings& settings_;
   const MainMemory& mainMemory_;
   MessageList ignored_;
   Evaluator evaluator_;
+  PlacementWalker<BankMapper> walker_;
   BankCounters counters_;
-  SegmentCursor cursor_;
   BankMap map_;
-  size_t nextSymbol_ = 0;
-  bool cloaked_ = false;
+  bool isCloaked_ = false;
   bool inRun_ = false;                // the last main run is still growing
-  bool named_ = false;                // labels belong to the bank of the ".bank" above
-  std::optional<BankValue> current_;  // of that ".bank"
+  bool named_ = false;                // labels belong to the bank of the last ".bank"
+  std::optional<BankValue> current_;  // of the last ".bank"
 };
 
 BankMap BankMapper::run() {
-  const std::vector<AsLine>& statements = iteration_.statements;
+  const std::vector<AsLine>& lines = iteration_.statements.lines;
   map_.symbols.resize(iteration_.symbols.symbols().size());
-  for (size_t i = 0; i < statements.size(); ++i) {
-    const AsLine& line = statements[i];
-    if (!line.label.empty() && named_) bankOf(line.label) = {true, current_};
-    if (line.label == stageLabel) map_.stageLine = line.lineNumber - 1;
-    place(line);
-    const bool lineEnds = i + 1 == statements.size() || statements[i + 1].lineNumber != line.lineNumber;
-    if (lineEnds && map_.stageLine == line.lineNumber - 1) map_.stageInMain = isMain(1);
+  LabelReader labels(iteration_.statements.labels);
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const AsLine& line = lines[i];
+    visit(line, labels.of(line));
+    const bool isLastOfLine = i + 1 == lines.size() || lines[i + 1].lineNumber != line.lineNumber;
+    if (isLastOfLine && map_.stageLine == line.lineNumber - 1) map_.stageInMain = isMain(walker_.pc(), 1);
   }
-  map_.endsCloaked = cloaked_;
+  map_.endsCloaked = isCloaked_;
   return std::move(map_);
 }
 
-// The name must be one of the table. Names come in the order in which they were entered, but for those that come again:
-// most often it is the one behind the last.
-SymbolBank& BankMapper::bankOf(std::string_view name) {
-  const std::vector<Symbol>& symbols = iteration_.symbols.symbols();
-  const auto isNext = [&] {
-    return nextSymbol_ < symbols.size() && symbols[nextSymbol_].name.data() == name.data() &&
-           symbols[nextSymbol_].name.size() == name.size();
-  };
-  if (!isNext()) nextSymbol_ = static_cast<size_t>(iteration_.symbols.find(name) - symbols.data());
-  return map_.symbols[nextSymbol_++];
-}
-
-void BankMapper::place(const AsLine& line) {
+void BankMapper::visit(const AsLine& line, HashedName label) {
   const size_t index = line.lineNumber - 1;
-  const bool movesOn = line.kind == Kind::Org || line.kind == Kind::Bank || line.kind == Kind::CloakedSegment ||
-                       line.kind == Kind::CloakedSegmentEnd;
-  if (movesOn) {
-    if (inRun_ && map_.mainRuns.back().lastLine == index) map_.mainRuns.back().isSplit = true;
-    inRun_ = false;
+  if (!label.empty() && named_) map_.symbols[known(label).index] = {true, current_};
+  if (label.text() == stageLabel) map_.stageLine = index;
+  switch (line.kind) {
+    case Kind::Org:
+      named_ = false;
+      endRun(index);
+      break;
+    case Kind::Bank:
+      named_ = true;
+      endRun(index);
+      break;
+    case Kind::CloakedSegment:
+    case Kind::CloakedSegmentEnd:
+      endRun(index);
+      break;
+    case Kind::Assign:
+      assign(line);
+      break;
+    case Kind::Empty:
+    case Kind::LabelOnly:
+    case Kind::Instruction:
+    case Kind::Byte:
+    case Kind::Word:
+    case Kind::Long:
+    case Kind::String:
+    case Kind::Space:
+    case Kind::CodeRegions:
+    case Kind::SpillPoint:
+    case Kind::ShadowRanges:
+    case Kind::ShadowStage:
+      break;
   }
-  if (emitsBytes(line.kind)) {
-    placeBytes(line);
-  } else if (line.kind == Kind::Org) {
-    const uint32_t target = low16(evaluator_.evaluate(line.operand));
-    if (cursor_.splitsAt(target)) {
-      open(target, -1, false);
-    } else {
-      cursor_.advance(target - cursor_.pc());
-    }
-    named_ = false;
-  } else if (line.kind == Kind::Bank) {
-    const uint32_t number = iteration_.bankNumbers.at(line.operand);
-    open(low16(settings_.bankWindowLow), static_cast<int32_t>(number), false);
-    named_ = true;
-  } else if (line.kind == Kind::CloakedSegment) {
-    open(low16(evaluator_.evaluate(line.firstItem())), -1, true);
-  } else if (line.kind == Kind::CloakedSegmentEnd) {
-    cursor_.close();
-    cloaked_ = false;
-  } else if (line.kind == Kind::Assign) {
-    const std::string_view source = leadingSymbol(line.assignValue());
-    if (iteration_.symbols.find(source) == nullptr) return;
-    const SymbolBank bank = bankOf(source);
-    if (bank.isBehindBank) bankOf(line.assignName()) = bank;
-  }
+  walker_.step(line);
 }
 
-void BankMapper::placeBytes(const AsLine& line) {
-  if (!cursor_.isOpen()) open(cursor_.pc(), -1, false);
-  if (line.size != 0 && !isMain(line.size)) {
-    inRun_ = false;
-  } else if (line.size != 0) {
-    if (!inRun_) map_.mainRuns.push_back({.start = cursor_.pc()});
-    inRun_ = true;
-    map_.mainRuns.back().size += line.size;
-    map_.mainRuns.back().lastLine = line.lineNumber - 1;
-  }
-  cursor_.advance(line.size);
+// What follows goes somewhere else.
+void BankMapper::endRun(size_t lineIndex) {
+  if (inRun_ && map_.mainRuns.back().lastLine == lineIndex) map_.mainRuns.back().isSplit = true;
+  inRun_ = false;
 }
 
-void BankMapper::open(uint32_t address, int32_t bank, bool cloaked) {
-  cursor_.open(address);
-  cloaked_ = cloaked;
-  if (cloaked) return;
-  const std::optional<BankValue> value = counters_.next(address, bank);
-  if (bank < 0) return;
+// A name assigned from a label is in the label's bank.
+void BankMapper::assign(const AsLine& line) {
+  const Symbol* const source = iteration_.symbols.find(leadingSymbol(line.assignValue()));
+  if (source == nullptr || !map_.symbols[source->index].isAfterBank) return;
+  map_.symbols[known(HashedName(line.assignName())).index] = map_.symbols[source->index];
+}
+
+void BankMapper::openSegment(const Opening& opening, const AsLine&) {
+  isCloaked_ = opening.isCloaked;
+  if (isCloaked_) return;
+  const std::optional<BankValue> value = counters_.next(opening.address, opening.bank);
+  if (opening.bank < 0) return;
   current_ = value;
   if (value.has_value() && value->value > 0xFF) map_.usesHighByte = true;
 }
 
-bool BankMapper::isMain(uint64_t size) const { return !cloaked_ && mainMemory_.holds(cursor_.pc(), size); }
+uint32_t BankMapper::placeBytes(const AsLine& line, uint32_t pc) {
+  if (line.size == 0) return 0;
+  if (!isMain(pc, line.size)) {
+    inRun_ = false;
+    return line.size;
+  }
+  if (!inRun_) map_.mainRuns.push_back({.start = pc});
+  inRun_ = true;
+  map_.mainRuns.back().size += line.size;
+  map_.mainRuns.back().lastLine = line.lineNumber - 1;
+  return line.size;
+}
 
 }  // namespace
 
 MainMemory::MainMemory(const BankedSettings& settings, const ShadowPlan& shadowPlan) {
-  // First how many ranges begin at each address less how many end before it, then their running sum.
+  // The ranges that begin at each address less those that end before it; then their running sum.
   std::vector<int32_t> begins(addressCount + 1);
   const auto take = [&begins](uint32_t low, uint32_t high) {
     if (high < low || low >= addressCount) return;

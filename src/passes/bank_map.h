@@ -1,4 +1,4 @@
-// Where the statements of an iteration will lie when they are written: in which bank, or in main memory.
+// Where the statements of an iteration go when they are written: to which bank, or to main memory.
 #pragma once
 
 #include <cstdint>
@@ -17,40 +17,40 @@ class MainMemory {
  public:
   MainMemory(const BankedSettings& settings, const ShadowPlan& shadowPlan);
 
-  // True when all of `size` bytes from `address` (0..65535) lie in main memory.
+  // True when all of `size` bytes from `address` (0..65535) are in main memory.
   bool holds(uint32_t address, uint64_t size) const;
 
  private:
   std::vector<uint32_t> taken_;  // how many addresses below the index are not in main memory
 };
 
-// A stretch of main memory that statements fill one behind the other, without an origin between them.
+// A run of main memory that statements fill one after the other, without an origin between them.
 struct MainRun {
   uint32_t start = 0;
   uint64_t size = 0;
   size_t lastLine = 0;   // index of the source line with its last byte
-  bool isSplit = false;  // that line goes on somewhere else, so nothing can be put behind it
+  bool isSplit = false;  // that line goes on somewhere else, so nothing can be put after it
 };
 
-// Whether a symbol is a label that stands behind a ".bank", or a name assigned from one, and its bank then.
+// Whether a symbol is a label after a ".bank", or a name assigned from one, and its bank then.
 struct SymbolBank {
-  bool isBehindBank = false;
+  bool isAfterBank = false;
   std::optional<BankValue> bank = {};  // absent when the writer does not bank the segment
 };
 
 struct BankMap {
-  std::vector<SymbolBank> symbols;  // by the symbol's place in the table
+  std::vector<SymbolBank> symbols;  // by Symbol::index
   std::vector<MainRun> mainRuns;
   bool usesHighByte = false;        // some bank's number does not fit a byte
   bool endsCloaked = false;         // the source ends inside a cloaked segment
   std::optional<size_t> stageLine;  // index of the source line with the label "__bank_stage"
-  bool stageInMain = false;         // what is put behind that line lies in main memory
+  bool stageInMain = false;         // code inserted after that line is in main memory
 };
 
 // The label that says where generated code goes.
 inline constexpr std::string_view stageLabel = "__bank_stage";
 
-// Walks the statements once they are laid out. Says nothing: what cannot be evaluated is reported by the other passes.
+// Follows the statements once they are laid out. Gives no warnings.
 BankMap mapBanks(Iteration& iteration, const BankedSettings& settings, const MainMemory& mainMemory);
 
 }  // namespace kiln

@@ -2,24 +2,26 @@
 //
 //     .code_regions $2000-$20FF,$3000-$3FFF
 //
-// While statements are laid out, each one that occupies bytes is asked whether it would reach into the last ten bytes
-// of its region. If so, everything from it on moves to the next region. Say LDA table,X (3 bytes) is to stand at $20F4.
-// It would end behind $20F6, in the reserve, so two statements are inserted before it:
+// When a statement that takes bytes would reach into the last ten bytes of its region, everything from it on moves to
+// the next region. Say LDA table,X (3 bytes) is next at $20F4. It would end after $20F6, in the reserve, so two
+// statements are inserted before it:
 //
-//     20F4  JMP $3000      the bridge: execution goes on where the code goes on
+//     20F4  JMP $3000      the bridge: execution goes where the code goes
 //           .org $3000
 //     3000  LDA table,X
 //
-// Behind a JMP, RTS or RTI, and before a reservation, no bridge is needed. The inverted branch of a long-branch pair
-// and its JMP stay together: the branch jumps over exactly three bytes. The reserve is what makes room for all this: a
-// JMP that may not be cut off from its branch still fits (3 bytes), and the bridge behind it too.
+// After a JMP, RTS or RTI, and before a reservation, no bridge is needed; but an empty line or a comment line after
+// that JMP brings the bridge back, because only the line directly before counts. The inverted branch of a long-branch
+// pair and its JMP stay together: the branch jumps over exactly three bytes. The reserve has room for such a JMP (3
+// bytes) and for the bridge after it.
 //
-// Layout ends: a spill makes the next region the current one, by number and not by address, so that the number only
-// grows; at the last region nothing spills any more, and each statement can be moved only as often as there are
-// regions.
+// This ends: a spill makes the next region the current one, by number and not by address, so the number only grows. In
+// the last region nothing spills, so a statement moves at most as often as there are regions.
 #include "passes/code_regions.h"
 
 #include <algorithm>
+#include <iterator>
+#include <set>
 #include <utility>
 
 #include "base/format.h"
@@ -27,7 +29,7 @@
 namespace kiln {
 namespace {
 
-constexpr int64_t reserve = 9;  // the last bytes of a region, less one, that no statement may reach into
+constexpr int64_t reserve = 9;  // no statement may reach into the last bytes of a region: so many, and one more
 constexpr uint32_t bridgeSize = 3;
 
 bool endsExecution(const AsLine* line) {
@@ -38,7 +40,7 @@ bool endsExecution(const AsLine* line) {
 AsLine makeOrg(std::string_view address, uint32_t lineNumber) {
   AsLine line;
   line.kind = Kind::Org;
-  line.operand = address;
+  line.setOperand(address);
   line.lineNumber = lineNumber;
   line.autoSpill = true;
   return line;
@@ -55,42 +57,28 @@ AsLine makeBridge(std::string_view address, uint32_t lineNumber) {
 
 }  // namespace
 
+// Regions may overlap, so the address space is cut wherever the first region that holds an address may change.
 void RegionList::declare(std::vector<uint32_t> bounds) {
   bounds_ = std::move(bounds);
-  steps_ = 0;
-  byAddress_.clear();
+  cuts_.clear();
+  std::vector<Cut> toggles;
+  for (size_t i = 0; i < count(); ++i) {
+    if (start(i) > end(i)) continue;
+    toggles.push_back({start(i), static_cast<int32_t>(i)});
+    toggles.push_back({end(i) + 1, static_cast<int32_t>(i)});
+  }
+  std::sort(toggles.begin(), toggles.end(), isBefore);
+  std::set<int32_t> open;
+  for (size_t i = 0; i < toggles.size(); ++i) {
+    if (!open.insert(toggles[i].region).second) open.erase(toggles[i].region);
+    const bool isLastHere = i + 1 == toggles.size() || toggles[i + 1].address != toggles[i].address;
+    if (isLastHere) cuts_.push_back({toggles[i].address, open.empty() ? -1 : *open.begin()});
+  }
 }
 
 int32_t RegionList::find(uint32_t address) const {
-  if (!byAddress_.empty()) return byAddress_[address];
-  size_t region = 0;
-  while (region < count() && (address < start(region) || address > end(region)))
-    ++region;
-  steps_ += region;
-  if (steps_ > 0x10000) indexAddresses();
-  return region == count() ? -1 : static_cast<int32_t>(region);
-}
-
-// Gives every address its first region. `nextFree` leads over addresses that have one, so that each is visited once.
-void RegionList::indexAddresses() const {
-  byAddress_.assign(0x10000, -1);
-  std::vector<uint32_t> nextFree(0x10001);
-  for (uint32_t i = 0; i < nextFree.size(); ++i)
-    nextFree[i] = i;
-  const auto freeFrom = [&nextFree](uint32_t address) {
-    uint32_t root = address;
-    while (nextFree[root] != root)
-      root = nextFree[root];
-    while (nextFree[address] != root)
-      address = std::exchange(nextFree[address], root);
-    return root;
-  };
-  for (size_t i = 0; i < count(); ++i) {
-    for (uint32_t address = freeFrom(start(i)); address <= end(i); address = freeFrom(address)) {
-      byAddress_[address] = static_cast<int32_t>(i);
-      nextFree[address] = address + 1;
-    }
-  }
+  const auto after = std::upper_bound(cuts_.begin(), cuts_.end(), Cut{address, 0}, isBefore);
+  return after == cuts_.begin() ? -1 : std::prev(after)->region;
 }
 
 void RegionGuard::locate(uint32_t pc) {
@@ -104,7 +92,7 @@ void RegionGuard::enterNext() {
   inRegion_ = true;
 }
 
-// A later list may be shorter than the region number reached so far, which then counts as the last.
+// A later list may be shorter than the number reached so far, which then counts as the last region.
 size_t RegionGuard::current() const { return std::min(current_, regions_.count() - 1); }
 
 bool RegionGuard::watches(const AsLine& line) const {
@@ -121,23 +109,19 @@ void RegionGuard::checkOverflow(const AsLine& line, uint32_t pc) {
                                          "). Reduce code size or add a larger region to the layout."});
 }
 
-size_t RegionGuard::spill(const AsLine& line, const AsLine* previous, uint32_t pc, AsLine (&inserted)[2]) {
-  if (!watches(line) || isLast()) return 0;
+RegionGuard::Spill RegionGuard::spill(const AsLine& line, const AsLine* previous, uint32_t pc) {
+  if (!watches(line) || isLast()) return {};
   const int64_t end = regions_.end(current_);
-  if (end < reserve || int64_t{pc} + line.size <= end - reserve) return 0;
-  if (endsExecution(previous) || line.kind == Kind::Space) {
-    inserted[0] = makeOrg(nextStartText(), line.lineNumber);
-    return 1;
-  }
-  if (previous != nullptr && previous->longBranchMarked) return 0;
+  if (end < reserve || int64_t{pc} + line.size <= end - reserve) return {};
+  if (endsExecution(previous) || line.kind == Kind::Space) return {{}, makeOrg(nextStartText(), line.lineNumber)};
+  if (previous != nullptr && previous->longBranchMarked) return {};
   if (int64_t{pc} + bridgeSize > end + 1) {
     diagnostics_.errorAt(line.lineNumber, {"region ", dollarHex(regions_.start(current_)), "-", dollarHex(end),
                                            " too full for auto-spill JMP bridge at PC ", dollarHex(pc)});
-    return 0;
+    return {};
   }
-  inserted[0] = makeBridge(nextStartText(), line.lineNumber);
-  inserted[1] = makeOrg(inserted[0].operand, line.lineNumber);
-  return 2;
+  const std::string_view address = nextStartText();
+  return {makeBridge(address, line.lineNumber), makeOrg(address, line.lineNumber)};
 }
 
 bool RegionGuard::moveBlock(std::vector<AsLine>& statements, size_t spillPoint, uint32_t pc) {
@@ -150,7 +134,7 @@ bool RegionGuard::moveBlock(std::vector<AsLine>& statements, size_t spillPoint, 
   }
   if (blockEnd <= room) return false;
   statements[spillPoint].kind = Kind::Org;
-  statements[spillPoint].operand = nextStartText();
+  statements[spillPoint].setOperand(nextStartText());
   return true;
 }
 

@@ -1,8 +1,9 @@
-// Keeps code inside the address ranges that a program declares: what would run into the end of one region moves to the
-// start of the next, with a JMP between them where execution would fall through.
+// Keeps code inside the address ranges that a program declares: code that would reach the end of one region moves to
+// the start of the next, with a JMP between them where execution would fall through.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,7 +14,7 @@
 
 namespace kiln {
 
-// The declared regions, in the order written. They may overlap and stand in any order.
+// The declared regions, in the order written. They may overlap, and be in any order.
 class RegionList {
  public:
   // Start and end of each region in turn, inclusive, 0..65535.
@@ -27,13 +28,16 @@ class RegionList {
   int32_t find(uint32_t address) const;
 
  private:
-  void indexAddresses() const;
+  // From this address to the next cut, this region is the first one, or none (-1).
+  struct Cut {
+    uint32_t address;
+    int32_t region;
+  };
+
+  static bool isBefore(const Cut& a, const Cut& b) { return a.address < b.address; }
 
   std::vector<uint32_t> bounds_;
-  // A walk over few regions is quick. Once the walks together have cost as much as an index of all addresses would,
-  // there is one.
-  mutable size_t steps_ = 0;
-  mutable std::vector<int32_t> byAddress_;
+  std::vector<Cut> cuts_;
 };
 
 // A statement to be inserted before the statement that has this index in the parsed list.
@@ -52,19 +56,24 @@ class RegionGuard {
 
   // The program counter has been set: finds the region that holds it.
   void locate(uint32_t pc);
-  // The program counter has been set to the start of the next region, which thereby is the current one.
+  // The program counter has been set to the start of the next region, which becomes the current one.
   void enterNext();
-  // Code in a cloaked segment is nobody's business here.
+  // Code in a cloaked segment is not checked.
   void suspend(bool suspended) { suspended_ = suspended; }
 
   // Reports a statement at `pc` that runs past the last region; once a pass.
   void checkOverflow(const AsLine& line, uint32_t pc);
 
-  // What must be inserted before `line`, which would stand at `pc` behind `previous` (null for the first statement):
-  // nothing, the ".org" of the next region, or a bridge and the ".org". Returns how many statements `inserted` has.
-  size_t spill(const AsLine& line, const AsLine* previous, uint32_t pc, AsLine (&inserted)[2]);
+  // Statements to be inserted: none, the ".org" of the next region, or a bridge and the ".org".
+  struct Spill {
+    std::optional<AsLine> bridge;
+    std::optional<AsLine> origin;
+  };
 
-  // Decides at a ".spill_point" whether the block behind it stays in the region. If not, the statement becomes the
+  // What has to come before `line`, which would be at `pc` after `previous` (null after a line without a statement).
+  Spill spill(const AsLine& line, const AsLine* previous, uint32_t pc);
+
+  // Decides at a ".spill_point" whether the block after it stays in the region. If not, the statement becomes the
   // ".org" of the next region, and the result is true: the program counter is then nextStart().
   bool moveBlock(std::vector<AsLine>& statements, size_t spillPoint, uint32_t pc);
 

@@ -1,19 +1,14 @@
 // Calls and jumps into other banks, rewritten in the source text to go through main memory.
 #pragma once
 
-#include <cstddef>
-#include <string_view>
-#include <unordered_map>
-#include <vector>
-
 #include "passes/assembler.h"
 #include "passes/line_edits.h"
 
 namespace kiln {
 
-// Looks for JSR and JMP instructions whose target lies in another bank than they do, appends the edits that stage them,
-// and returns how many it found. Without a code bank register there is nothing to stage with. Calls staged in earlier
-// iterations get the symbols that they need. A stage label outside main memory is an error.
-size_t stageCrossBankCalls(Assembler& assembler, std::vector<LineEdit>& edits);
+// Stages each JSR and JMP whose target is in another bank. Calls staged in earlier iterations get the symbols that they
+// need. Without a code bank register nothing can be staged. A stage label outside main memory is an error.
+Rewrite stageCrossBankCalls(Iteration& iteration, const SourceLines& lines, const BankedSettings& settings,
+                            const ShadowPlan& shadowPlan, RewriteState& state);
 
 }  // namespace kiln

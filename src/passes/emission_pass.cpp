@@ -6,180 +6,167 @@
 #include "base/text.h"
 #include "isa/operand_checks.h"
 #include "passes/look_ahead.h"
-#include "passes/segment_cursor.h"
-#include "source/operands.h"
+#include "passes/placement.h"
+#include "source/data_items.h"
+#include "source/statements.h"
 
 namespace kiln {
 namespace {
 
-// Twice what 65,536 banks of 16 KB hold. Whoever asks for more meant less than nothing: a count below 0 is a large one,
-// and nobody wants to wait for a file of 4 GB.
+// Twice the bytes in 65,536 banks of 16 KB. A larger count is a negative number that was meant to be something else.
 constexpr uint64_t mostSpace = uint64_t{1} << 31;
 
-class EmissionPass {
- public:
-  EmissionPass(Iteration& iteration, uint32_t bankOrigin, Diagnostics& diagnostics)
-      : iteration_(iteration), bankOrigin_(bankOrigin), diagnostics_(diagnostics), cursor_(iteration.codeRegions) {}
+// The opcode of an instruction, -1 when there is none, and the mode that it is for.
+struct Encoding {
+  int opcode;
+  Mode mode;
+};
 
-  std::vector<AsSegment> run();
+// A mode that the mnemonic lacks gives way to its absolute form, whose size then counts even when that is missing, too.
+Encoding encodingOf(const AsLine& line) {
+  const int opcode = opcodeFor(line.mnemonic, line.mode);
+  if (opcode >= 0) return {opcode, line.mode};
+  const Mode absolute = absoluteForm(line.mode);
+  return {opcodeFor(line.mnemonic, absolute), absolute};
+}
+
+// Listens to the placements of all statements.
+class Emission {
+ public:
+  Emission(Iteration& iteration, Diagnostics& diagnostics) : iteration_(iteration), diagnostics_(diagnostics) {}
+
+  void openSegment(const Opening& opening, const AsLine& line);
+  void fillGap(uint32_t size) { appendZeros(size); }
+  uint32_t placeBytes(const AsLine& line, uint32_t pc);
+  void closeSegment() {}
+
+  std::vector<AsSegment> takeSegments() { return std::move(segments_); }
 
  private:
-  void emitStatement(AsLine& line);
-  void emitOrigin(uint32_t target);
-  void openCloaked(std::string_view argument);
-  AsSegment& openSegment(uint32_t address);
-  std::vector<uint8_t>& currentBytes();
-
-  void encode(AsLine& line, std::vector<uint8_t>& bytes);
+  std::vector<uint8_t>& bytes() { return segments_.back().bytes; }
+  void appendZeros(uint32_t count) { bytes().resize(bytes().size() + count); }
+  uint32_t encode(const AsLine& line, uint32_t pc);
+  void emitItems(const AsLine& line);
   template <size_t ItemSize>
-  void emitItems(const AsLine& line, std::vector<uint8_t>& bytes);
-  void emitSpace(uint32_t size, std::vector<uint8_t>& bytes);
+  void emitItemsOf(const AsLine& line);
+  void emitString(std::string_view text);
+  void emitSpace(uint32_t size);
 
   Iteration& iteration_;
-  const uint32_t bankOrigin_;
   Diagnostics& diagnostics_;
-  SegmentCursor cursor_;
   uint64_t space_ = 0;
-  std::vector<AsSegment> segments_;  // the last one is the one to append to while the cursor is open
+  std::vector<AsSegment> segments_;  // the last one takes the bytes
   std::string scratch_;
 };
 
-std::vector<AsSegment> EmissionPass::run() {
-  LookAhead ahead(iteration_.symbols, iteration_.statements, [](const AsLine& line) { return line.operand; });
-  for (AsLine& line : iteration_.statements) {
-    ahead.step();
-    if (emitsBytes(line.kind)) {
-      emitStatement(line);
-    } else if (line.kind == Kind::Org) {
-      emitOrigin(low16(iteration_.evaluator.evaluate(line.operand)));
-    } else if (line.kind == Kind::Bank) {
-      openSegment(bankOrigin_).bank = static_cast<int32_t>(iteration_.bankNumbers.at(line.operand));
-    } else if (line.kind == Kind::CloakedSegment) {
-      openCloaked(line.operand);
-    } else if (line.kind == Kind::CloakedSegmentEnd) {
-      cursor_.close();
-    }
-  }
-  return std::move(segments_);
-}
-
-void EmissionPass::emitStatement(AsLine& line) {
-  std::vector<uint8_t>& bytes = currentBytes();
-  switch (line.kind) {
-    case Kind::Instruction:
-      encode(line, bytes);
-      break;
-    case Kind::Byte:
-      emitItems<1>(line, bytes);
-      break;
-    case Kind::Word:
-      emitItems<2>(line, bytes);
-      break;
-    case Kind::Long:
-      emitItems<4>(line, bytes);
-      break;
-    case Kind::String:
-      bytes.insert(bytes.end(), line.operand.text().begin(), line.operand.text().end());
-      bytes.push_back(0);
-      break;
-    default:
-      emitSpace(line.size, bytes);
-      break;
-  }
-  cursor_.advance(line.size);
-}
-
-void EmissionPass::emitOrigin(uint32_t target) {
-  if (cursor_.splitsAt(target)) {
-    openSegment(target);
-    return;
-  }
-  const uint32_t gap = target - cursor_.pc();
-  std::vector<uint8_t>& bytes = segments_.back().bytes;
-  bytes.resize(bytes.size() + gap);
-  cursor_.advance(gap);
-}
-
-void EmissionPass::openCloaked(std::string_view argument) {
-  Fields items(argument, ',');
+void Emission::openSegment(const Opening& opening, const AsLine& line) {
+  AsSegment& segment = segments_.emplace_back();
+  segment.start = opening.address;
+  segment.bank = opening.bank;
+  segment.cloaked = opening.isCloaked;
+  if (!opening.isCloaked) return;
+  Fields items(line.operand(), ',');
   std::string_view item;
   items.next(item);
-  AsSegment& segment = openSegment(low16(iteration_.evaluator.evaluate(item)));
-  segment.cloaked = true;
   if (items.next(item) && !equalIgnoringCase(trim(item), "none")) {
     segment.cloakedId = static_cast<int32_t>(low32(iteration_.evaluator.evaluate(item)));
   }
 }
 
-AsSegment& EmissionPass::openSegment(uint32_t address) {
-  cursor_.open(address);
-  segments_.emplace_back().start = address;
-  return segments_.back();
-}
-
-std::vector<uint8_t>& EmissionPass::currentBytes() {
-  if (!cursor_.isOpen()) openSegment(cursor_.pc());
-  return segments_.back().bytes;
-}
-
-// The mode found without a row in the opcode table may have given way to its absolute form; it stays with the
-// statement, and so does the size. Without any row nothing is emitted, yet the size still counts.
-void EmissionPass::encode(AsLine& line, std::vector<uint8_t>& bytes) {
-  int opcode = opcodeFor(line.mnemonic, line.mode);
-  const Mode absolute = absoluteForm(line.mode);
-  if (opcode < 0 && absolute != line.mode) {
-    line.mode = absolute;
-    line.size = instructionSize(absolute);
-    opcode = opcodeFor(line.mnemonic, absolute);
+uint32_t Emission::placeBytes(const AsLine& line, uint32_t pc) {
+  switch (rowOf(line.kind).argument) {
+    case Argument::None:
+    case Argument::Text:
+      return encode(line, pc);
+    case Argument::Items:
+      emitItems(line);
+      break;
+    case Argument::Quoted:
+      emitString(line.operand());
+      break;
+    case Argument::Count:
+      emitSpace(line.size);
+      break;
   }
-  if (opcode < 0) {
+  return line.size;
+}
+
+// Returns the size, which counts even when there is nothing to emit.
+uint32_t Emission::encode(const AsLine& line, uint32_t pc) {
+  const Encoding encoding = encodingOf(line);
+  const uint32_t size = instructionSize(encoding.mode);
+  if (encoding.opcode < 0) {
     diagnostics_.errors.add({linePrefix(line.lineNumber), "invalid addressing mode for ", mnemonicText(line.mnemonic)});
-    return;
+    return size;
   }
-  bytes.push_back(static_cast<uint8_t>(opcode));
-  if (line.size == 1) return;
-  // An expression that is a name has no space next to a comma.
-  const bool hasSpaces = line.hasCommaSpaces && line.operand.hash() == 0;
-  const std::string_view operand = hasSpaces ? withoutCommaSpaces(line.operand, scratch_) : line.operand.text();
-  const std::string_view expression = valueExpression(operand, line.mode);
-  const int64_t value = iteration_.evaluator.evaluate(expression, line.operand.hash());
+  bytes().push_back(static_cast<uint8_t>(encoding.opcode));
+  if (size == 1) return size;
+  const std::string_view expression = instructionExpression(line, scratch_);
+  const int64_t value = iteration_.evaluator.evaluate(expression, line.nameHash);
   encodeOperand({.mnemonic = line.mnemonic,
-                 .mode = line.mode,
+                 .mode = encoding.mode,
                  .line = line.lineNumber,
-                 .pc = cursor_.pc(),
-                 .text = line.operand,
+                 .pc = pc,
+                 .text = line.operand(),
                  .expression = expression,
                  .value = value},
-                diagnostics_, bytes);
+                diagnostics_, bytes());
+  return size;
+}
+
+void Emission::emitItems(const AsLine& line) {
+  switch (rowOf(line.kind).itemSize) {
+    case 1:
+      return emitItemsOf<1>(line);
+    case 2:
+      return emitItemsOf<2>(line);
+    case 4:
+      return emitItemsOf<4>(line);
+  }
 }
 
 template <size_t ItemSize>
-void EmissionPass::emitItems(const AsLine& line, std::vector<uint8_t>& bytes) {
-  bytes.resize(bytes.size() + line.size);
-  uint8_t* to = bytes.data() + (bytes.size() - line.size);
-  const bool takesDecimals = !iteration_.symbols.hasDigitNames();
-  DataItems items = line.items();
-  int64_t value = 0;
-  for (std::string_view item;;) {
-    if (!items.nextLiteral(takesDecimals, value)) {
-      if (!items.next(item)) return;
-      value = iteration_.evaluator.evaluate(item);
+void Emission::emitItemsOf(const AsLine& line) {
+  appendZeros(line.size);
+  uint8_t* to = bytes().data() + (bytes().size() - line.size);
+  const bool decimalsMayBeNames = iteration_.symbols.hasDigitNames();
+  DataItems items(line.operand());
+  while (true) {
+    int64_t value = decimalsMayBeNames ? items.takeHexLiteral() : items.takeLiteral();
+    if (value < 0) {
+      const std::optional<std::string_view> item = items.next();
+      if (!item.has_value()) return;
+      value = iteration_.evaluator.evaluate(*item);
     }
     for (size_t i = 0; i < ItemSize; ++i)
       *to++ = static_cast<uint8_t>(static_cast<uint64_t>(value) >> 8 * i & 0xFF);
   }
 }
 
-void EmissionPass::emitSpace(uint32_t size, std::vector<uint8_t>& bytes) {
+void Emission::emitString(std::string_view text) {
+  bytes().insert(bytes().end(), text.begin(), text.end());
+  bytes().push_back(0);
+}
+
+void Emission::emitSpace(uint32_t size) {
   space_ += size;
   if (space_ > mostSpace) throw std::bad_alloc();
-  bytes.resize(bytes.size() + size);
+  appendZeros(size);
 }
 
 }  // namespace
 
 std::vector<AsSegment> emit(Iteration& iteration, uint32_t bankOrigin, Diagnostics& diagnostics) {
-  return EmissionPass(iteration, bankOrigin, diagnostics).run();
+  Emission emission(iteration, diagnostics);
+  PlacementWalker walker(iteration, iteration.evaluator, bankOrigin, emission);
+  const std::vector<AsLine>& lines = iteration.statements.lines;
+  LookAhead ahead(iteration.symbols, lines,
+                  [](const AsLine& line) { return HashedName(line.operand(), line.nameHash); });
+  for (const AsLine& line : lines) {
+    ahead.step();
+    walker.step(line);
+  }
+  return emission.takeSegments();
 }
 
 }  // namespace kiln

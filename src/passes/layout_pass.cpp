@@ -21,12 +21,12 @@ class LayoutPass {
   void run();
 
  private:
-  void layOutWithSpills(size_t index);
+  void layOutWithSpills(size_t index, HashedName label);
   const AsLine* previous(size_t index) const;
   void applyInsertions();
 
-  void layOutStatement(AsLine& line);
-  void defineLabel(const AsLine& line);
+  void layOutStatement(AsLine& line, HashedName label);
+  void defineLabel(const AsLine& line, HashedName label);
   void layOutByKind(AsLine& line);
   void moveTo(uint32_t address);
   void setOrigin(int64_t address);
@@ -46,76 +46,83 @@ class LayoutPass {
 };
 
 void LayoutPass::run() {
-  std::vector<AsLine>& statements = iteration_.statements;
-  LookAhead ahead(iteration_.symbols, statements, [](const AsLine& line) { return line.label; });
-  for (size_t i = 0; i < statements.size(); ++i) {
-    ahead.step();
+  std::vector<AsLine>& lines = iteration_.statements.lines;
+  LabelReader labels(iteration_.statements.labels);
+  LookAhead ahead(iteration_.symbols, iteration_.statements.labels, [](HashedName label) { return label; });
+  for (size_t i = 0; i < lines.size(); ++i) {
+    if (lines[i].hasLabel) ahead.step();
+    const HashedName label = labels.of(lines[i]);
     if (guard_.regions().count() != 0) {
-      layOutWithSpills(i);
+      layOutWithSpills(i, label);
     } else {
-      layOutStatement(statements[i]);
+      layOutStatement(lines[i], label);
     }
   }
   applyInsertions();
   iteration_.codeRegions = guard_.regions();
 }
 
-// A statement that spills is asked again in the next region, which may be too small for it as well.
-void LayoutPass::layOutWithSpills(size_t index) {
-  AsLine& line = iteration_.statements[index];
+// A spilled statement is checked again: the next region may be too small, too.
+void LayoutPass::layOutWithSpills(size_t index, HashedName label) {
+  AsLine& line = iteration_.statements.lines[index];
   while (true) {
     guard_.checkOverflow(line, pc_);
-    AsLine inserted[2];
-    const size_t count = guard_.spill(line, previous(index), pc_, inserted);
-    if (count == 0) break;
-    if (count == 2) layOutStatement(inserted[0]);
+    RegionGuard::Spill spill = guard_.spill(line, previous(index), pc_);
+    if (spill.bridge.has_value()) {
+      layOutStatement(*spill.bridge, {});
+      insertions_.push_back({index, *spill.bridge});
+    }
+    if (!spill.origin.has_value()) break;
+    spill.origin->address = pc_;
+    insertions_.push_back({index, *spill.origin});
     setOrigin(guard_.nextStart());
     guard_.enterNext();
-    for (size_t i = 0; i < count; ++i)
-      insertions_.push_back({index, inserted[i]});
   }
-  if (line.kind == Kind::SpillPoint && guard_.moveBlock(iteration_.statements, index, pc_)) {
-    defineLabel(line);
+  if (line.kind == Kind::SpillPoint && guard_.moveBlock(iteration_.statements.lines, index, pc_)) {
+    if (line.hasLabel) defineLabel(line, label);
+    line.address = pc_;
     pc_ = guard_.nextStart();
     guard_.enterNext();
   } else {
-    layOutStatement(line);
+    layOutStatement(line, label);
   }
 }
 
+// The statement before this one; null for the first, and after a line without a statement.
 const AsLine* LayoutPass::previous(size_t index) const {
   if (!insertions_.empty() && insertions_.back().before == index) return &insertions_.back().line;
-  return index == 0 ? nullptr : &iteration_.statements[index - 1];
+  const std::vector<AsLine>& lines = iteration_.statements.lines;
+  if (index == 0 || lines[index - 1].lineNumber + 1 < lines[index].lineNumber) return nullptr;
+  return &lines[index - 1];
 }
 
-// Opens the gaps from the back, so that every statement moves once.
+// Opens the gaps from the end, so that every statement moves once.
 void LayoutPass::applyInsertions() {
-  std::vector<AsLine>& statements = iteration_.statements;
-  size_t from = statements.size();
-  statements.resize(from + insertions_.size());
-  size_t to = statements.size();
+  std::vector<AsLine>& lines = iteration_.statements.lines;
+  size_t from = lines.size();
+  lines.resize(from + insertions_.size());
+  size_t to = lines.size();
   for (; !insertions_.empty(); insertions_.pop_back()) {
     while (from > insertions_.back().before)
-      statements[--to] = statements[--from];
-    statements[--to] = insertions_.back().line;
+      lines[--to] = lines[--from];
+    lines[--to] = insertions_.back().line;
   }
 }
 
-void LayoutPass::layOutStatement(AsLine& line) {
-  if (!line.label.empty()) defineLabel(line);
+void LayoutPass::layOutStatement(AsLine& line, HashedName label) {
+  if (line.hasLabel) defineLabel(line, label);
+  line.address = pc_;
   layOutByKind(line);
 }
 
-// A label may take the place of a seed in silence, and of nothing else.
-void LayoutPass::defineLabel(const AsLine& line) {
-  if (line.label.empty()) return;
-  bool isNew = false;
-  Symbol& symbol = iteration_.symbols.enter(line.label, line.label.hash(), isNew);
-  if (!isNew && !line.labelLocal && !symbol.seed) {
-    diagnostics_.errorAt(line.lineNumber, {"duplicate label '", line.label, "'"});
+// A label may replace a seed without a message, and nothing else.
+void LayoutPass::defineLabel(const AsLine& line, HashedName label) {
+  const auto [symbol, isNew] = iteration_.symbols.enter(label);
+  if (!isNew && !line.labelLocal && symbol.seed == 0) {
+    diagnostics_.errorAt(line.lineNumber, {"duplicate label '", label.text(), "'"});
   }
   symbol.value = pc_;
-  if (currentBank_ != 0) symbol.bank = currentBank_;
+  if (currentBank_ != 0) symbol.bank = currentBank_ & 0x7FFFFFFF;
 }
 
 void LayoutPass::layOutByKind(AsLine& line) {
@@ -127,11 +134,10 @@ void LayoutPass::layOutByKind(AsLine& line) {
     case Kind::Long:
     case Kind::String:
     case Kind::Space:
-      line.address = pc_;
       pc_ = (pc_ + line.size) & 0xFFFF;
       break;
     case Kind::Org:
-      setOrigin(evaluator.evaluate(line.operand));
+      setOrigin(evaluator.evaluate(line.operand()));
       guard_.locate(pc_);
       break;
     case Kind::Bank:
@@ -145,11 +151,11 @@ void LayoutPass::layOutByKind(AsLine& line) {
       guard_.suspend(false);
       break;
     case Kind::CodeRegions:
-      guard_.declare(parseAddressRanges(line.operand, line.lineNumber, evaluator, diagnostics_));
+      guard_.declare(parseAddressRanges(line.operand(), line.lineNumber, evaluator, diagnostics_));
       guard_.locate(pc_);
       break;
     case Kind::ShadowRanges:
-      shadowPlan_.ranges = parseAddressRanges(line.operand, line.lineNumber, evaluator, diagnostics_);
+      shadowPlan_.ranges = parseAddressRanges(line.operand(), line.lineNumber, evaluator, diagnostics_);
       break;
     case Kind::ShadowStage:
       setStageAddress(line);
@@ -180,19 +186,19 @@ void LayoutPass::setOrigin(int64_t address) {
 }
 
 void LayoutPass::selectBank(const AsLine& line) {
-  const auto [entry, isNew] = iteration_.bankNumbers.try_emplace(line.operand, 0);
+  const auto [entry, isNew] = iteration_.bankNumbers.try_emplace(line.operand(), 0);
   if (isNew) entry->second = ++bankCounter_;
   currentBank_ = entry->second;
-  iteration_.symbols.set(iteration_.texts.join({"__bank_", line.operand}), currentBank_);
+  iteration_.symbols.set(iteration_.texts.join({"__bank_", line.operand()}), currentBank_);
   moveTo(low16(settings_.banking.bankWindowLow));
 }
 
 void LayoutPass::setStageAddress(const AsLine& line) {
-  const int64_t address = iteration_.evaluator.evaluate(line.operand);
+  const int64_t address = iteration_.evaluator.evaluate(line.operand());
   if (address < 0x10000) {
     shadowPlan_.stageAddress = low16(address);
   } else {
-    diagnostics_.errorAt(line.lineNumber, {"invalid .shadow_stage address '", line.operand, "'"});
+    diagnostics_.errorAt(line.lineNumber, {"invalid .shadow_stage address '", line.operand(), "'"});
   }
 }
 
@@ -201,10 +207,9 @@ void LayoutPass::assign(const AsLine& line) {
   const int64_t value = iteration_.evaluator.evaluate(line.assignValue());
   const Symbol* const source = iteration_.symbols.find(leadingSymbol(line.assignValue()));
   const uint32_t bank = source == nullptr ? 0 : source->bank;
-  bool isNew = false;
-  Symbol& symbol = iteration_.symbols.enter(line.assignName(), isNew);
+  Symbol& symbol = iteration_.symbols.enter(HashedName(line.assignName())).symbol;
   symbol.value = value;
-  if (bank != 0) symbol.bank = bank;
+  if (bank != 0) symbol.bank = bank & 0x7FFFFFFF;
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -9,13 +12,25 @@
 
 namespace kiln {
 
-// The line at `index` gives way to `lines`.
+// The line at `index` is replaced by `lines`.
 struct LineEdit {
   size_t index;
   std::vector<std::string_view> lines;
 };
 
-// The edits must stand in the order of their lines, at most one a line. One sweep, however many there are.
+// What a rewriter wants to change.
+struct Rewrite {
+  struct Error {
+    uint32_t line;  // from 1, in the expanded source
+    std::string text;
+  };
+
+  std::vector<LineEdit> edits;  // in the order of their lines, at most one a line
+  size_t count = 0;             // of the calls or branches to rewrite; 0 = no edits
+  std::optional<Error> error;   // why it cannot be done
+};
+
+// One sweep, however many edits there are.
 void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits);
 
 }  // namespace kiln

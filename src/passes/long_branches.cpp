@@ -1,24 +1,25 @@
-// A branch reaches 128 bytes back and 127 forward, counted from the instruction behind it. One that does not reach is
+// A branch reaches 128 bytes back and 127 forward, counted from the next instruction. One that does not reach is
 // replaced, as source text, by the inverted branch over a JMP:
 //
 //     2000  BEQ far            2000  BNE _klb_0 ; longbr
 //                              2002  JMP far
 //                              2005  _klb_0:
 //
-// and a BRA by the JMP alone. The whole source line goes: its label, further statements and comment are not carried
-// over. The longer code may push other targets out of reach, so the next iteration looks again.
+// and a BRA by the JMP alone. The whole source line goes: its label, its other statements and its comment are dropped.
+// The longer code may push other targets out of reach, so the next iteration checks again.
 //
-// That comes to an end: a rewritten line holds no branch that could be rewritten again (the inverted one jumps over
-// three bytes, which a code-region spill keeps together), so there are at most as many rewrites as branches; and the
-// pipeline stops after eight iterations in any case.
+// This ends: a rewritten line has no branch that could be rewritten again (the inverted one jumps over three bytes,
+// which a code-region spill keeps together), so there are at most as many rewrites as branches; and the pipeline stops
+// after eight iterations in any case.
 //
-// Addresses are counted in a model of their own that knows origins and banks only. Code in cloaked segments is
-// therefore seen at other addresses than its labels have.
+// Addresses are counted in a model of their own that knows origins and banks only. Code in cloaked segments therefore
+// has other addresses here than its labels have.
 #include "passes/long_branches.h"
 
 #include "base/arithmetic.h"
 #include "base/format.h"
 #include "passes/look_ahead.h"
+#include "source/statements.h"
 
 namespace kiln {
 namespace {
@@ -33,9 +34,9 @@ struct Branch {
 std::vector<Branch> findBranches(Iteration& iteration, uint32_t bankOrigin) {
   std::vector<Branch> branches;
   uint32_t address = 0;
-  for (const AsLine& line : iteration.statements) {
+  for (const AsLine& line : iteration.statements.lines) {
     if (line.kind == Kind::Org) {
-      address = low16(iteration.evaluator.evaluate(line.operand));
+      address = low16(iteration.evaluator.evaluate(line.operand()));
     } else if (line.kind == Kind::Bank) {
       address = bankOrigin;
     } else {
@@ -51,30 +52,31 @@ bool reaches(int64_t target, uint32_t address) {
   return distance >= -128 && distance <= 127;
 }
 
-std::vector<std::string_view> replacement(const AsLine& branch, uint32_t& labelCount, TextStore& texts) {
-  const std::string_view jump = texts.join({"    JMP ", branch.operand});
+std::vector<std::string_view> replacement(const AsLine& branch, RewriteState& state) {
+  const std::string_view jump = state.texts.join({"    JMP ", branch.operand()});
   const Mnemonic inverted = invertBranch(branch.mnemonic);
   if (inverted == Mnemonic::None) return {jump};
-  const std::string_view label = texts.join({"_klb_", decimal(labelCount++), ":"});
+  const std::string_view label = state.texts.join({longBranchLabel, decimal(state.longBranchLabels++), ":"});
   const std::string_view name = label.substr(0, label.size() - 1);
-  return {texts.join({"    ", mnemonicText(inverted), " ", name, " ; longbr"}), jump, label};
+  return {state.texts.join({"    ", mnemonicText(inverted), " ", name, " ", longBranchComment}), jump, label};
 }
 
 }  // namespace
 
-std::vector<LineEdit> rewriteLongBranches(Iteration& iteration, uint32_t bankOrigin, uint32_t& labelCount,
-                                          TextStore& texts) {
-  std::vector<LineEdit> edits;
+Rewrite rewriteLongBranches(Iteration& iteration, uint32_t bankOrigin, RewriteState& state) {
+  Rewrite rewrite;
   const std::vector<Branch> branches = findBranches(iteration, bankOrigin);
-  LookAhead ahead(iteration.symbols, branches, [](const Branch& branch) { return branch.line->operand; });
+  LookAhead ahead(iteration.symbols, branches,
+                  [](const Branch& branch) { return HashedName(branch.line->operand(), branch.line->nameHash); });
   for (const auto& [line, address] : branches) {
     ahead.step();
-    if (reaches(iteration.evaluator.evaluate(line->operand, line->operand.hash()), address)) continue;
+    if (reaches(iteration.evaluator.evaluate(line->operand(), line->nameHash), address)) continue;
     const size_t index = line->lineNumber - 1;
-    if (!edits.empty() && edits.back().index == index) continue;
-    edits.push_back({index, replacement(*line, labelCount, texts)});
+    if (!rewrite.edits.empty() && rewrite.edits.back().index == index) continue;
+    rewrite.edits.push_back({index, replacement(*line, state)});
   }
-  return edits;
+  rewrite.count = rewrite.edits.size();
+  return rewrite;
 }
 
 }  // namespace kiln

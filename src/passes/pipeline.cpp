@@ -19,25 +19,36 @@ constexpr int iterationLimit = 8;
 void parseAndLayOut(Assembler& assembler) {
   assembler.diagnostics.errors.clear();
   assembler.diagnostics.warnings.clear();
-  // A fresh iteration, but for the room that its statements take: to get 50 MB anew takes a tenth of a round's time.
-  std::vector<AsLine> room;
-  if (assembler.iteration.has_value()) room = std::move(assembler.iteration->statements);
-  room.clear();
   Iteration& iteration = assembler.iteration.emplace(assembler.diagnostics.warnings);
-  iteration.statements = std::move(room);
   enterInitialSymbols(assembler.settings, iteration.symbols);
   parseStatements(assembler.lines, iteration);
-  // All statements stand, with their sizes; none has an address.
+  // All statements exist and have their sizes; none has an address.
   layOut(assembler.settings, assembler.diagnostics, assembler.shadowPlan, iteration);
 }
 
-// A progress line goes with the warnings of its iteration, and the next iteration drops those: only the last one that
-// is allowed ever shows.
+// A progress line is one of the warnings of its iteration, which the next iteration drops: only that of the last
+// iteration is ever printed.
 void noteProgress(Assembler& assembler, int round, std::string_view verb, size_t count, std::string_view noun,
                   std::string_view plural) {
   if (!assembler.settings.verbose) return;
   assembler.diagnostics.warnings.add({"iteration ", decimal(round), ": ", verb, " ",
                                       decimal(static_cast<int64_t>(count)), " ", count == 1 ? noun : plural});
+}
+
+// The edits of one rewriter: the stager's, or, when it has none, those of the long-branch rewriter.
+Rewrite findRewrite(Assembler& assembler, uint32_t bankOrigin, int round) {
+  Iteration& iteration = *assembler.iteration;
+  Rewrite staged = stageCrossBankCalls(iteration, assembler.lines, assembler.settings.banking, assembler.shadowPlan,
+                                       assembler.rewriteState);
+  if (staged.count != 0) {
+    noteProgress(assembler, round, "staged", staged.count, "cross-bank call", "cross-bank calls");
+    return staged;
+  }
+  Rewrite rewritten = rewriteLongBranches(iteration, bankOrigin, assembler.rewriteState);
+  if (rewritten.count != 0) {
+    noteProgress(assembler, round, "rewrote", rewritten.count, "long branch", "long branches");
+  }
+  return rewritten;
 }
 
 }  // namespace
@@ -50,17 +61,14 @@ bool assemble(Assembler& assembler) {
   for (int round = 1; round <= iterationLimit; ++round) {
     parseAndLayOut(assembler);
     if (!diagnostics.errors.empty()) return false;
-    std::vector<LineEdit> edits;
-    if (const size_t staged = stageCrossBankCalls(assembler, edits); staged != 0) {
-      if (!diagnostics.errors.empty()) return false;
-      noteProgress(assembler, round, "staged", staged, "cross-bank call", "cross-bank calls");
-    } else {
-      edits = rewriteLongBranches(*assembler.iteration, bankOrigin, assembler.rewriteCount, assembler.texts);
-      if (edits.empty()) break;
-      noteProgress(assembler, round, "rewrote", edits.size(), "long branch", "long branches");
+    const Rewrite rewrite = findRewrite(assembler, bankOrigin, round);
+    if (rewrite.error.has_value()) {
+      diagnostics.errorAt(rewrite.error->line, {rewrite.error->text});
+      return false;
     }
-    // The lines stay as the statements know them when there is no iteration left to read them anew.
-    if (round < iterationLimit) applyEdits(assembler.lines, edits);
+    if (rewrite.count == 0) break;
+    // After the last round the lines stay as the statements know them.
+    if (round < iterationLimit) applyEdits(assembler.lines, rewrite.edits);
   }
   // The layout is fixed below this line.
   assembler.segments = emit(*assembler.iteration, bankOrigin, diagnostics);

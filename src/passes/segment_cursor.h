@@ -1,4 +1,4 @@
-// Where the next byte goes, and when a new segment opens for it.
+// The address of the next byte, and when a new segment opens for it.
 #pragma once
 
 #include <cstdint>
@@ -7,14 +7,14 @@
 
 namespace kiln {
 
-// Follows the statements in order; whoever asks does with the segments what he likes. The regions must outlive it.
+// The regions have to outlive it.
 class SegmentCursor {
  public:
   explicit SegmentCursor(const RegionList& regions) : regions_(regions) {}
 
   uint32_t pc() const { return pc_; }
 
-  // False when no segment is at hand: the next byte needs a new one at pc().
+  // False when there is no segment: the next byte needs a new one at pc().
   bool isOpen() const { return isOpen_; }
 
   // True when an origin begins a new segment; false when the gap up to it is filled instead.
@@ -24,7 +24,7 @@ class SegmentCursor {
   void open(uint32_t address);
   // No segment from here on.
   void close() { isOpen_ = false; }
-  // `size` bytes for the segment at hand.
+  // `size` bytes for the open segment.
   void advance(uint32_t size);
 
  private:

@@ -8,10 +8,9 @@ namespace kiln {
 
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
   for (const NamedValue& seed : settings.seeds) {
-    bool isNew = false;
-    Symbol& symbol = symbols.enter(seed.name, isNew);
+    Symbol& symbol = symbols.enter(HashedName(seed.name)).symbol;
     symbol.value = seed.value;
-    symbol.seed = true;
+    symbol.seed = 1;
   }
   const BankedSettings& banking = settings.banking;
   if (banking.codeBankRegister != 0) symbols.set("__bank_code_reg", banking.codeBankRegister);
@@ -22,8 +21,8 @@ void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
 
 void parseStatements(const SourceLines& lines, Iteration& iteration) {
   StatementParser parser(iteration.evaluator, iteration.texts);
-  // As many as there are lines and some, unless most lines are empty.
-  iteration.statements.reserve(std::min(lines.count() + lines.count() / 16, lines.size() / 8) + 1);
+  // One for each line, and some more, unless most lines are empty.
+  iteration.statements.lines.reserve(std::min(lines.count() + lines.count() / 16, lines.size() / 8) + 1);
   LineReader reader(lines.pieces());
   std::string_view line;
   uint32_t lineNumber = 0;

@@ -1,4 +1,4 @@
-// The first half of an iteration: the symbols that stand before the source, and the source as statements.
+// The first half of an iteration: the initial symbols, and the source as statements.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@
 
 namespace kiln {
 
-// Enters the seeds, the bank registers and the definitions, each taking the place of an earlier one of its name.
+// Enters the seeds, the bank registers and the definitions; each replaces an earlier one of its name.
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols);
 
 // Parses every line. Nothing is laid out yet, so only the initial symbols can select zero page.

@@ -1,4 +1,4 @@
-// The directives: their spellings, and what of each stands in its statement.
+// Recognises directives.
 #pragma once
 
 #include <string_view>
@@ -8,8 +8,8 @@
 
 namespace kiln {
 
-// Fills `line` when the text (trimmed, its label gone) is a directive; false when it is none. Only the count of
-// ".space " is evaluated here.
+// Fills `line` when the text (trimmed, without its label) is a directive; false when it is none. Evaluates nothing but
+// the count of ".space ".
 bool parseDirective(std::string_view text, Evaluator& evaluator, AsLine& line);
 
 }  // namespace kiln

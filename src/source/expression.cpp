@@ -1,8 +1,9 @@
-// How a text is taken apart: a "<" or ">" in front takes the whole rest. Otherwise it is cut at every "+" and "-"
-// outside parentheses, else at every "*" and "/", but never at its first character; the parts are evaluated from left
-// to right, each by the same rules. Depth is counted from the right end, so that texts with unbalanced parentheses have
-// their set meaning too. The operators are found in one walk and ordered by depth and place: whoever looks at a part
-// then finds its operators by bisection, and a stack of pending parts stands in for recursion.
+// How a text is taken apart: a "<" or ">" in front applies to the whole rest. Otherwise the text is cut at every "+"
+// and
+// "-" outside parentheses, else at every "*" and "/", but never at its first character; the parts are evaluated from
+// left to right by the same rules. Depth is counted from the right end, which gives unbalanced parentheses their
+// defined meaning. One walk finds all operators and orders them by depth and place; bisection then finds those of a
+// part, and a stack of pending operations replaces recursion.
 #include "source/expression.h"
 
 #include <algorithm>
@@ -56,39 +57,19 @@ int64_t combine(int64_t left, char sign, int64_t right) {
 
 }  // namespace
 
-// Nearly every operand is a name, a name with "<" or ">" before it, or a name with a number added. These need none of
-// the machinery below (a source of 16-bit moves by macro takes a tenth less time for it).
-int64_t Evaluator::evaluateGeneral(std::string_view text) {
+// Most operands are a name, or a name with "<" or ">" before it: they need no operators and no stack.
+int64_t Evaluator::expressionValue(std::string_view text) {
   const char front = text.front();
   if (front == '<' || front == '>') {
     const std::string_view rest = trim(text.substr(1));
-    if (!rest.empty() && isSinglePart(rest)) {
-      const int64_t value = evaluateLeaf(rest);
-      return front == '<' ? lowByte(value) : highByte(value);
-    }
-    return evaluateParts(text);
+    if (rest.empty() || !isSinglePart(rest)) return nestedValue(text);
+    const int64_t value = leafValue(rest);
+    return front == '<' ? lowByte(value) : highByte(value);
   }
-  if (isSinglePart(text)) return evaluateLeaf(text);
-  int64_t value = 0;
-  return evaluateTwoLeaves(text, value) ? value : evaluateParts(text);
+  return isSinglePart(text) ? leafValue(text) : nestedValue(text);
 }
 
-// Two plain parts with one operator between them; false when the text is anything else.
-bool Evaluator::evaluateTwoLeaves(std::string_view text, int64_t& value) {
-  const auto found = std::find_if(text.begin() + 1, text.end(), isOperator);
-  if (found == text.end()) return false;
-  const size_t at = static_cast<size_t>(found - text.begin());
-  const std::string_view left = trim(text.substr(0, at));
-  const std::string_view right = trim(text.substr(at + 1));
-  if (left.empty() || right.empty() || isOperator(right.front())) return false;
-  if (!isSinglePart(left) || !isSinglePart(right)) return false;
-  if (text.find_first_of("()") != std::string_view::npos) return false;
-  const int64_t leftValue = evaluateLeaf(left);
-  value = combine(leftValue, text[at], evaluateLeaf(right));
-  return true;
-}
-
-int64_t Evaluator::evaluateForSize(std::string_view text, uint32_t hash) {
+int64_t Evaluator::sizingValue(std::string_view text, uint32_t hash) const {
   if (hash != 0) {
     const Symbol* const symbol = symbols_.find(text, hash);
     return symbol != nullptr ? symbol->value : 256;
@@ -101,7 +82,7 @@ int64_t Evaluator::evaluateForSize(std::string_view text, uint32_t hash) {
   return symbol != nullptr ? symbol->value : 256;
 }
 
-int64_t Evaluator::evaluateParts(std::string_view text) {
+int64_t Evaluator::nestedValue(std::string_view text) {
   findOperators(text);
   pending_.clear();
   Part part{0, text.size(), 0};
@@ -110,7 +91,7 @@ int64_t Evaluator::evaluateParts(std::string_view text) {
     while (open(text, part)) {
     }
     const std::string_view leaf = text.substr(part.begin, part.end - part.begin);
-    value = leaf.empty() ? 0 : evaluateLeaf(leaf);
+    value = leaf.empty() ? 0 : leafValue(leaf);
   } while (close(value, part));
   return value;
 }
@@ -138,7 +119,7 @@ void Evaluator::findOperators(std::string_view text) {
   }
 }
 
-// Narrows the part to what is evaluated first in it; false when it is a leaf, or empty.
+// Narrows the part to the piece of it that is evaluated first; false when it is a leaf, or empty.
 bool Evaluator::open(std::string_view text, Part& part) {
   while (part.begin < part.end && isBlank(text[part.begin]))
     ++part.begin;
@@ -196,7 +177,7 @@ const std::vector<Evaluator::Operator>& Evaluator::operatorsOf(const Pending& pe
   return pending.kind == Pending::Kind::Sum ? sums_ : products_;
 }
 
-// Where the operand at hand ends: at its next operator, or with the whole sum or product.
+// Where the current operand ends: at its next operator, or with the whole sum or product.
 size_t Evaluator::operandEnd(const Pending& pending) const {
   const std::vector<Operator>& candidates = operatorsOf(pending);
   if (pending.nextOperator == candidates.size()) return pending.end;
@@ -204,8 +185,8 @@ size_t Evaluator::operandEnd(const Pending& pending) const {
   return next.depth == pending.depth && next.at < pending.end ? next.at : pending.end;
 }
 
-// Gives the value to what waits for it. True when an operand is left to evaluate, which is then the part at hand;
-// false when `value` is that of the whole text.
+// Gives the value to the operations that wait for it. True when an operand is left to evaluate, which becomes the
+// current part; false when `value` is that of the whole text.
 bool Evaluator::close(int64_t& value, Part& part) {
   for (; !pending_.empty(); pending_.pop_back()) {
     Pending& pending = pending_.back();
@@ -234,20 +215,20 @@ bool Evaluator::close(int64_t& value, Part& part) {
   return false;
 }
 
-int64_t Evaluator::evaluateLeaf(std::string_view text) {
+int64_t Evaluator::leafValue(std::string_view text) {
   if (text.front() == '$') return parseRadix(text.substr(1), 16);
   if (text.front() == '%') return parseRadix(text.substr(1), 2);
-  return evaluateName(text);
+  return nameValue(text);
 }
 
-int64_t Evaluator::evaluateName(std::string_view text) {
+int64_t Evaluator::nameValue(std::string_view text) {
   const bool trailingH = isTrailingHLiteral(text);
   if (const Symbol* const symbol = symbols_.find(text)) {
     if (trailingH) warnOfAmbiguity(symbol->name);
     return symbol->value;
   }
   if (trailingH) return parseRadix(text.substr(0, text.size() - 1), 16);
-  return isDecimalLiteral(text) ? parseDecimal(text) : evaluateUnknownName(text, symbolHash(text));
+  return isDecimalLiteral(text) ? parseDecimal(text) : unknownNameValue(text, symbolHash(text));
 }
 
 void Evaluator::warnOfAmbiguity(std::string_view name) {
@@ -257,8 +238,8 @@ void Evaluator::warnOfAmbiguity(std::string_view name) {
                  name.substr(0, name.size() - 1), " to silence this warning"});
 }
 
-// A name that does not stand in the table as it is written.
-int64_t Evaluator::evaluateUnknownName(std::string_view text, uint32_t hash) {
+// The value of a name that is not in the table as it is written.
+int64_t Evaluator::unknownNameValue(std::string_view text, uint32_t hash) {
   if (const Symbol* const symbol = symbols_.findIgnoringCase(text, hash)) return symbol->value;
   warnings_.add({"undefined symbol '", text, "', using 0"});
   return 0;

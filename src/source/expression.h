@@ -14,32 +14,32 @@
 
 namespace kiln {
 
-// Evaluates anew at each call: an unknown name is worth 0 and gives its warning every time it is met. A label that
+// Nothing is cached: an unknown name has the value 0 and gives its warning each time it is evaluated. A label that
 // looks like a number gives its warning once for each evaluator.
 class Evaluator {
  public:
-  Evaluator(SymbolTable& symbols, MessageList& warnings) : symbols_(symbols), warnings_(warnings) {}
+  Evaluator(const SymbolTable& symbols, MessageList& warnings) : symbols_(symbols), warnings_(warnings) {}
 
   // Any text has a value; an empty one is 0. Time grows with the length of the text (times its logarithm where it has
-  // parentheses), whatever is nested in it, and the call stack does not grow at all.
+  // parentheses), and the call stack does not grow, whatever is nested in the text.
   int64_t evaluate(std::string_view text) {
     text = trim(text);
     if (text.empty()) return 0;
     const int64_t literal = parsePlainLiteral(text);
     if (literal >= 0 && (text.front() == '$' || !symbols_.hasDigitNames())) return literal;
-    return evaluateGeneral(text);
+    return expressionValue(text);
   }
 
-  // The same for a text whose nameHash() is known.
+  // The same for a text with this nameHash().
   int64_t evaluate(std::string_view text, uint32_t hash) {
     if (hash == 0) return evaluate(text);
     const Symbol* const symbol = symbols_.find(text, hash);
-    return symbol != nullptr ? symbol->value : evaluateUnknownName(text, hash);
+    return symbol != nullptr ? symbol->value : unknownNameValue(text, hash);
   }
 
-  // The value that only chooses between zero-page and absolute modes: it knows plain literals and names that stand in
-  // the table already; everything else is 256. Silent. `hash` is the nameHash() of the text.
-  int64_t evaluateForSize(std::string_view text, uint32_t hash);
+  // The value that chooses between zero-page and absolute modes: plain literals and names known so far have theirs,
+  // anything else has 256. No warnings. `hash` is the nameHash() of the text.
+  int64_t sizingValue(std::string_view text, uint32_t hash) const;
 
  private:
   struct Operator {
@@ -55,19 +55,18 @@ class Evaluator {
     size_t depth;
   };
 
-  // What waits for the value of the part at hand.
+  // An operation that waits for the value of the current part.
   struct Pending {
     enum class Kind : uint8_t { Sum, Product, LowByte, HighByte, Zero } kind;
-    char sign = '+';          // operator between `value` and the part at hand
+    char sign = '+';          // operator between `value` and the current part
     int64_t value = 0;        // of the operands before it
-    size_t nextOperator = 0;  // the operator behind the part at hand, in sums_ or products_
+    size_t nextOperator = 0;  // the operator after the current part, in sums_ or products_
     size_t end = 0;           // where the whole sum or product ends
     size_t depth = 0;
   };
 
-  int64_t evaluateGeneral(std::string_view text);
-  bool evaluateTwoLeaves(std::string_view text, int64_t& value);
-  int64_t evaluateParts(std::string_view text);
+  int64_t expressionValue(std::string_view text);
+  int64_t nestedValue(std::string_view text);
   void findOperators(std::string_view text);
   bool open(std::string_view text, Part& part);
   bool openOperands(Pending::Kind kind, Part& part);
@@ -75,21 +74,21 @@ class Evaluator {
   bool close(int64_t& value, Part& part);
   size_t operandEnd(const Pending& pending) const;
   const std::vector<Operator>& operatorsOf(const Pending& pending) const;
-  int64_t evaluateLeaf(std::string_view text);
-  int64_t evaluateName(std::string_view text);
+  int64_t leafValue(std::string_view text);
+  int64_t nameValue(std::string_view text);
+  int64_t unknownNameValue(std::string_view text, uint32_t hash);
   void warnOfAmbiguity(std::string_view name);
-  int64_t evaluateUnknownName(std::string_view text, uint32_t hash);
 
-  SymbolTable& symbols_;
+  const SymbolTable& symbols_;
   MessageList& warnings_;
   std::unordered_set<std::string_view, NameHash> ambiguousNames_;  // warned of; texts of the symbol table
-  std::vector<Operator> sums_;      // "+" and "-" of the text at hand, by depth and then place
+  std::vector<Operator> sums_;      // "+" and "-" of the current text, by depth and then place
   std::vector<Operator> products_;  // "*" and "/" likewise
   std::vector<Pending> pending_;
 };
 
-// The hash (see symbolHash()) of a text that is one name of letters, digits, "_" and "." and begins with no digit: its
-// value is that name's, whatever there is in the symbol table. 0 for other texts, and perhaps for a rare name.
+// The symbolHash() of a text that is one name of letters, digits, "_" and ".", the first no digit: its value is that of
+// the name, whatever the symbol table has. 0 for other texts, and perhaps for a rare name.
 uint32_t nameHash(std::string_view text);
 
 // The name at the front of an expression: the run of letters, digits, "_" and "." when it begins with a letter, "_" or

@@ -1,135 +1,72 @@
 // One statement of the program.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
 #include "base/text.h"
+#include "isa/modes.h"
 #include "isa/opcodes.h"
-#include "source/literals.h"
+#include "source/kinds.h"
+#include "source/symbols.h"
 
 namespace kiln {
 
-enum class Kind : uint8_t {
-  Empty,
-  LabelOnly,
-  Instruction,
-  Assign,
-  Org,
-  Byte,
-  Word,
-  Long,
-  String,
-  Space,
-  CodeRegions,
-  Bank,
-  SpillPoint,
-  ShadowRanges,
-  ShadowStage,
-  CloakedSegment,
-  CloakedSegmentEnd,
-};
-
-// The value expressions of a data list. They are cut out of the list's text whenever they are walked: keeping them
-// apart would cost more memory than the text itself.
-class DataItems {
+// Texts are views into the source or into the run's text store. Statements are most of what a run keeps, so they hold
+// only what every pass needs: the source text is found through the line number, a label in a list of labels.
+class AsLine {
  public:
-  explicit DataItems(std::string_view list) : at_(list.data()), end_(list.data() + list.size()) {}
-
-  // Moves to the next item, trimmed; empty ones are passed over. False when there is none left. Items have few
-  // characters, so that a plain loop beats a search for the comma (by a sixth of the time of a source of .byte lists).
-  bool next(std::string_view& item) {
-    while (at_ != end_) {
-      const char* const begin = at_;
-      while (at_ != end_ && *at_ != ',')
-        ++at_;
-      item = trim(std::string_view(begin, static_cast<size_t>(at_ - begin)));
-      if (at_ != end_) ++at_;
-      if (!item.empty()) return true;
-    }
-    return false;
+  // Instruction: the operand. Directive: the argument, of Byte, Word and Long the list. Assign: the whole statement.
+  std::string_view operand() const { return {operand_, operandSize_}; }
+  // `text` is shorter than 4 GB and has to stay.
+  void setOperand(std::string_view text) {
+    operand_ = text.data();
+    operandSize_ = static_cast<uint32_t>(text.size());
   }
 
-  // Takes the next item when it is, without a blank around it, a "$" with 1 to 15 hexadecimal digits behind it or (if
-  // `takesDecimals`) 1 to 15 decimal digits, and gives its value; otherwise takes nothing and is false. Most items are
-  // of these (a source of data lists takes a fifth less time than with next() and the evaluator alone).
-  bool nextLiteral(bool takesDecimals, int64_t& value) {
-    const char* at = at_;
-    const bool isHex = at != end_ && *at == '$';
-    if (!isHex && !takesDecimals) return false;
-    at += isHex ? 1 : 0;
-    const char* const digits = at;
-    uint64_t number = 0;
-    if (isHex) {
-      for (int digit; at != end_ && (digit = digitValues[static_cast<unsigned char>(*at)]) >= 0; ++at)
-        number = number << 4 | static_cast<unsigned>(digit);
-    } else {
-      for (; at != end_ && isDigit(*at); ++at)
-        number = number * 10 + static_cast<unsigned>(*at - '0');
-    }
-    if (at == digits || at - digits > 15 || (at != end_ && *at != ',')) return false;
-    value = static_cast<int64_t>(number);
-    at_ = at == end_ ? at : at + 1;
-    return true;
-  }
+  // The operand up to its first comma: the address of CloakedSegment.
+  std::string_view firstItem() const { return operand().substr(0, operand().find(',')); }
+  // Assign: the text before and after the first equals sign.
+  std::string_view assignName() const { return trim(operand().substr(0, operand().find('='))); }
+  std::string_view assignValue() const { return trim(operand().substr(operand().find('=') + 1)); }
 
  private:
-  const char* at_;
-  const char* end_;
-};
+  const char* operand_ = nullptr;
+  uint32_t operandSize_ = 0;
 
-// A text of less than 4 GB, and beside it the symbolHash() of the name that it is or holds; 0 when it is not known.
-class HashedText {
  public:
-  HashedText() = default;
-  HashedText(std::string_view text, uint32_t hash = 0)
-      : data_(text.data()), size_(static_cast<uint32_t>(text.size())), hash_(hash) {}
-
-  std::string_view text() const { return {data_, size_}; }
-  operator std::string_view() const { return text(); }
-  bool empty() const { return size_ == 0; }
-  uint32_t hash() const { return hash_; }
-
- private:
-  const char* data_ = nullptr;
-  uint32_t size_ = 0;
-  uint32_t hash_ = 0;
-};
-
-// Texts are views into the source or into the run's text store. A million statements are the greater part of what a run
-// keeps, and the time that the system takes to give memory is a good part of a run: what is seldom asked for is found
-// again, such as the source text through the line number.
-struct AsLine {
-  HashedText label;         // qualified with its scope; empty when the statement defines none
-  HashedText operand;       // operand or argument; the list of Byte, Word and Long; the whole of Assign. Of an
-                            // instruction it has the nameHash() of the value expression, else 0
+  uint32_t nameHash = 0;    // symbolHash() of the name that an instruction's value expression consists of; else 0
   uint32_t size = 0;        // bytes in the output
-  uint32_t address = 0;     // location counter, 0..65535, once laid out; of Empty: see furtherLines()
+  uint32_t address = 0;     // location counter before the statement, 0..65535, once laid out
   uint32_t lineNumber = 0;  // from 1, in the expanded source
   Kind kind = Kind::Empty;
   Mode mode = Mode::Implied;
   Mnemonic mnemonic = Mnemonic::None;
+  bool hasLabel : 1 = false;
   bool labelLocal : 1 = false;        // written with a leading "." or ">"
-  bool longBranchMarked : 1 = false;  // stands on a line that the long-branch rewriter made
-  bool hasCommaSpaces : 1 = false;    // the operand may have spaces next to its commas
-  bool isText : 1 = false;            // has a text, known or not; an Empty without one may stand for further lines
-  bool autoSpill : 1 = false;         // inserted by the code-region spill; no source line shows it
-
-  DataItems items() const { return DataItems(operand); }
-  // The operand up to its first comma, which is the address of CloakedSegment.
-  std::string_view firstItem() const { return operand.text().substr(0, operand.text().find(',')); }
-  // What stands on the left and on the right of the first equals sign of Assign.
-  std::string_view assignName() const { return trim(operand.text().substr(0, operand.text().find('='))); }
-  std::string_view assignValue() const { return trim(operand.text().substr(operand.text().find('=') + 1)); }
-  // How many lines behind its own an Empty statement also stands for: runs of blank and comment lines take one.
-  uint32_t furtherLines() const { return kind == Kind::Empty ? address : 0; }
+  bool longBranchMarked : 1 = false;  // on a line that the long-branch rewriter made
+  bool autoSpill : 1 = false;         // inserted by a code-region spill; no source line has it
 };
-static_assert(sizeof(AsLine) == 48);
+static_assert(sizeof(AsLine) <= 32 || sizeof(void*) != 8);
 
-// True for the kinds that put bytes into the output.
-constexpr bool emitsBytes(Kind kind) {
-  return kind == Kind::Instruction || (kind >= Kind::Byte && kind <= Kind::Space);
-}
+// The statements of one iteration, in source order. A line without any text has no statement.
+struct Statements {
+  std::vector<AsLine> lines;
+  std::vector<HashedName> labels;  // qualified with their scopes; one for each line with hasLabel, in the same order
+};
+
+// Walks the labels beside the statements.
+class LabelReader {
+ public:
+  explicit LabelReader(const std::vector<HashedName>& labels) : next_(labels.data()) {}
+
+  // The label of a statement, empty without one. Every statement has to be asked for once, in order.
+  HashedName of(const AsLine& line) { return line.hasLabel ? *next_++ : HashedName(); }
+
+ private:
+  const HashedName* next_;
+};
 
 }  // namespace kiln

@@ -7,21 +7,14 @@ namespace {
 
 constexpr size_t shortName = 24;
 
-// So many other names with the hash of the one that is searched are passed. Then the search begins anew where another
-// hash leads: there may be thousands of names that differ in letter case alone, and the time to go through all of them
-// for each would grow with their square.
+// A search that passes this many names which differ in letter case alone starts again with the exact hash. Only hostile
+// sources need it: thousands of such names would take quadratic time.
 constexpr size_t largestCrowd = 16;
 
-// The hashes by which a name is searched, one after the other. The second is the same for names that differ in letter
-// case alone and for no others, the last for none.
-enum class Level : uint8_t { Loose, IgnoringCase, Exact };
+uint32_t exactHash(std::string_view name) { return static_cast<uint32_t>(hashName(name)); }
 
-uint32_t hashOf(std::string_view name, Level level) {
-  return static_cast<uint32_t>(level == Level::IgnoringCase ? hashIgnoringCase(name) : hashName(name));
-}
-
-// The texts of names lie scattered in the source, and looking at one is most often a miss of the cache: the symbol
-// itself answers for short names (a tenth of the time of a source full of names).
+// The texts of names are scattered over the source, and reading one usually misses the cache. For short names the ends
+// in the symbol are enough (a tenth of the time of a source full of names).
 bool hasName(const Symbol& symbol, std::string_view name, const NameEnds& ends) {
   if (symbol.name.size() != name.size() || symbol.ends != ends) return false;
   return name.size() <= shortName || std::memcmp(symbol.name.data(), name.data(), name.size()) == 0;
@@ -42,103 +35,79 @@ void SymbolTable::reserve(size_t count) {
   if (slotCount > slots_.size()) rebuild(slotCount);
 }
 
-// The slot that holds the name, or the free one where it belongs; `hash` becomes the one that marks it. An index is
-// never full.
-size_t SymbolTable::slotFor(std::string_view name, uint32_t& hash) const {
+// The slot that holds the name, or the free one where it belongs. An index is never full.
+SymbolTable::Place SymbolTable::placeOf(std::string_view name, uint32_t hash) const {
   const NameEnds ends = endsOf(name.data(), name.size());
   const size_t at = hash & mask();
   const Slot slot = slots_[at];
-  if (slot == 0 || (isMarked(slot, hash) && hasName(symbolOf(slot), name, ends))) return at;
-  return searchSlot(name, ends, hash);
+  if (slot == 0 || (isMarked(slot, hash) && hasName(symbolOf(slot), name, ends))) return {at, hash};
+  return search(name, ends, hash);
 }
 
-size_t SymbolTable::searchSlot(std::string_view name, const NameEnds& ends, uint32_t& hash) const {
-  Level level = Level::Loose;
+SymbolTable::Place SymbolTable::search(std::string_view name, const NameEnds& ends, uint32_t hash) const {
   size_t crowd = 0;
   size_t at = hash & mask();
   while (const Slot slot = slots_[at]) {
     if (isMarked(slot, hash)) {
-      const Symbol& symbol = symbolOf(slot);
-      if (hasName(symbol, name, ends)) break;
-      const bool counts =
-          level == Level::Loose || (level == Level::IgnoringCase && hasNameIgnoringCase(symbol, name, ends));
-      if (counts && ++crowd == largestCrowd) {
-        level = level == Level::Loose ? Level::IgnoringCase : Level::Exact;
-        hash = hashOf(name, level);
+      if (hasName(symbolOf(slot), name, ends)) break;
+      if (hasNameIgnoringCase(symbolOf(slot), name, ends) && ++crowd == largestCrowd) {
+        hash = exactHash(name);
         at = hash & mask();
-        crowd = 0;
         continue;
       }
     }
     at = (at + 1) & mask();
   }
-  return at;
+  return {at, hash};
 }
 
-// The symbol that the slot tells of; null when it is free.
-Symbol* SymbolTable::symbolAt(size_t at) {
+const Symbol* SymbolTable::symbolAt(size_t at) const {
   const size_t number = slots_[at] & mask();
   return number == 0 ? nullptr : &symbols_[number - 1];
 }
 
-void SymbolTable::occupy(size_t at, uint32_t hash, size_t index) {
-  slots_[at] = (hash & ~mask()) | static_cast<uint32_t>(index + 1);
+void SymbolTable::occupy(Place place, size_t index) {
+  slots_[place.at] = (place.hash & ~mask()) | static_cast<uint32_t>(index + 1);
 }
 
 void SymbolTable::rebuild(size_t slotCount) {
   slots_.assign(slotCount, 0);
-  for (size_t i = 0; i < symbols_.size(); ++i) {
-    uint32_t hash = symbolHash(symbols_[i].name);
-    const size_t at = slotFor(symbols_[i].name, hash);
-    occupy(at, hash, i);
-  }
+  for (const Symbol& symbol : symbols_)
+    occupy(placeOf(symbol.name, symbolHash(symbol.name)), symbol.index);
 }
 
-Symbol* SymbolTable::find(std::string_view name) {
+const Symbol* SymbolTable::find(std::string_view name) const {
   if (!hasDigitNames_ && !name.empty() && isDigit(name.front())) return nullptr;
   return find(name, symbolHash(name));
 }
 
-Symbol* SymbolTable::find(std::string_view name, uint32_t hash) {
-  return slots_.empty() ? nullptr : symbolAt(slotFor(name, hash));
+const Symbol* SymbolTable::find(std::string_view name, uint32_t hash) const {
+  return slots_.empty() ? nullptr : symbolAt(placeOf(name, hash).at);
 }
 
-// The first one entered is the first one met. One that has a place of its own, by its exact hash, has others before it
-// where the search leads.
-Symbol* SymbolTable::findIgnoringCase(std::string_view name, uint32_t hash) {
+// The search meets the one entered first before all others: those placed by their exact hash came later.
+const Symbol* SymbolTable::findIgnoringCase(std::string_view name, uint32_t hash) const {
   if (slots_.empty()) return nullptr;
   const NameEnds ends = endsOf(name.data(), name.size());
-  size_t crowd = 0;
   size_t at = hash & mask();
   while (const Slot slot = slots_[at]) {
-    if (isMarked(slot, hash)) {
-      if (hasNameIgnoringCase(symbolOf(slot), name, ends)) return symbolAt(at);
-      if (++crowd == largestCrowd) {
-        hash = hashOf(name, Level::IgnoringCase);
-        at = hash & mask();
-        continue;
-      }
-    }
+    if (isMarked(slot, hash) && hasNameIgnoringCase(symbolOf(slot), name, ends)) return symbolAt(at);
     at = (at + 1) & mask();
   }
   return nullptr;
 }
 
-Symbol& SymbolTable::enter(std::string_view name, uint32_t hash, bool& isNew) {
+SymbolTable::Entry SymbolTable::enter(HashedName name) {
   if (slots_.size() < 2 * (symbols_.size() + 1)) rebuild(slots_.empty() ? 64 : slots_.size() * 2);
-  const size_t at = slotFor(name, hash);
-  Symbol* const known = symbolAt(at);
-  isNew = known == nullptr;
-  if (!isNew) return *known;
-  occupy(at, hash, symbols_.size());
-  symbols_.push_back(Symbol{.name = name, .ends = endsOf(name.data(), name.size())});
-  if (!name.empty() && isDigit(name.front())) hasDigitNames_ = true;
-  return symbols_.back();
-}
-
-void SymbolTable::set(std::string_view name, int64_t value) {
-  bool isNew = false;
-  enter(name, isNew).value = value;
+  const std::string_view text = name.text();
+  const Place place = placeOf(text, name.hash());
+  const size_t number = slots_[place.at] & mask();
+  if (number != 0) return {symbols_[number - 1], false};
+  occupy(place, symbols_.size());
+  symbols_.push_back(
+      {.name = text, .ends = endsOf(text.data(), text.size()), .index = static_cast<uint32_t>(symbols_.size())});
+  if (!text.empty() && isDigit(text.front())) hasDigitNames_ = true;
+  return {symbols_.back(), true};
 }
 
 }  // namespace kiln

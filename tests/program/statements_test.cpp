@@ -99,7 +99,7 @@ TEST(Statements, RefusesALineOf4Gigabytes) {
   MessageList warnings;
   TextStore texts;
   Evaluator evaluator(symbols, warnings);
-  std::vector<AsLine> statements;
+  Statements statements;
   const std::string_view line("NOP", (uint64_t{1} << 32) + 3);
   EXPECT_THROW(StatementParser(evaluator, texts).parseLine(line, 1, statements), std::length_error);
 }

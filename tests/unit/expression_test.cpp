@@ -83,9 +83,9 @@ TEST_F(Expression, IsSizedByPlainLiteralsAndKnownNamesOnly) {
                         {"PAGE", 256}, {"page+1", 256}, {"(page)", 256}, {"0Fh", 256},  {"<page", 256}, {"", 256},
                         {"$", 0},      {"later", 256},  {"-1", 256},     {"$-1", -1}};
   for (const auto& [text, value] : cases)
-    EXPECT_EQ(evaluator.evaluateForSize(text, nameHash(text)), value) << text;
+    EXPECT_EQ(evaluator.sizingValue(text, nameHash(text)), value) << text;
   symbols.set("12", 300);
-  EXPECT_EQ(evaluator.evaluateForSize("12", 0), 12);
+  EXPECT_EQ(evaluator.sizingValue("12", 0), 12);
   EXPECT_TRUE(warnings.empty());
 }
 
