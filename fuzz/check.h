@@ -1,4 +1,4 @@
-// How a target says that something is wrong: the process ends, and its input is the finding.
+// How a target reports a finding: it prints the reason and aborts, and libFuzzer keeps the input.
 #pragma once
 
 #include <cstdio>
@@ -8,13 +8,14 @@
 
 namespace kiln::fuzz {
 
-[[noreturn]] inline void fail(const std::string& what) {
-  std::fprintf(stderr, "finding: %s\n", what.c_str());
+[[noreturn]] inline void fail(const std::string& reason) {
+  std::fprintf(stderr, "finding: %s\n", reason.c_str());
   std::abort();
 }
 
-inline void require(bool holds, std::string_view what) {
-  if (!holds) fail(std::string(what));
+// Fails with the reason unless the condition is true.
+inline void require(bool condition, std::string_view reason) {
+  if (!condition) fail(std::string(reason));
 }
 
 }  // namespace kiln::fuzz

@@ -9,16 +9,16 @@ namespace {
 
 constexpr size_t unlimited = SIZE_MAX;
 
-// The fuzzer's own threads go on without a limit.
+// Per thread, so that libFuzzer's own threads have no limit.
 thread_local size_t bytesLeft = unlimited;
 thread_local bool exceeded = false;
 
 void* allocate(size_t size) noexcept {
-  if (bytesLeft != unlimited) {
-    exceeded = exceeded || size > bytesLeft;
-    if (size > bytesLeft) return nullptr;
-    bytesLeft -= size;
+  if (size > bytesLeft) {
+    exceeded = true;
+    return nullptr;
   }
+  if (bytesLeft != unlimited) bytesLeft -= size;
   return std::malloc(size == 0 ? 1 : size);
 }
 
@@ -43,7 +43,7 @@ BudgetPause::~BudgetPause() { bytesLeft = bytesLeft_; }
 
 }  // namespace kiln::fuzz
 
-// All forms that the product's types use; one that were left out would belong to another allocator.
+// All forms in use are replaced together: memory must be freed by the allocator that it came from.
 void* operator new(size_t size) { return kiln::fuzz::allocateOrThrow(size); }
 void* operator new[](size_t size) { return kiln::fuzz::allocateOrThrow(size); }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return kiln::fuzz::allocate(size); }

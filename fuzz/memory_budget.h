@@ -1,14 +1,14 @@
-// A limit on what a run may allocate. A program of ten characters may rightly ask for four gigabytes of output
-// (".space $FFFFFFFF"), and macros can double a text line after line. No rule on the text tells such inputs from others
-// for certain, so memory is what is limited: the allocation that goes beyond the budget throws std::bad_alloc, as it
-// would on a small machine. What the product does then is watched, too.
+// A limit on the memory that a run may allocate. Ten characters of source can legitimately ask for four gigabytes
+// (".space $FFFFFFFF"), and macros can double a text on every line, so large inputs cannot be filtered out by their
+// text. Instead, an allocation beyond the budget throws std::bad_alloc, as it would on a small machine. This also tests
+// how the program behaves when memory runs out.
 #pragma once
 
 #include <cstddef>
 
 namespace kiln::fuzz {
 
-// While it lives, the thread may allocate so many bytes in all, whatever it gives back.
+// Limits the total allocated during its lifetime, in bytes. Freed memory is not given back to the budget.
 class MemoryBudget {
  public:
   explicit MemoryBudget(size_t bytes);
@@ -16,11 +16,11 @@ class MemoryBudget {
   MemoryBudget& operator=(const MemoryBudget&) = delete;
   ~MemoryBudget();
 
-  // True when an allocation has failed.
+  // True if an allocation has failed.
   bool wasExceeded() const;
 };
 
-// While it lives, nothing counts: for what belongs to the target and not to the product.
+// Suspends the budget during its lifetime, for allocations of the target rather than of the program.
 class BudgetPause {
  public:
   BudgetPause();

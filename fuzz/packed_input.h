@@ -1,5 +1,5 @@
-// Several texts in one input. A line that begins with "@@" names the text that follows it, up to the next such line;
-// what stands before the first one is the head:
+// Several files in one fuzz input. A line "@@NAME" starts the file NAME, which ends at the next such line. The text
+// before the first file is the head:
 //
 //     -L
 //     a.lnk
@@ -11,16 +11,13 @@
 #pragma once
 
 #include <string_view>
-#include <utility>
-#include <vector>
+
+#include "support/memory_host.h"
 
 namespace kiln::fuzz {
 
-struct PackedInput {
-  std::string_view head;
-  std::vector<std::pair<std::string_view, std::string_view>> texts;  // name and text, in order; views into the input
-};
-
-PackedInput unpack(std::string_view input);
+// Puts the files of the input and their directories into the host; "@@$NAME" sets the environment variable NAME
+// instead. Returns the head, a view into the input.
+std::string_view unpack(std::string_view input, test::MemoryHost& host);
 
 }  // namespace kiln::fuzz

@@ -1,4 +1,4 @@
-#include "literal_evaluator.h"
+#include "reference_evaluator.h"
 
 #include <algorithm>
 #include <limits>
@@ -6,10 +6,7 @@
 namespace kiln::fuzz {
 namespace {
 
-using Wide = __int128;  // holds every intermediate result, so that each overflow is a plain comparison
-
-constexpr std::string_view decimalDigits = "0123456789";
-constexpr std::string_view hexDigits = "0123456789abcdefABCDEF";
+using Wide = __int128;  // no intermediate result overflows it
 
 std::string_view trimmed(std::string_view text) {
   const size_t first = text.find_first_not_of(" \t");
@@ -33,16 +30,17 @@ int digitValue(char c) {
 }
 
 bool isDecimal(std::string_view text) {
-  return !text.empty() && text.find_first_not_of(decimalDigits) == std::string_view::npos;
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return digitValue(c) < 10; });
 }
 
-bool hasTrailingHShape(std::string_view text) {
-  if (text.size() < 2) return false;
-  if (text.back() != 'h' && text.back() != 'H') return false;
-  if (text.front() < '0' || text.front() > '9') return false;
-  return text.substr(0, text.size() - 1).find_first_not_of(hexDigits) == std::string_view::npos;
+// Like "0FFh".
+bool isHexWithSuffix(std::string_view text) {
+  if (text.size() < 2 || (text.back() != 'h' && text.back() != 'H') || digitValue(text.front()) > 9) return false;
+  text.remove_suffix(1);
+  return std::all_of(text.begin(), text.end(), [](char c) { return digitValue(c) < 16; });
 }
 
+// The number in front of any other characters; -1 when it has more than 64 bits.
 int64_t parseRadix(std::string_view text, int radix) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\r\v\f"), text.size()));
   bool negative = false;
@@ -61,6 +59,7 @@ int64_t parseRadix(std::string_view text, int radix) {
   return wrapped(negative ? -value : value);
 }
 
+// The digits' value, limited to the largest 64-bit number.
 int64_t parseDecimal(std::string_view text) {
   constexpr int64_t maximum = std::numeric_limits<int64_t>::max();
   Wide value = 0;
@@ -71,9 +70,28 @@ int64_t parseDecimal(std::string_view text) {
   return wrapped(value);
 }
 
+int64_t calculate(char sign, Wide left, Wide right) {
+  if (sign == '+') return wrapped(left + right);
+  if (sign == '-') return wrapped(left - right);
+  if (sign == '*') return wrapped(left * right);
+  return right == 0 ? 0 : wrapped(left / right);
+}
+
+// The index of the last operator of a kind outside parentheses; 0 when there is none. The first character is never an
+// operator.
+size_t findLastOperator(std::string_view text, char first, char second) {
+  int depth = 0;
+  for (size_t at = text.size() - 1; at > 0; --at) {
+    if (text[at] == ')') ++depth;
+    if (text[at] == '(') --depth;
+    if (depth == 0 && (text[at] == first || text[at] == second)) return at;
+  }
+  return 0;
+}
+
 }  // namespace
 
-void LiteralEvaluator::enter(std::string_view name, int64_t value) {
+void ReferenceEvaluator::setSymbol(std::string_view name, int64_t value) {
   for (auto& [key, keyValue] : symbols_) {
     if (key == name) {
       keyValue = value;
@@ -83,56 +101,35 @@ void LiteralEvaluator::enter(std::string_view name, int64_t value) {
   symbols_.emplace_back(name, value);
 }
 
-const int64_t* LiteralEvaluator::find(std::string_view name) const {
+const int64_t* ReferenceEvaluator::find(std::string_view name) const {
   for (const auto& [key, value] : symbols_) {
     if (key == name) return &value;
   }
   return nullptr;
 }
 
-int64_t LiteralEvaluator::evaluate(std::string_view text) {
+int64_t ReferenceEvaluator::evaluate(std::string_view text) {
   text = trimmed(text);
   if (text.empty()) return 0;
   if (text.front() == '<') return evaluate(text.substr(1)) & 255;
   if (text.front() == '>') return evaluate(text.substr(1)) >> 8 & 255;
-
-  int depth = 0;
-  size_t sum = 0;
-  size_t product = 0;  // 0 = none; at 0 nothing is an operator
-  for (size_t at = text.size() - 1; at > 0 && sum == 0; --at) {
-    const char c = text[at];
-    if (c == ')') ++depth;
-    if (c == '(') --depth;
-    if (depth != 0) continue;
-    if (c == '+' || c == '-') sum = at;
-    if ((c == '*' || c == '/') && product == 0) product = at;
+  size_t split = findLastOperator(text, '+', '-');
+  if (split == 0) split = findLastOperator(text, '*', '/');
+  if (split != 0) {
+    const int64_t left = evaluate(text.substr(0, split));
+    return calculate(text[split], left, evaluate(text.substr(split + 1)));
   }
-  if (const size_t split = sum != 0 ? sum : product; split != 0) {
-    const Wide left = evaluate(text.substr(0, split));
-    const Wide right = evaluate(text.substr(split + 1));
-    switch (text[split]) {
-      case '+':
-        return wrapped(left + right);
-      case '-':
-        return wrapped(left - right);
-      case '*':
-        return wrapped(left * right);
-      default:
-        return right == 0 ? 0 : wrapped(left / right);
-    }
-  }
-
   if (text.front() == '(' && text.back() == ')') return evaluate(text.substr(1, text.size() - 2));
   if (text.front() == '$') return parseRadix(text.substr(1), 16);
   if (text.front() == '%') return parseRadix(text.substr(1), 2);
   return evaluateName(text);
 }
 
-int64_t LiteralEvaluator::evaluateName(std::string_view text) {
+int64_t ReferenceEvaluator::evaluateName(std::string_view text) {
   const std::string name(text);
   const std::string withoutLast = name.substr(0, name.size() - 1);
   if (const int64_t* const value = find(text)) {
-    if (hasTrailingHShape(text) && warnedNames_.insert(name).second) {
+    if (isHexWithSuffix(text) && ambiguousNames_.insert(name).second) {
       warnings.push_back("label '" + name +
                          "' is ambiguous with Z80-style hex literal; resolving to the label \xE2\x80\x94 rename it or "
                          "use $" +
@@ -140,7 +137,7 @@ int64_t LiteralEvaluator::evaluateName(std::string_view text) {
     }
     return *value;
   }
-  if (hasTrailingHShape(text)) return parseRadix(withoutLast, 16);
+  if (isHexWithSuffix(text)) return parseRadix(withoutLast, 16);
   if (isDecimal(text)) return parseDecimal(text);
   for (const auto& [key, value] : symbols_) {
     if (lowered(key) == lowered(text)) return value;
@@ -149,7 +146,7 @@ int64_t LiteralEvaluator::evaluateName(std::string_view text) {
   return 0;
 }
 
-int64_t LiteralEvaluator::evaluateForSize(std::string_view text) const {
+int64_t ReferenceEvaluator::evaluateForSize(std::string_view text) const {
   text = trimmed(text);
   if (text.substr(0, 1) == "$") return parseRadix(text.substr(1), 16);
   if (text.substr(0, 1) == "%") return parseRadix(text.substr(1), 2);
