@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes inputs for the fuzz targets from the examples, so that fuzz/corpus needs no copy of them:
+# Makes seed inputs for the fuzz targets from the examples:
 #   fuzz/seed.sh DIRECTORY
 set -euo pipefail
 
@@ -8,28 +8,22 @@ output=$(cd "$1" && pwd)
 cd "$(dirname "${BASH_SOURCE[0]}")/../examples" 2>/dev/null || exit 0
 shopt -s nullglob
 
-# pack FILE...: their names and texts, without comments that fill a line. The empty lines count: they end macros.
-pack() {
-  local file
-  for file in "$@"; do
-    echo "@@$file"
-    sed 's/^;.*//' "$file" | cat -s
-  done
+# packFile FILE: its name and text, without comment lines. Empty lines are kept, because they end macros.
+packFile() {
+  echo "@@$1"
+  sed 's/^;.*//' "$1" | cat -s
 }
 
-# packExample SOURCE: its command line, and the files that this names.
+# packExample SOURCE: its command line, and the files and folders named in it.
 packExample() {
-  local words word files=()
+  local words word file
   read -ra words < <(sed -n 's/^; Assemble: kiln-as //p' "$1")
+  printf '%s\n' "${words[@]}"
   for word in "${words[@]}"; do
-    echo "$word"
-    if [[ -f $word ]]; then
-      files+=("$word")
-    elif [[ -d $word ]]; then
-      files+=("$word"/*)
-    fi
+    for file in "$word" "$word"/*; do
+      if [[ -f $file ]]; then packFile "$file"; fi
+    done
   done
-  pack "${files[@]}"
 }
 
 for source in *.asm; do
