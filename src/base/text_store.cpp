@@ -7,7 +7,7 @@
 namespace kiln {
 namespace {
 
-constexpr size_t largestBlock = 4 * 1024 * 1024;
+constexpr size_t largestBlock = size_t{4} * 1024 * 1024;
 
 }  // namespace
 

@@ -30,7 +30,8 @@ class TextStore {
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   size_t freeSize_ = 0;
-  size_t blockSize_ = 64 * 1024;  // of the next one: few texts need little, and many are quicker in few large blocks
+  // Of the next one: few texts need little, and many are quicker in few large blocks.
+  size_t blockSize_ = size_t{64} * 1024;
   size_t left_ = (size_t{1} << 32) - 1;  // so that 32 bits tell the length of every piece
 };
 

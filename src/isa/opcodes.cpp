@@ -154,7 +154,7 @@ constexpr size_t lettersKey(char a, char b, char c) {
   return (static_cast<size_t>(a - 'A') * 26 + static_cast<size_t>(b - 'A')) * 26 + static_cast<size_t>(c - 'A');
 }
 
-using MnemonicIndex = std::array<Mnemonic, 26 * 26 * 26>;
+using MnemonicIndex = std::array<Mnemonic, size_t{26} * 26 * 26>;
 
 constexpr MnemonicIndex makeMnemonicIndex() {
   MnemonicIndex index{};

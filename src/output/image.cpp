@@ -6,7 +6,7 @@ namespace kiln {
 
 namespace {
 
-constexpr size_t longText = 64 * 1024;
+constexpr size_t longText = size_t{64} * 1024;
 
 }  // namespace
 
