@@ -22,7 +22,8 @@ void warnOfZeroAddress(const Operand& operand, MessageList& warnings) {
 // The offset is judged by its low 16 bits, so that a branch reaches across the end of the address space; the message
 // shows it whole.
 void encodeBranch(const Operand& operand, MessageList& errors, std::vector<uint8_t>& bytes) {
-  const int64_t distance = wrappingSubtract(operand.value, static_cast<int64_t>(operand.pc + 2));
+  const uint32_t next = operand.pc + 2;
+  const int64_t distance = wrappingSubtract(operand.value, int64_t{next});
   const int32_t reach = low16Signed(distance);
   if (reach > 127 || reach < -128) {
     errors.add({linePrefix(operand.line), "branch out of range (", decimal(distance), ") — ",
