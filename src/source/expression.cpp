@@ -19,7 +19,7 @@ namespace {
 constexpr std::array<bool, 256> makeOperators() {
   std::array<bool, 256> operators{};
   for (char c : {'+', '-', '*', '/'})
-    operators[static_cast<size_t>(c)] = true;
+    operators[static_cast<unsigned char>(c)] = true;
   return operators;
 }
 
