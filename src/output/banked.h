@@ -16,6 +16,6 @@ namespace kiln {
 // Cloaked segments are left out with a warning. Absent when something does not fit or a register is missing, which
 // has been printed then.
 std::optional<Image> writeBanked(const std::vector<AsSegment>& segments, const ShadowPlan& plan,
-                                 const BankedSettings& settings, uint32_t runAddress, Console& console);
+                                 const BankedSettings& given, uint32_t runAddress, Console& console);
 
 }  // namespace kiln
