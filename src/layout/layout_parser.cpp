@@ -115,8 +115,8 @@ std::string identityOf(const std::string& path) { return std::filesystem::path(p
 
 // A file begun and not finished. It must not move, as `lines` looks into `text`.
 struct OpenLayout {
-  OpenLayout(const std::string& itsPath, std::string itsText)
-      : path(itsPath), text(std::move(itsText)), lines(text, '\n') {}
+  OpenLayout(std::string itsPath, std::string itsText)
+      : path(std::move(itsPath)), text(std::move(itsText)), lines(text, '\n') {}
 
   std::string path;
   std::string text;
