@@ -123,8 +123,8 @@ bool writeThrough(const std::string& path, int flags, std::span<const std::strin
 }  // namespace
 
 RealHost::RealHost() {
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  (void)std::signal(SIGXFSZ, SIG_IGN);
 }
 
 std::optional<std::string> RealHost::readFile(const std::string& path) const {
