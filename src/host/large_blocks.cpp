@@ -17,6 +17,7 @@ constexpr std::uintptr_t pageMask = 4095;
 void fillWithPages(void* block, std::size_t size) {
   const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(block) + pageMask) & ~pageMask;
   const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~pageMask;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): only the system uses this pointer
   (void)::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_POPULATE_WRITE);
 }
 
