@@ -40,7 +40,7 @@ inline int64_t parsePlainLiteral(std::string_view text) {
   }
   if (text.size() == 1) return -1;
   for (char c : text.substr(1)) {
-    const int digit = digitValues[static_cast<unsigned char>(c)];
+    const int8_t digit = digitValues[static_cast<unsigned char>(c)];
     if (digit < 0) return -1;
     value = value << 4 | static_cast<unsigned>(digit);
   }
