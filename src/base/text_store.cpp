@@ -11,11 +11,16 @@ constexpr size_t largestBlock = size_t{4} * 1024 * 1024;
 
 }  // namespace
 
-std::string_view TextStore::own(std::string&& text) { return texts_.emplace_back(std::move(text)); }
+std::string_view TextStore::own(std::string&& text) {
+  const size_t size = text.size();
+  std::string& kept = texts_.emplace_back(std::move(text));
+  kept.resize(size + padding);
+  return std::string_view(kept).substr(0, size);
+}
 
 char* TextStore::allocate(size_t size) {
   if (size > freeSize_) {
-    // A large piece gets a block of its own, and the block at hand goes on serving the small ones.
+    // A large piece gets a block of its own, and the current block goes on serving the small ones.
     if (size > blockSize_ / 4) return addBlock(size);
     free_ = addBlock(blockSize_);
     freeSize_ = blockSize_;
@@ -30,7 +35,7 @@ char* TextStore::allocate(size_t size) {
 char* TextStore::addBlock(size_t size) {
   if (size > left_) throw std::bad_alloc();
   left_ -= size;
-  return blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
+  return blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(size + padding)).get();
 }
 
 std::string_view TextStore::join(std::initializer_list<std::string_view> pieces) {

@@ -13,7 +13,10 @@ namespace kiln {
 
 class TextStore {
  public:
-  // Takes a whole text over.
+  // So many bytes after each text are readable, so that a text may be read in whole blocks. Their values mean nothing.
+  static constexpr size_t padding = 64;
+
+  // Takes a whole text over. It is not copied when its capacity has room for the padding.
   std::string_view own(std::string&& text);
 
   // The pieces, one after the other, as one kept text. Throws std::bad_alloc beyond 4 GB in all: what small sources

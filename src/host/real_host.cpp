@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/format.h"
+#include "base/text_store.h"
 
 namespace kiln {
 namespace {
@@ -133,9 +134,10 @@ std::optional<std::string> RealHost::readFile(const std::string& path) const {
   std::string bytes;
   struct stat status {};
   if (::fstat(file.number(), &status) != 0) return std::nullopt;
-  // One byte more than the file holds: the read that finds its end needs no growth, and the line end that is joined
-  // to the last source line has its place.
+  // More room than the file needs: for the read that finds its end, for the line end after the last source line, and
+  // for the padding of a text that is kept.
   const size_t claimedSize = status.st_size > 0 ? static_cast<size_t>(status.st_size) : 0;
+  if (claimedSize != 0) bytes.reserve(claimedSize + 1 + TextStore::padding);
   if (claimedSize != 0) bytes.resize(claimedSize + 1);
   if (!readAll(file.number(), claimedSize, bytes)) return std::nullopt;
   if (S_ISREG(status.st_mode)) filesRead_.emplace_back(status.st_dev, status.st_ino);

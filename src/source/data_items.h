@@ -10,7 +10,7 @@
 
 namespace kiln {
 
-// How many items a list has; it must not be empty.
+// How many items a list has. It is not empty, and a text of a TextStore.
 uint32_t countItems(std::string_view list);
 
 // Cuts a list into its value expressions. They are cut anew each time, because a list of views would take more memory

@@ -75,6 +75,7 @@ int64_t Evaluator::sizingValue(std::string_view text, uint32_t hash) const {
     return symbol != nullptr ? symbol->value : 256;
   }
   text = trim(text);
+  if (const int64_t literal = parsePlainLiteral(text); literal >= 0) return literal;
   if (!text.empty() && text.front() == '$') return parseRadix(text.substr(1), 16);
   if (!text.empty() && text.front() == '%') return parseRadix(text.substr(1), 2);
   if (isDecimalLiteral(text)) return parseDecimal(text);
@@ -246,8 +247,11 @@ int64_t Evaluator::unknownNameValue(std::string_view text, uint32_t hash) {
 }
 
 uint32_t nameHash(std::string_view text) {
-  const std::string_view name = leadingSymbol(text);
-  return name.empty() || name.size() != text.size() ? 0 : symbolHash(name);
+  if (text.empty() || isDigit(text.front())) return 0;
+  for (char c : text) {
+    if (!nameParts[static_cast<unsigned char>(c)]) return 0;
+  }
+  return symbolHash(text);
 }
 
 std::string_view leadingSymbol(std::string_view expression) {

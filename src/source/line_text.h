@@ -13,18 +13,42 @@ std::string_view withoutComment(std::string_view line);
 // Characters with a meaning of their own, before anything else is known about a line or an operand.
 enum Special : uint8_t { Quote = 1, Semicolon = 2, Colon = 4, Equals = 8, Comma = 16, Dot = 32, Space = 64, Tab = 128 };
 
-// All kinds of special characters in the text.
-uint8_t specialsOf(std::string_view text);
-
 // What one look at a physical line finds out.
-struct LineShape {
-  std::string_view code;  // without its comment, trimmed
-  uint8_t specials = 0;   // at least those in the code
-  bool splits = false;    // it may be more than one statement
-  bool marked = false;    // the long-branch rewriter wrote it
-};
+class LineShape {
+ public:
+  // The line is a text of a TextStore, or a view into one: up to 64 bytes after it are read, but not used.
+  explicit LineShape(std::string_view line);
 
-LineShape shapeOf(std::string_view line);
+  std::string_view code() const { return code_; }             // without its comment, trimmed
+  bool has(Special c) const { return (specials_ & c) != 0; }  // false only when the code has none
+  bool splits() const { return splits_; }                     // it may be more than one statement
+  bool marked() const { return marked_; }                     // the long-branch rewriter wrote it
+
+  // Which of Space, Tab and Comma a part of the code has; other bits mean nothing.
+  uint8_t specialsIn(std::string_view part) const;
+
+ private:
+  // One bit for each of the line's first 64 bytes that is the character, the first byte's at the lower end.
+  struct Masks {
+    uint64_t spaces;
+    uint64_t tabs;
+    uint64_t colons;
+    uint64_t equals;
+    uint64_t commas;
+    uint64_t dots;
+  };
+
+  template <int Parts>
+  bool lookAtOnce(std::string_view line);
+  void walk(std::string_view line);
+
+  std::string_view code_;
+  uint8_t specials_ = 0;
+  bool splits_ = false;
+  bool marked_ = false;
+  const char* masked_ = nullptr;  // the line that has masks; null when it has none
+  Masks masks_;
+};
 
 // Follows the instructions that the long-branch rewriter writes.
 inline constexpr std::string_view longBranchComment = "; longbr";

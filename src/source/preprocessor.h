@@ -44,8 +44,9 @@ class Preprocessor {
     size_t macroCount;
   };
 
+  bool keepPlainLines(OpenFile& file);
   void readLine(OpenFile& file, std::string_view line);
-  void keepLine(OpenFile& file, std::string_view line);
+  void keepLines(OpenFile& file, std::string_view lines);
   void include(std::string_view argument, std::string_view includingPath);
   void open(std::string_view text, std::string_view path);
   void closeFile();

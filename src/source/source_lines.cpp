@@ -6,23 +6,22 @@ namespace kiln {
 namespace {
 
 constexpr uint64_t mostBytes = (uint64_t{1} << 40) - 1;
-constexpr uint64_t mostLines = (uint64_t{1} << 24) - 1;
 
 }  // namespace
 
-void SourceLines::add(std::string_view line) {
-  pieces_.push_back({line.data(), line.size() & mostBytes, 1});
-  ++count_;
-  size_ += line.size();
+void SourceLines::add(std::string_view lines, size_t count) {
+  pieces_.push_back({lines.data(), lines.size() & mostBytes, count & mostAtOnce});
+  count_ += count;
+  size_ += lines.size();
 }
 
-void SourceLines::addNext(std::string_view line) {
+void SourceLines::addNext(std::string_view lines, size_t count) {
   Piece& last = pieces_.back();
-  if (last.count == mostLines) return add(line);
-  last.size = (last.size + line.size() + 1) & mostBytes;
-  last.count = (last.count + 1) & mostLines;
-  ++count_;
-  size_ += line.size() + 1;
+  if (last.count + count > mostAtOnce) return add(lines, count);
+  last.size = (last.size + lines.size() + 1) & mostBytes;
+  last.count = (last.count + count) & mostAtOnce;
+  count_ += count;
+  size_ += lines.size() + 1;
 }
 
 std::vector<SourceLines::Piece> SourceLines::takePieces(size_t first) {
@@ -36,26 +35,25 @@ std::vector<SourceLines::Piece> SourceLines::takePieces(size_t first) {
 }
 
 bool LineReader::next(std::string_view& line) {
-  if (piece_ == pieces_.size()) return false;
-  if (lineOfPiece_ == pieces_[piece_].count) {
-    lineOfPiece_ = 0;
-    if (++piece_ == pieces_.size()) return false;
+  follows_ = rest_ != nullptr;
+  if (!follows_) {
+    if (nextPiece_ == pieces_.size()) return false;
+    const SourceLines::Piece& piece = pieces_[nextPiece_++];
+    rest_ = piece.begin;
+    end_ = piece.begin + piece.size;
   }
-  const SourceLines::Piece& piece = pieces_[piece_];
-  const char* const begin = lineOfPiece_ == 0 ? piece.begin : rest_;
-  const char* end = piece.begin + piece.size;
-  if (++lineOfPiece_ < piece.count) {
-    end = static_cast<const char*>(std::memchr(begin, '\n', static_cast<size_t>(end - begin)));
-    rest_ = end + 1;
-  }
-  line = line_ = {begin, static_cast<size_t>(end - begin)};
+  const size_t left = static_cast<size_t>(end_ - rest_);
+  const char* const lineEnd = left == 0 ? nullptr : static_cast<const char*>(std::memchr(rest_, '\n', left));
+  line = line_ = {rest_, lineEnd == nullptr ? left : static_cast<size_t>(lineEnd - rest_)};
+  rest_ = lineEnd == nullptr ? nullptr : lineEnd + 1;
   ++read_;
   return true;
 }
 
 std::string_view LineReader::at(size_t index) {
   if (read_ > index + 1) {
-    piece_ = lineOfPiece_ = read_ = 0;
+    nextPiece_ = read_ = 0;
+    rest_ = nullptr;
     line_ = {};
   }
   std::string_view line = line_;

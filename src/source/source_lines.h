@@ -1,4 +1,4 @@
-// The expanded source: a list of text lines, most of which stand one behind the other in the files they came from.
+// The expanded source: a list of text lines, most of which follow each other in the files that they came from.
 #pragma once
 
 #include <cstddef>
@@ -19,9 +19,14 @@ class SourceLines {
   };
 
   // A line that has nothing to do with the one before it.
-  void add(std::string_view line);
-  // A line that follows the one added last in the same text, with one line end between them.
-  void addNext(std::string_view line);
+  void add(std::string_view line) { add(line, 1); }
+  // A line that follows the last one in the same text, with one line end between them.
+  void addNext(std::string_view line) { addNext(line, 1); }
+
+  // The same for `count` lines, at most mostAtOnce, with line ends between them.
+  static constexpr size_t mostAtOnce = (size_t{1} << 24) - 1;
+  void add(std::string_view lines, size_t count);
+  void addNext(std::string_view lines, size_t count);
 
   // All lines, and the bytes of their texts.
   size_t count() const { return count_; }
@@ -41,25 +46,26 @@ class SourceLines {
 class LineReader {
  public:
   explicit LineReader(const std::vector<SourceLines::Piece>& pieces, size_t firstPiece = 0)
-      : pieces_(pieces), piece_(firstPiece) {}
+      : pieces_(pieces), nextPiece_(firstPiece) {}
 
   // Moves to the next line; false when there is none left.
   bool next(std::string_view& line);
 
-  // True when the line that next() gave last follows the one before it in the same piece.
-  bool follows() const { return lineOfPiece_ > 1; }
-  // The index of the piece that holds it.
-  size_t piece() const { return piece_; }
+  // True when the last line that next() gave follows the one before it in the same piece.
+  bool follows() const { return follows_; }
+  // The index of the piece with that line.
+  size_t piece() const { return nextPiece_ - 1; }
 
-  // The line with this index, counted from the first piece of all, which the reader must have begun with. Quick when
+  // The line with this index, counted from the first piece of all, with which the reader must have begun. Quick when
   // the indices rise from call to call.
   std::string_view at(size_t index);
 
  private:
   const std::vector<SourceLines::Piece>& pieces_;
-  size_t piece_;
-  size_t lineOfPiece_ = 0;  // lines of the piece that have been given
-  const char* rest_ = nullptr;
+  size_t nextPiece_;
+  const char* rest_ = nullptr;  // the lines of the piece that are left; null when none are
+  const char* end_ = nullptr;
+  bool follows_ = false;
   size_t read_ = 0;  // lines given in all
   std::string_view line_;
 };

@@ -61,11 +61,11 @@ std::string_view instructionExpression(const AsLine& line, std::string& scratch)
 
 void StatementParser::parseLine(std::string_view line, uint32_t lineNumber, Statements& statements) {
   if (line.size() > longestLine) throw std::length_error("line");
-  const LineShape shape = shapeOf(line);
-  if (shape.splits) {
+  const LineShape shape(line);
+  if (shape.splits()) {
     parseSeveral(withoutComment(line), shape, lineNumber, statements);
-  } else if (!shape.code.empty() || shape.marked) {
-    append(shape.code, shape, lineNumber, statements);
+  } else if (!shape.code().empty() || shape.marked()) {
+    append(shape.code(), shape, lineNumber, statements);
   }
 }
 
@@ -88,14 +88,14 @@ void StatementParser::append(std::string_view text, const LineShape& shape, uint
                              Statements& statements) {
   AsLine& line = statements.lines.emplace_back();
   line.lineNumber = lineNumber;
-  line.longBranchMarked = shape.marked;
-  if (!text.empty()) parseStatement(text, shape.specials, line, statements.labels);
+  line.longBranchMarked = shape.marked();
+  if (!text.empty()) parseStatement(text, shape, line, statements.labels);
 }
 
-// `specials` are those of the whole line: a character that the line does not have, the statement does not have.
-void StatementParser::parseStatement(std::string_view text, uint8_t specials, AsLine& line,
+// A character that the line does not have, its statement does not have.
+void StatementParser::parseStatement(std::string_view text, const LineShape& shape, AsLine& line,
                                      std::vector<HashedName>& labels) {
-  if ((specials & Colon) != 0) {
+  if (shape.has(Colon)) {
     const LabelledText parts = splitLabel(text);
     text = parts.rest;
     if (!parts.label.empty()) {
@@ -109,33 +109,32 @@ void StatementParser::parseStatement(std::string_view text, uint8_t specials, As
     line.kind = Kind::LabelOnly;
     return;
   }
-  if ((specials & Equals) != 0 && parseAssignment(text, line)) {
+  if (shape.has(Equals) && parseAssignment(text, line)) {
     ++definitionCount_;
     return;
   }
-  if (!parseDirective(text, evaluator_, line)) parseInstruction(text, line);
-  if (rowOf(line.kind).qualifies && (specials & Dot) != 0) qualifyOperand(line);
+  if (!parseDirective(text, evaluator_, line)) parseInstruction(text, shape, line);
+  if (shape.has(Dot) && rowOf(line.kind).qualifies) qualifyOperand(line);
 }
 
 // A word that is no mnemonic leaves the statement empty: it vanishes without a message.
-void StatementParser::parseInstruction(std::string_view text, AsLine& line) {
+void StatementParser::parseInstruction(std::string_view text, const LineShape& shape, AsLine& line) {
   if (text.size() > 3 && !isBlank(text[3])) return;
   line.mnemonic = mnemonicOf(text.substr(0, 3));
   if (line.mnemonic == Mnemonic::None) return;
   line.kind = Kind::Instruction;
   const std::string_view words = trimLeft(text.substr(3));
   if (!words.empty()) {
-    parseOperand(words, line);
+    parseOperand(words, shape.specialsIn(words), line);
   } else if (isShift(line.mnemonic)) {
     line.mode = Mode::Accumulator;
   }
   line.size = instructionSize(line.mode);
 }
 
-void StatementParser::parseOperand(std::string_view words, AsLine& line) {
-  const uint8_t inside = specialsOf(words);
-  const bool hasBlanks = (inside & (Space | Tab)) != 0;
-  const bool hasComma = (inside & Comma) != 0;
+void StatementParser::parseOperand(std::string_view words, uint8_t specials, AsLine& line) {
+  const bool hasBlanks = (specials & (Space | Tab)) != 0;
+  const bool hasComma = (specials & Comma) != 0;
   const std::string_view operand = hasBlanks ? joinWords(words) : words;
   if (operand.size() == 1 && toUpper(operand.front()) == 'A') {
     line.mode = Mode::Accumulator;

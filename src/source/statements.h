@@ -27,9 +27,9 @@ class StatementParser {
   // `texts` takes the texts that have to be put together; the statements hold views of them.
   StatementParser(Evaluator& evaluator, TextStore& texts) : evaluator_(evaluator), texts_(texts) {}
 
-  // Appends the statements of one physical line. `lineNumber` counts from 1. A line without any text has none, except
-  // one with the mark of the long-branch rewriter, which has an empty one.
-  // Throws std::length_error for a line of 4 GB.
+  // Appends the statements of one physical line, a text of a TextStore. `lineNumber` counts from 1. A line without any
+  // text has none, except one with the mark of the long-branch rewriter, which has an empty one. Throws
+  // std::length_error for a line of 4 GB.
   void parseLine(std::string_view line, uint32_t lineNumber, Statements& statements);
 
   // How many of the statements so far define a label or assign a value.
@@ -38,9 +38,9 @@ class StatementParser {
  private:
   void parseSeveral(std::string_view code, const LineShape& shape, uint32_t lineNumber, Statements& statements);
   void append(std::string_view text, const LineShape& shape, uint32_t lineNumber, Statements& statements);
-  void parseStatement(std::string_view text, uint8_t specials, AsLine& line, std::vector<HashedName>& labels);
-  void parseInstruction(std::string_view text, AsLine& line);
-  void parseOperand(std::string_view words, AsLine& line);
+  void parseStatement(std::string_view text, const LineShape& shape, AsLine& line, std::vector<HashedName>& labels);
+  void parseInstruction(std::string_view text, const LineShape& shape, AsLine& line);
+  void parseOperand(std::string_view words, uint8_t specials, AsLine& line);
   std::string_view joinWords(std::string_view words);
   HashedName openScope(std::string_view label, bool isLocal);
   void qualifyOperand(AsLine& line);
