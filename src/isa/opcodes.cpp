@@ -1,13 +1,14 @@
 #include "isa/opcodes.h"
 
 #include <array>
+#include <utility>
 
 #include "base/text.h"
 
 namespace kiln {
 namespace {
 
-// Short names for the table alone.
+// Short names for the rows.
 constexpr Mode imp = Mode::Implied;
 constexpr Mode acc = Mode::Accumulator;
 constexpr Mode imm = Mode::Immediate;
@@ -120,6 +121,13 @@ constexpr char mnemonicLetters[] =
 static_assert(sizeof mnemonicLetters == 3 * mnemonicCount + 1);
 static_assert(static_cast<size_t>(Mnemonic::BRA) == mnemonicCount);
 
+constexpr std::pair<Mnemonic, Mnemonic> oppositeBranches[] = {
+    {Mnemonic::BCC, Mnemonic::BCS},
+    {Mnemonic::BEQ, Mnemonic::BNE},
+    {Mnemonic::BMI, Mnemonic::BPL},
+    {Mnemonic::BVC, Mnemonic::BVS},
+};
+
 using OpcodeIndex = std::array<std::array<int16_t, modeCount>, mnemonicCount + 1>;
 
 constexpr OpcodeIndex makeOpcodeIndex() {
@@ -133,7 +141,7 @@ constexpr OpcodeIndex makeOpcodeIndex() {
 
 constexpr OpcodeIndex opcodeIndex = makeOpcodeIndex();
 
-// Each row filled a place of its own, so no (mnemonic, mode) pair stands twice; and no opcode byte does.
+// No mnemonic and mode are in two rows, and no opcode is.
 constexpr bool rowsAreDistinct() {
   size_t filled = 0;
   for (const std::array<int16_t, modeCount>& byMode : opcodeIndex) {
@@ -149,7 +157,7 @@ constexpr bool rowsAreDistinct() {
 }
 static_assert(rowsAreDistinct());
 
-// Three letters as one number below 26 * 26 * 26, which is small enough to be looked up directly.
+// Three upper-case letters as an index below 26 * 26 * 26.
 constexpr size_t lettersKey(char a, char b, char c) {
   return (static_cast<size_t>(a - 'A') * 26 + static_cast<size_t>(b - 'A')) * 26 + static_cast<size_t>(c - 'A');
 }
@@ -184,26 +192,11 @@ int opcodeFor(Mnemonic mnemonic, Mode mode) {
 }
 
 Mnemonic invertBranch(Mnemonic branch) {
-  switch (branch) {
-    case Mnemonic::BCC:
-      return Mnemonic::BCS;
-    case Mnemonic::BCS:
-      return Mnemonic::BCC;
-    case Mnemonic::BEQ:
-      return Mnemonic::BNE;
-    case Mnemonic::BNE:
-      return Mnemonic::BEQ;
-    case Mnemonic::BMI:
-      return Mnemonic::BPL;
-    case Mnemonic::BPL:
-      return Mnemonic::BMI;
-    case Mnemonic::BVC:
-      return Mnemonic::BVS;
-    case Mnemonic::BVS:
-      return Mnemonic::BVC;
-    default:
-      return Mnemonic::None;
+  for (const auto& [a, b] : oppositeBranches) {
+    if (branch == a) return b;
+    if (branch == b) return a;
   }
+  return Mnemonic::None;
 }
 
 const OpcodeRow* opcodeRows() { return rows.data(); }

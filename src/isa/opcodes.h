@@ -1,4 +1,4 @@
-// The instruction set: one row a (mnemonic, mode) pair, and the look-ups made from the rows.
+// The instruction set: one row for each mnemonic and mode that go together, and look-ups in these rows.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace kiln {
 
-// In the order of the opcode table, the branches together so that a range test finds them.
+// In the order of the opcode table.
 enum class Mnemonic : uint8_t {
   // clang-format off
   None,
@@ -20,7 +20,7 @@ enum class Mnemonic : uint8_t {
 
 inline constexpr size_t mnemonicCount = 64;
 
-// The mnemonic that a word spells, in any mix of letter cases; None when there is none.
+// The mnemonic with this name, in any letter case; None when there is none.
 Mnemonic mnemonicOf(std::string_view word);
 
 // Upper-case text of three letters; empty for None.
@@ -29,14 +29,11 @@ std::string_view mnemonicText(Mnemonic mnemonic);
 // The opcode byte, 0..255, or -1 when the mnemonic lacks the mode.
 int opcodeFor(Mnemonic mnemonic, Mode mode);
 
-constexpr bool isBranch(Mnemonic mnemonic) {
-  return (mnemonic >= Mnemonic::BCC && mnemonic <= Mnemonic::BVS) || mnemonic == Mnemonic::BRA;
-}
+inline bool isBranch(Mnemonic mnemonic) { return opcodeFor(mnemonic, Mode::Relative) >= 0; }
 
-// The branch taken exactly when `branch` is not; None for BRA and for what is no branch.
+// The branch taken exactly when this one is not; None for BRA and for what is not a branch.
 Mnemonic invertBranch(Mnemonic branch);
 
-// One row of the opcode table, for those who print or check it.
 struct OpcodeRow {
   Mnemonic mnemonic;
   Mode mode;
@@ -44,6 +41,7 @@ struct OpcodeRow {
 };
 
 inline constexpr size_t opcodeRowCount = 172;
+// The first row.
 const OpcodeRow* opcodeRows();
 
 }  // namespace kiln
