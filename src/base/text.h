@@ -64,12 +64,12 @@ constexpr bool startsWithIgnoringCase(std::string_view text, std::string_view lo
   return true;
 }
 
-// `upperSuffix` must be upper case.
-constexpr bool endsWithIgnoringCase(std::string_view text, std::string_view upperSuffix) {
-  if (text.size() < upperSuffix.size()) return false;
-  const std::string_view end = text.substr(text.size() - upperSuffix.size());
-  for (size_t i = 0; i < upperSuffix.size(); ++i) {
-    if (toUpper(end[i]) != upperSuffix[i]) return false;
+// `lowerSuffix` must be lower case.
+constexpr bool endsWithIgnoringCase(std::string_view text, std::string_view lowerSuffix) {
+  if (text.size() < lowerSuffix.size()) return false;
+  const std::string_view end = text.substr(text.size() - lowerSuffix.size());
+  for (size_t i = 0; i < lowerSuffix.size(); ++i) {
+    if (toLower(end[i]) != lowerSuffix[i]) return false;
   }
   return true;
 }

@@ -9,18 +9,17 @@
 namespace kiln {
 namespace {
 
-// Code generators name what they mean; a name that comes out as address 0 is seldom meant.
+// A name with the address 0 is probably undefined.
 void warnOfZeroAddress(const Operand& operand, MessageList& warnings) {
-  const bool isAddress = operand.mode >= Mode::ZeroPage && operand.mode <= Mode::Indirect;
-  if (operand.value != 0 || !isAddress) return;
+  if (operand.value != 0) return;
   const auto isNamePart = [](char c) { return isIdentifierStart(c) || static_cast<unsigned char>(c) >= 0x80; };
   if (std::none_of(operand.expression.begin(), operand.expression.end(), isNamePart)) return;
   warnings.add({linePrefix(operand.line), mnemonicText(operand.mnemonic), " ", operand.expression,
                 " resolves to $0000 — probable undefined symbol (compiler internal error?)"});
 }
 
-// The offset is judged by its low 16 bits, so that a branch reaches across the end of the address space; the message
-// shows it whole.
+// Only the low 16 bits of the distance are checked, as a branch can cross the end of the address space. The message
+// shows all of it.
 void encodeBranch(const Operand& operand, MessageList& errors, std::vector<uint8_t>& bytes) {
   const uint32_t next = operand.pc + 2;
   const int64_t distance = wrappingSubtract(operand.value, int64_t{next});
@@ -40,7 +39,9 @@ void checkStackOffset(const Operand& operand, MessageList& errors) {
               decimal(operand.value), "); pell SP-relative addressing only reaches ±128 bytes"});
 }
 
+// Only the frame instructions check their immediate value.
 void checkFrameSize(const Operand& operand, MessageList& errors) {
+  if (operand.mnemonic != Mnemonic::PSH && operand.mnemonic != Mnemonic::PLL) return;
   if (operand.value >= 0 && operand.value <= 255) return;
   errors.add({linePrefix(operand.line), mnemonicText(operand.mnemonic), " #", decimal(operand.value),
               " — immediate out of range (0..255); larger frames must chain PSH/PLL pairs (see STACK-ABI.md §6.1)"});
@@ -56,22 +57,25 @@ void checkZeroPagePointer(const Operand& operand, MessageList& warnings) {
                 "the program will misbehave."});
 }
 
-bool isFrameInstruction(Mnemonic mnemonic) { return mnemonic == Mnemonic::PSH || mnemonic == Mnemonic::PLL; }
-
 }  // namespace
 
 void encodeOperand(const Operand& operand, Diagnostics& diagnostics, std::vector<uint8_t>& bytes) {
-  warnOfZeroAddress(operand, diagnostics.warnings);
-  if (operand.mode == Mode::Relative) return encodeBranch(operand, diagnostics.errors, bytes);
+  const ModeRow& row = rowOf(operand.mode);
+  if (row.operand == OperandKind::BranchTarget) return encodeBranch(operand, diagnostics.errors, bytes);
   bytes.push_back(lowByte(operand.value));
-  if (isStackMode(operand.mode)) return checkStackOffset(operand, diagnostics.errors);
-  if (operand.mode == Mode::Immediate) {
-    if (isFrameInstruction(operand.mnemonic)) checkFrameSize(operand, diagnostics.errors);
-    return;
-  }
-  if (instructionSize(operand.mode) == 3) return bytes.push_back(highByte(operand.value));
-  if (operand.mode == Mode::IndexedIndirectX || operand.mode == Mode::IndirectIndexedY) {
-    checkZeroPagePointer(operand, diagnostics.warnings);
+  if (row.size == 3) bytes.push_back(highByte(operand.value));
+  switch (row.operand) {
+    case OperandKind::Immediate:
+      return checkFrameSize(operand, diagnostics.errors);
+    case OperandKind::Address:
+      return warnOfZeroAddress(operand, diagnostics.warnings);
+    case OperandKind::ZeroPagePointer:
+      return checkZeroPagePointer(operand, diagnostics.warnings);
+    case OperandKind::StackOffset:
+      return checkStackOffset(operand, diagnostics.errors);
+    case OperandKind::None:
+    case OperandKind::BranchTarget:
+      return;
   }
 }
 

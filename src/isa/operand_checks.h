@@ -1,4 +1,4 @@
-// The bytes behind an opcode: what an operand's value becomes, and what is said when it does not fit.
+// The bytes after an opcode, and the messages about values that do not fit.
 #pragma once
 
 #include <cstdint>
@@ -11,18 +11,18 @@
 
 namespace kiln {
 
-// An instruction whose opcode byte stands already and whose operand has been evaluated.
+// An operand and the instruction that it belongs to.
 struct Operand {
   Mnemonic mnemonic;
   Mode mode;                    // any but Implied and Accumulator
-  uint32_t line;                // for the messages
+  uint32_t line;                // number of the line, for messages
   uint32_t pc;                  // address of the opcode byte, 0..65535
-  std::string_view text;        // as it stands in the statement
-  std::string_view expression;  // without the decorations of the mode
-  int64_t value;
+  std::string_view text;        // the whole operand
+  std::string_view expression;  // the operand without the mode's own characters
+  int64_t value;                // of the expression
 };
 
-// Appends one or two bytes. What does not fit is cut and reported; the bytes come in any case.
+// Appends the one or two bytes of the value. One that does not fit is cut and reported.
 void encodeOperand(const Operand& operand, Diagnostics& diagnostics, std::vector<uint8_t>& bytes);
 
 }  // namespace kiln

@@ -1,4 +1,4 @@
-// Operand text: which addressing mode it spells, which part of it is the value, and its references to local labels.
+// The text of operands: addressing mode, value expression, references to local labels.
 #pragma once
 
 #include <string>
@@ -12,18 +12,17 @@ namespace kiln {
 // An operand without the spaces next to its commas. The view is into `operand` or into `scratch`.
 std::string_view withoutCommaSpaces(std::string_view operand, std::string& scratch);
 
-// The mode that the operand of an instruction other than a branch spells; it is trimmed and has no spaces next to its
-// commas. Every operand spells one. A zero-page mode may be meant for its absolute form, as the value tells.
+// The mode that the operand of an instruction other than a branch spells. The operand is not empty, is trimmed and has
+// no spaces next to its commas. A zero-page mode is also the result for its absolute form, which has the same spelling.
 Mode classifyOperand(std::string_view operand);
-// The same for an operand that has no comma at all.
+// The same for an operand without a comma.
 Mode classifyWithoutComma(std::string_view operand);
 
-// The value expression of an operand in this mode, which has no spaces next to its commas: the text without the mode's
-// own characters, trimmed.
+// The operand without the mode's own characters, trimmed. The operand has no spaces next to its commas.
 std::string_view valueExpression(std::string_view operand, Mode mode);
 
-// The operand with the scope set before the dot of each reference to a local label. It is `operand` itself when there
-// is no such reference or no scope.
+// The operand with the scope inserted before each reference to a local label. Returns `operand` itself when there is
+// nothing to insert.
 std::string_view qualifyReferences(std::string_view operand, std::string_view scope, TextStore& texts);
 
 }  // namespace kiln
