@@ -19,14 +19,6 @@ constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>
 constexpr char toUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
 std::string toLower(std::string_view text);
 
-// The value of a hexadecimal digit, or -1.
-constexpr int hexDigitValue(char c) {
-  if (isDigit(c)) return c - '0';
-  const char lower = toLower(c);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-constexpr bool isHexDigit(char c) { return hexDigitValue(c) >= 0; }
-
 // True when a label or an assigned name may begin like `text`: a letter, "_", ".", or ">" with more behind it.
 constexpr bool beginsLikeLabel(std::string_view text) {
   if (text.empty()) return false;

@@ -5,6 +5,7 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "base/hex.h"
 #include "base/text.h"
 #include "base/version.h"
 
@@ -67,12 +68,8 @@ bool matches(const OptionRow& row, std::string_view argument, bool isLast) {
 // Hexadecimal digits up to the first character that is none; 0 without any. Blanks around and one "$" are allowed.
 uint32_t parseLooseHex(std::string_view text) {
   text = trim(text);
-  if (!text.empty() && text.front() == '$') text.remove_prefix(1);
-  uint32_t value = 0;
-  for (size_t i = 0; i < text.size() && isHexDigit(text[i]); ++i) {
-    value = value << 4 | static_cast<uint32_t>(hexDigitValue(text[i]));
-  }
-  return value;
+  if (text.starts_with('$')) text.remove_prefix(1);
+  return static_cast<uint32_t>(takeHex(text));
 }
 
 // START-END; without a "-" the window stays as it was.
@@ -88,15 +85,12 @@ std::string_view withoutHexPrefix(std::string_view text) {
   return text;
 }
 
-// A number of the strict form, cut to 16 bits; false when it is none.
-bool parseStrictHex(std::string_view text, uint32_t& value) {
-  const std::string_view digits = trimRight(text);
-  value = 0;
-  for (char c : digits) {
-    if (!isHexDigit(c)) return false;
-    value = (value << 4 | static_cast<uint32_t>(hexDigitValue(c))) & 0xFFFF;
-  }
-  return !digits.empty();
+// Hexadecimal digits and nothing else but blanks after them; cut to 16 bits.
+std::optional<uint32_t> parseStrictHex(std::string_view text) {
+  text = trimRight(text);
+  if (text.empty()) return std::nullopt;
+  const uint64_t value = takeHex(text);
+  return text.empty() ? std::optional(static_cast<uint32_t>(value & 0xFFFF)) : std::nullopt;
 }
 
 bool parseSplitDataWindow(std::string_view text, Console& console, Window& window) {
@@ -108,7 +102,10 @@ bool parseSplitDataWindow(std::string_view text, Console& console, Window& windo
   const std::string_view parts[2] = {withoutHexPrefix(text.substr(0, colon)), withoutHexPrefix(text.substr(colon + 1))};
   uint32_t values[2] = {};
   for (int i = 0; i < 2; ++i) {
-    if (parseStrictHex(parts[i], values[i])) continue;
+    if (const std::optional<uint32_t> value = parseStrictHex(parts[i])) {
+      values[i] = *value;
+      continue;
+    }
     console.printError(concat({"kiln-as: --data-window bad hex '", parts[i], "'\n"}));
     return false;
   }

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "base/hex.h"
 #include "base/text.h"
 #include "base/utf8.h"
 
@@ -77,13 +78,10 @@ void readDefinition(std::string_view line, Seeds& seeds) {
   line = trimLine(line.substr(0, line.find(';')));
   const size_t equals = line.find('=');
   if (equals == std::string_view::npos) return;
-  const std::string_view wording = trimLine(line.substr(equals + 1));
+  std::string_view wording = trimLine(line.substr(equals + 1));
   if (wording.size() < 2 || wording[0] != '$' || !isHexDigit(wording[1])) return;
-  uint32_t value = 0;
-  for (size_t i = 1; i < wording.size() && isHexDigit(wording[i]); ++i) {
-    value = value << 4 | static_cast<uint32_t>(hexDigitValue(wording[i]));
-  }
-  seeds.set(trimLine(line.substr(0, equals)), value);
+  wording.remove_prefix(1);
+  seeds.set(trimLine(line.substr(0, equals)), static_cast<uint32_t>(takeHex(wording)));
 }
 
 void readSymbolFile(const FileReader& files, const std::string& path, Seeds& seeds) {

@@ -2,48 +2,50 @@
 
 #include <algorithm>
 
+#include "base/hex.h"
 #include "base/text.h"
 
 namespace kiln {
 namespace {
 
-// Takes a "$" and the hexadecimal digits behind it off the front; false when one or the other is missing.
-bool takeHexadecimal(std::string_view& text, uint32_t& value) {
-  if (!text.starts_with('$')) return false;
-  size_t end = 1;
-  for (value = 0; end < text.size() && isHexDigit(text[end]); ++end) {
-    value = value * 16 + static_cast<uint32_t>(hexDigitValue(text[end]));
-  }
-  text.remove_prefix(end);
-  return end > 1;
+// Takes "$" and one or more hexadecimal digits off the front of the text. It may be shorter after a failure, too.
+std::optional<uint32_t> takeDollarHex(std::string_view& text) {
+  if (!text.starts_with('$')) return std::nullopt;
+  text.remove_prefix(1);
+  const size_t size = text.size();
+  const uint64_t value = takeHex(text);
+  return text.size() < size ? std::optional(static_cast<uint32_t>(value)) : std::nullopt;
 }
 
-// A range at the very front of the text. It never looks past the next "$" unless it succeeds, which keeps the search
+// The range that the text begins with. Reads no further than the next "$" unless it succeeds, which keeps the search
 // for a range linear.
-bool takeRange(std::string_view text, LayoutRange& range) {
-  if (!takeHexadecimal(text, range.low)) return false;
+std::optional<LayoutRange> leadingRange(std::string_view text) {
+  const std::optional<uint32_t> low = takeDollarHex(text);
   text = trimLeft(text);
-  if (!text.starts_with('-')) return false;
+  if (!low.has_value() || !text.starts_with('-')) return std::nullopt;
   text = trimLeft(text.substr(1));
-  return takeHexadecimal(text, range.high);
+  const std::optional<uint32_t> high = takeDollarHex(text);
+  return high.has_value() ? std::optional(LayoutRange{*low, *high}) : std::nullopt;
 }
 
 }  // namespace
 
 std::optional<uint32_t> parseLayoutNumber(std::string_view text) {
   text = trim(text);
-  uint32_t value = 0;
-  if (takeHexadecimal(text, value)) return text.empty() ? std::optional(value) : std::nullopt;
+  if (text.starts_with('$')) {
+    const std::optional<uint32_t> value = takeDollarHex(text);
+    return text.empty() ? value : std::nullopt;
+  }
   if (text.empty() || !std::all_of(text.begin(), text.end(), isDigit)) return std::nullopt;
+  uint32_t value = 0;
   for (char digit : text)
     value = value * 10 + static_cast<uint32_t>(digit - '0');
   return value;
 }
 
 std::optional<LayoutRange> findLayoutRange(std::string_view text) {
-  LayoutRange range;
   for (size_t at = text.find('$'); at != std::string_view::npos; at = text.find('$', at + 1)) {
-    if (takeRange(text.substr(at), range)) return range;
+    if (const std::optional<LayoutRange> range = leadingRange(text.substr(at))) return range;
   }
   return std::nullopt;
 }

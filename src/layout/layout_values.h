@@ -1,4 +1,4 @@
-// Numbers and ranges as layout files write them.
+// Numbers and ranges in layout files.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@ struct LayoutRange {
   uint32_t high = 0;
 };
 
-// "$" and hexadecimal digits, or decimal digits, with blanks around allowed; absent for anything else. A number too
-// long for 32 bits keeps its low ones.
+// The value, modulo 2^32, of "$" and hexadecimal digits, or of decimal digits. Blanks around the number are ignored;
+// absent for any other text.
 std::optional<uint32_t> parseLayoutNumber(std::string_view text);
 
-// The first "$low-$high" in the text, blanks around the "-" allowed and any other text around it skipped; absent when
-// there is none. The ends are not compared: a reversed range is a range.
+// The first "$low-$high" in the text, with or without blanks around the "-"; absent when there is none. The low end may
+// be the greater one.
 std::optional<LayoutRange> findLayoutRange(std::string_view text);
 
 }  // namespace kiln

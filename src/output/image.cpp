@@ -1,6 +1,6 @@
 #include "output/image.h"
 
-#include "base/text.h"
+#include "base/hex.h"
 
 namespace kiln {
 

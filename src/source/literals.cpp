@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/arithmetic.h"
+#include "base/hex.h"
 #include "base/text.h"
 
 namespace kiln {
@@ -25,16 +26,12 @@ int64_t parseRadix(std::string_view text, unsigned radix) {
   if (radix == 16 && text.size() > 2 && text[0] == '0' && toLower(text[1]) == 'x' && isHexDigit(text[2])) {
     text.remove_prefix(2);
   }
-  const unsigned shift = radix == 16 ? 4 : 1;
-  uint64_t value = 0;
-  for (char c : text) {
-    const int digit = hexDigitValue(c);
-    if (digit < 0 || static_cast<unsigned>(digit) >= radix) break;
-    if (value >> (64 - shift) != 0) return -1;
-    value = value << shift | static_cast<unsigned>(digit);
-  }
-  const int64_t signedValue = static_cast<int64_t>(value);
-  return negative ? wrappingSubtract(0, signedValue) : signedValue;
+  while (text.starts_with('0'))
+    text.remove_prefix(1);
+  const size_t size = text.size();
+  const int64_t value = static_cast<int64_t>(takeDigits(text, radix));
+  if (size - text.size() > (radix == 16 ? 16 : 64)) return -1;
+  return negative ? wrappingSubtract(0, value) : value;
 }
 
 int64_t parseDecimal(std::string_view digits) {

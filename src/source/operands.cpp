@@ -47,6 +47,7 @@ std::string_view withoutCommaSpaces(std::string_view operand, std::string& scrat
   return scratch;
 }
 
+// A spelling comes before those that it ends with: ",sp,x" before ",x".
 Mode classifyOperand(std::string_view operand) {
   using enum Mode;
   return firstSpelled<StackIndirectY, StackRelativeX, StackRelative, StackAdjust, IndirectIndexedY, IndexedIndirectX,
