@@ -6,8 +6,8 @@
 set -euo pipefail
 export LC_ALL=C
 
-# The tables' rows: {"-o", true, OptionId::Output}, KindRow{Kind::Org, ".org ", ...}, {Mnemonic::ADC, imm, 0x69}.
-listOptions() { grep -oP '^ *\{"\K-[^"]+(?=", (true|false), OptionId::)' "$1/src/driver/options.cpp"; }
+# The rows: {"-o", OptionValue::Next, ...}, KindRow{Kind::Org, ".org ", ...}, {Mnemonic::ADC, imm, 0x69}.
+listOptions() { grep -oP '^ *\{"\K-[^"]+(?=", OptionValue::)' "$1/src/driver/options.cpp"; }
 listDirectives() { grep -oP '^ *KindRow\{Kind::\w+, *"\.\K[a-z_]+(?= ?",)' "$1/src/source/kinds.h"; }
 listMnemonics() { grep -oP '\{Mnemonic::\K[A-Z]{3}(?=, )' "$1/src/isa/opcodes.cpp" | sort -u; }
 

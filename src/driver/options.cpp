@@ -1,9 +1,8 @@
 #include "driver/options.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
-#include "base/arithmetic.h"
 #include "base/format.h"
 #include "base/hex.h"
 #include "base/text.h"
@@ -12,30 +11,7 @@
 namespace kiln {
 namespace {
 
-constexpr std::array<OptionRow, 20> rows = {{
-    {"-h", false, OptionId::Help},
-    {"-v", false, OptionId::Version},
-    {"--version", false, OptionId::Version},
-    {"-V", false, OptionId::Verbose},
-    {"-b", false, OptionId::Banked},
-    {"--split-bank", false, OptionId::LongSplit},
-    {"--data-window", true, OptionId::SplitDataWindow},
-    {"-L", true, OptionId::Layout},
-    {"-f", true, OptionId::Format},
-    {"-s", true, OptionId::SymbolFile},
-    {"-o", true, OptionId::Output},
-    {"-l", true, OptionId::Listing},
-    {"-I", true, OptionId::IncludePath},
-    {"-D", false, OptionId::Define},  // joined to its value, or before it
-    {"-e", true, OptionId::Entry},
-    {"-split-bank", false, OptionId::ShortSplit},
-    {"-code-window", true, OptionId::CodeWindow},
-    {"-data-window", true, OptionId::DataWindow},
-    {"-code-reg", true, OptionId::CodeRegister},
-    {"-data-reg", true, OptionId::DataRegister},
-}};
-
-// The options that serve the toolchain alone are left out.
+// Without the options that only the toolchain uses.
 constexpr std::string_view usage = R"(kiln-as — 6502 assembler
 Usage: kiln-as [options] <input.asm ...>
 Options:
@@ -60,29 +36,16 @@ The output format is auto-detected from the -o extension (.prg = PRG,
 anything else = XEX), or set explicitly with -f.
 )";
 
-bool matches(const OptionRow& row, std::string_view argument, bool isLast) {
-  if (row.id == OptionId::Define) return argument.substr(0, row.spelling.size()) == row.spelling;
-  return argument == row.spelling && !(row.takesValue && isLast);
-}
-
-// Hexadecimal digits up to the first character that is none; 0 without any. Blanks around and one "$" are allowed.
+// Hexadecimal digits up to the first other character; 0 without any. One "$" and blanks may precede them.
 uint32_t parseLooseHex(std::string_view text) {
   text = trim(text);
   if (text.starts_with('$')) text.remove_prefix(1);
   return static_cast<uint32_t>(takeHex(text));
 }
 
-// START-END; without a "-" the window stays as it was.
-void parseLooseWindow(std::string_view text, Window& window) {
-  const size_t dash = text.find('-');
-  if (dash == std::string_view::npos) return;
-  window = {parseLooseHex(text.substr(0, dash)), parseLooseHex(text.substr(dash + 1))};
-}
-
 std::string_view withoutHexPrefix(std::string_view text) {
-  if (text.substr(0, 1) == "$") return text.substr(1);
-  if (startsWithIgnoringCase(text, "0x")) return text.substr(2);
-  return text;
+  if (text.starts_with('$')) return text.substr(1);
+  return startsWithIgnoringCase(text, "0x") ? text.substr(2) : text;
 }
 
 // Hexadecimal digits and nothing else but blanks after them; cut to 16 bits.
@@ -93,94 +56,92 @@ std::optional<uint32_t> parseStrictHex(std::string_view text) {
   return text.empty() ? std::optional(static_cast<uint32_t>(value & 0xFFFF)) : std::nullopt;
 }
 
-bool parseSplitDataWindow(std::string_view text, Console& console, Window& window) {
+void setField(bool& flag, const std::string&) { flag = true; }
+
+void setField(uint32_t& number, const std::string& value) { number = parseLooseHex(value); }
+
+void setField(std::optional<std::string>& text, const std::string& value) { text = value; }
+
+void setField(std::vector<std::string>& texts, const std::string& value) { texts.push_back(value); }
+
+void setField(std::optional<Format>& format, const std::string& value) {
+  format = equalIgnoringCase(value, "prg") ? Format::Prg : Format::Xex;
+}
+
+// START-END; any other value changes nothing.
+void setField(Window& window, const std::string& value) {
+  const std::string_view text = value;
+  const size_t dash = text.find('-');
+  if (dash == std::string_view::npos) return;
+  window = {parseLooseHex(text.substr(0, dash)), parseLooseHex(text.substr(dash + 1))};
+}
+
+void setField(std::vector<Definition>& definitions, const std::string& value) {
+  const size_t equals = value.find('=');
+  definitions.push_back({value.substr(0, equals), equals == std::string::npos ? "1" : value.substr(equals + 1)});
+}
+
+template <auto field>
+std::optional<int> set(const std::string& value, Console&, Options& options) {
+  setField(options.*field, value);
+  return std::nullopt;
+}
+
+std::optional<int> printUsage(const std::string&, Console& console, Options&) {
+  console.printError(usage);
+  return 0;
+}
+
+std::optional<int> printVersion(const std::string&, Console& console, Options&) {
+  console.printOutput(concat({"kiln-as ", version, "\n"}));
+  return 0;
+}
+
+std::optional<int> setSplitDataWindow(const std::string& value, Console& console, Options& options) {
+  const std::string_view text = value;
   const size_t colon = text.find(':');
   if (colon == std::string_view::npos || text.find(':', colon + 1) != std::string_view::npos) {
     console.printError("kiln-as: --data-window expects START:END\n");
-    return false;
+    return 1;
   }
-  const std::string_view parts[2] = {withoutHexPrefix(text.substr(0, colon)), withoutHexPrefix(text.substr(colon + 1))};
-  uint32_t values[2] = {};
-  for (int i = 0; i < 2; ++i) {
-    if (const std::optional<uint32_t> value = parseStrictHex(parts[i])) {
-      values[i] = *value;
-      continue;
-    }
-    console.printError(concat({"kiln-as: --data-window bad hex '", parts[i], "'\n"}));
-    return false;
+  const std::string_view start = withoutHexPrefix(text.substr(0, colon));
+  const std::string_view end = withoutHexPrefix(text.substr(colon + 1));
+  const std::optional<uint32_t> startAddress = parseStrictHex(start);
+  const std::optional<uint32_t> endAddress = parseStrictHex(end);
+  if (!startAddress.has_value() || !endAddress.has_value()) {
+    console.printError(concat({"kiln-as: --data-window bad hex '", startAddress.has_value() ? end : start, "'\n"}));
+    return 1;
   }
-  window = {values[0], values[1]};
-  return true;
-}
-
-void addDefine(std::string_view text, Options& options) {
-  const size_t equals = text.find('=');
-  const std::string_view value = equals == std::string_view::npos ? "1" : text.substr(equals + 1);
-  options.defines.emplace_back(text.substr(0, equals), value);
-}
-
-// Takes one option up; `value` is the argument behind it, empty when it takes none.
-std::optional<int> apply(OptionId id, const std::string& value, Console& console, Options& options) {
-  switch (id) {
-    case OptionId::Help:
-      console.printError(usage);
-      return 0;
-    case OptionId::Version:
-      console.printOutput(concat({"kiln-as ", version, "\n"}));
-      return 0;
-    case OptionId::Verbose:
-      options.verbose = true;
-      break;
-    case OptionId::Banked:
-      options.banked = true;
-      break;
-    case OptionId::LongSplit:
-      options.longSplit = true;
-      break;
-    case OptionId::SplitDataWindow:
-      if (!parseSplitDataWindow(value, console, options.splitDataWindow)) return 1;
-      break;
-    case OptionId::Layout:
-      options.layout = value;
-      break;
-    case OptionId::Format:
-      options.format = toLower(value);
-      break;
-    case OptionId::SymbolFile:
-      options.symbolFile = value;
-      break;
-    case OptionId::Output:
-      options.output = value;
-      break;
-    case OptionId::Listing:
-      options.listing = value;
-      break;
-    case OptionId::IncludePath:
-      options.includePaths.push_back(value);
-      break;
-    case OptionId::Define:
-      addDefine(value, options);
-      break;
-    case OptionId::Entry:
-      options.entry = value;
-      break;
-    case OptionId::ShortSplit:
-      options.shortSplit = true;
-      break;
-    case OptionId::CodeWindow:
-      parseLooseWindow(value, options.codeWindow);
-      break;
-    case OptionId::DataWindow:
-      parseLooseWindow(value, options.dataWindow);
-      break;
-    case OptionId::CodeRegister:
-      options.codeRegister = parseLooseHex(value);
-      break;
-    case OptionId::DataRegister:
-      options.dataRegister = parseLooseHex(value);
-      break;
-  }
+  options.splitDataWindow = {*startAddress, *endAddress};
   return std::nullopt;
+}
+
+constexpr OptionRow rows[] = {
+    {"-h", OptionValue::None, printUsage},
+    {"-v", OptionValue::None, printVersion},
+    {"--version", OptionValue::None, printVersion},
+    {"-V", OptionValue::None, set<&Options::verbose>},
+    {"-b", OptionValue::None, set<&Options::banked>},
+    {"--split-bank", OptionValue::None, set<&Options::longSplit>},
+    {"--data-window", OptionValue::Next, setSplitDataWindow},
+    {"-L", OptionValue::Next, set<&Options::layout>},
+    {"-f", OptionValue::Next, set<&Options::format>},
+    {"-s", OptionValue::Next, set<&Options::symbolFile>},
+    {"-o", OptionValue::Next, set<&Options::output>},
+    {"-l", OptionValue::Next, set<&Options::listing>},
+    {"-I", OptionValue::Next, set<&Options::includePaths>},
+    {"-D", OptionValue::JoinedOrNext, set<&Options::defines>},
+    {"-e", OptionValue::Next, set<&Options::entry>},
+    {"-split-bank", OptionValue::None, set<&Options::shortSplit>},
+    {"-code-window", OptionValue::Next, set<&Options::codeWindow>},
+    {"-data-window", OptionValue::Next, set<&Options::dataWindow>},
+    {"-code-reg", OptionValue::Next, set<&Options::codeRegister>},
+    {"-data-reg", OptionValue::Next, set<&Options::dataRegister>},
+};
+
+bool matches(const OptionRow& row, std::string_view argument, bool isLast) {
+  if (row.value == OptionValue::JoinedOrNext) return argument.starts_with(row.spelling);
+  return argument == row.spelling && !(row.value == OptionValue::Next && isLast);
 }
 
 }  // namespace
@@ -194,9 +155,9 @@ std::optional<int> scanArguments(std::span<const std::string> arguments, Console
     const std::string& argument = arguments[i];
     const bool isLast = i + 1 == arguments.size();
     const auto isMatch = [&](const OptionRow& row) { return matches(row, argument, isLast); };
-    const auto row = std::find_if(rows.begin(), rows.end(), isMatch);
-    if (row == rows.end()) {
-      if (argument.substr(0, 1) != "-") {
+    const auto row = std::find_if(std::begin(rows), std::end(rows), isMatch);
+    if (row == std::end(rows)) {
+      if (!argument.starts_with('-')) {
         options.inputs.push_back(argument);
         continue;
       }
@@ -204,12 +165,12 @@ std::optional<int> scanArguments(std::span<const std::string> arguments, Console
       return 1;
     }
     std::string value;
-    if (row->id == OptionId::Define && argument.size() > row->spelling.size()) {
+    if (argument.size() > row->spelling.size()) {
       value = argument.substr(row->spelling.size());
-    } else if ((row->takesValue || row->id == OptionId::Define) && !isLast) {
+    } else if (row->value != OptionValue::None && !isLast) {
       value = arguments[++i];
     }
-    if (const std::optional<int> status = apply(row->id, value, console, options)) return status;
+    if (const std::optional<int> status = row->apply(value, console, options)) return status;
   }
   return std::nullopt;
 }

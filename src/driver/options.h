@@ -6,30 +6,37 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "host/console.h"
 
 namespace kiln {
 
-// An address range, both ends inclusive; both 0 = not set.
+// An address range, both ends inclusive. Not set when its end is 0.
 struct Window {
   uint32_t start = 0;
   uint32_t end = 0;
 };
 
-// What the command line asks for. Options given twice hold the later value.
+enum class Format : uint8_t { Xex, Prg };
+
+// A symbol from "-D name=value".
+struct Definition {
+  std::string name;
+  std::string value;  // as written
+};
+
+// What the command line asks for. The last of several values counts.
 struct Options {
   std::vector<std::string> inputs;
   std::vector<std::string> includePaths;
-  std::vector<std::pair<std::string, std::string>> defines;  // name and the wording of its value
+  std::vector<Definition> defines;
   std::optional<std::string> output;
   std::optional<std::string> listing;
   std::optional<std::string> layout;
   std::optional<std::string> symbolFile;
   std::optional<std::string> entry;
-  std::optional<std::string> format;  // lower-cased
+  std::optional<Format> format;
   bool verbose = false;
   bool banked = false;
   bool shortSplit = false;  // "-split-bank"
@@ -41,41 +48,23 @@ struct Options {
   uint32_t dataRegister = 0;
 };
 
-enum class OptionId : uint8_t {
-  Help,
-  Version,
-  Verbose,
-  Banked,
-  LongSplit,
-  SplitDataWindow,
-  Layout,
-  Format,
-  SymbolFile,
-  Output,
-  Listing,
-  IncludePath,
-  Define,
-  Entry,
-  ShortSplit,
-  CodeWindow,
-  DataWindow,
-  CodeRegister,
-  DataRegister,
-};
+enum class OptionValue : uint8_t { None, Next, JoinedOrNext };  // where the value is: in the next argument, say
 
 struct OptionRow {
   std::string_view spelling;
-  bool takesValue;  // the next argument; an option that finds none is no option
-  OptionId id;
+  OptionValue value;
+  // Carries out the option; the value is empty when there is none. The result is the exit status of a run that ends
+  // here.
+  std::optional<int> (*apply)(const std::string& value, Console& console, Options& options);
 };
 
-// Every option, in the order in which an argument is tested against them.
+// All options, in the order in which an argument is compared with them.
 std::span<const OptionRow> optionRows();
 
 std::string_view usageText();
 
-// Scans the arguments behind the program's path, left to right. The result is an exit status when the run ends with the
-// scan (its message has been printed then), and absent when it goes on.
+// Reads the arguments after the program's path, left to right, up to the first that ends the run. The result is then
+// the exit status, and the message has been printed; absent when the run continues.
 std::optional<int> scanArguments(std::span<const std::string> arguments, Console& console, Options& options);
 
 }  // namespace kiln

@@ -29,12 +29,13 @@ std::optional<std::string> chooseOutputPath(const Options& options) {
   if (options.output.has_value()) return options.output;
   const std::string stem = pathStem(options.inputs.front());
   if (stem.empty() || stem == "/") return std::nullopt;
-  return stem + (options.format == "prg" ? ".prg" : ".xex");
+  return stem + (options.format == Format::Prg ? ".prg" : ".xex");
 }
 
-bool wantsPrg(const Options& options, const std::optional<std::string>& outputPath) {
-  if (options.format.has_value()) return options.format == "prg";
-  return outputPath.has_value() && equalIgnoringCase(pathExtension(*outputPath), "prg");
+Format chooseFormat(const Options& options, const std::optional<std::string>& outputPath) {
+  if (options.format.has_value()) return *options.format;
+  const bool isPrg = outputPath.has_value() && equalIgnoringCase(pathExtension(*outputPath), "prg");
+  return isPrg ? Format::Prg : Format::Xex;
 }
 
 // The inputs one behind the other, each followed by a line end; absent when one cannot be read, which is printed.
@@ -73,9 +74,9 @@ uint32_t chooseRunAddress(const Options& options, Assembler& assembler) {
   return assembler.segments.empty() ? defaultRunAddress : assembler.segments.front().start;
 }
 
-std::optional<Image> buildImage(Host& host, const Options& options, Assembler& assembler, bool prg) {
+std::optional<Image> buildImage(Host& host, const Options& options, Assembler& assembler, Format format) {
   const std::vector<AsSegment>& segments = assembler.segments;
-  if (prg) return writePrg(segments);
+  if (format == Format::Prg) return writePrg(segments);
   const uint32_t runAddress = chooseRunAddress(options, assembler);
   if (!options.banked) return writeXex(segments, assembler.shadowPlan, runAddress, host);
   return writeBanked(segments, assembler.shadowPlan, assembler.settings.banking, runAddress, host);
@@ -142,7 +143,7 @@ int assembleFiles(Host& host, std::span<const std::string> arguments) {
     return 1;
   }
 
-  const std::optional<Image> image = buildImage(host, options, assembler, wantsPrg(options, outputPath));
+  const std::optional<Image> image = buildImage(host, options, assembler, chooseFormat(options, outputPath));
   if (!writeFiles(host, options, outputPath, image, assembler)) return 1;
   printSummary(host, options.inputs.front(), *outputPath, assembler.segments);
   return 0;

@@ -70,8 +70,8 @@ std::string settle(const Host& host, std::span<const std::string> arguments, Opt
       options.banked = true;
     }
   }
-  for (const auto& [name, wording] : options.defines)
-    settings.defines.push_back({name, parseDefinition(wording)});
+  for (const auto& [name, value] : options.defines)
+    settings.defines.push_back({name, parseDefinition(value)});
   return "";
 }
 
