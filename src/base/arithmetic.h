@@ -1,4 +1,4 @@
-// The 64-bit arithmetic of expressions: it wraps, it never traps, and no other file overflows a signed number.
+// The 64-bit arithmetic of expressions. It wraps on overflow and never traps. Nowhere else do signed numbers overflow.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ constexpr int64_t wrappingMultiply(int64_t a, int64_t b) {
   return static_cast<int64_t>(static_cast<uint64_t>(a) * static_cast<uint64_t>(b));
 }
 
-// The quotient cut toward zero; 0 for a divisor of 0. The one quotient that does not fit (lowest by -1) wraps.
+// The quotient, rounded toward zero; 0 for a divisor of 0. The lowest number divided by -1 wraps.
 constexpr int64_t definedDivide(int64_t a, int64_t b) {
   if (b == 0) return 0;
   return b == -1 ? wrappingSubtract(0, a) : a / b;

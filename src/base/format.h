@@ -1,4 +1,4 @@
-// Numbers as the program's messages and listings print them.
+// Numbers as text, for messages and listings.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,16 @@
 
 namespace kiln {
 
-// "$" and at least `width` upper-case hexadecimal digits; never cut. A negative value shows its two's complement.
+// "$" and all upper-case hexadecimal digits, at least `width` of them. A negative value shows its two's complement.
 std::string dollarHex(int64_t value, size_t width = 4);
 
-// The digits alone, appended to `out`.
+// Appends the same digits without the "$" to `out`.
 void appendHex(std::string& out, uint64_t value, size_t width);
 
 // Signed decimal.
 std::string decimal(int64_t value);
 
-// The pieces as one text.
+// The pieces joined.
 std::string concat(std::initializer_list<std::string_view> pieces);
 
 }  // namespace kiln

@@ -1,4 +1,4 @@
-// Paths as text, with "/" as the only separator. Nothing here looks at a file system.
+// Paths as text, with "/" as the only separator. Nothing here accesses a file system.
 #pragma once
 
 #include <string>
@@ -6,20 +6,21 @@
 
 namespace kiln {
 
-// Every run of "/" becomes one, and one at the end goes unless it is the whole path.
+// Replaces each run of "/" by one, and removes one at the end unless it is the whole path.
 std::string normalisePath(std::string_view path);
 
-// normalise(b) when a is empty, else normalise(a + "/" + b).
+// The normalised path a/b, or b when a is empty.
 std::string joinPaths(std::string_view a, std::string_view b);
 
 // The text after the last "/"; the whole path when it has none.
 std::string_view lastComponent(std::string_view path);
 
-// The normalised path without its last component: empty without a "/", "/" when the only "/" stands first.
+// The normalised path without its last component: "/" for "/a", empty for "a".
 std::string directoryPart(std::string_view path);
 
-// The text after the last "." of the last component. Empty when there is none, when the "." stands first, and when
-// the text holds a blank.
+// The text after the last "." of the last component. Empty when there is no ".", when the component begins with its
+// only
+// ".", and when the text has a blank.
 std::string_view pathExtension(std::string_view path);
 
 // The normalised path without its extension and the "." before it.

@@ -1,4 +1,4 @@
-// Bytes as text: ASCII classes, trimming, comparing without letter case, splitting. Nothing here knows a locale.
+// Text as bytes: ASCII classes, trimming, comparing without letter case, splitting. The locale does not matter.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace kiln {
 
-// A blank is a space or a tab; nothing else is ever trimmed, a carriage return least of all.
+// The blanks, space and tab, are all that trim() removes. It keeps a carriage return.
 constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -19,7 +19,7 @@ constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>
 constexpr char toUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
 std::string toLower(std::string_view text);
 
-// True when a label or an assigned name may begin like `text`: a letter, "_", ".", or ">" with more behind it.
+// True when the text begins like a label or an assigned name: with a letter, "_" or ".", or with ">" and more after it.
 constexpr bool beginsLikeLabel(std::string_view text) {
   if (text.empty()) return false;
   const char c = text.front();
@@ -38,11 +38,11 @@ constexpr std::string_view trimRight(std::string_view text) {
 }
 constexpr std::string_view trim(std::string_view text) { return trimRight(trimLeft(text)); }
 
-// As trim, but takes every ASCII white space away, line ends included.
+// Like trim, but removes all ASCII white space, including line ends.
 std::string_view trimWhitespace(std::string_view text);
 
-// Without its first and last character when they are `open` and `close`. A single character may be both: then nothing
-// is left.
+// The text without its first and last character when they are `open` and `close`. One character can be both: the result
+// is empty then.
 std::string_view withoutEnclosing(std::string_view text, char open, char close);
 
 bool equalIgnoringCase(std::string_view a, std::string_view b);
@@ -66,12 +66,12 @@ constexpr bool endsWithIgnoringCase(std::string_view text, std::string_view lowe
   return true;
 }
 
-// Walks the fields of a text that a separator splits: N separators give N + 1 fields, empty ones included.
+// Iterates over the fields of a text: N separators make N + 1 fields, some perhaps empty.
 class Fields {
  public:
   Fields(std::string_view text, char separator) : rest_(text), separator_(separator) {}
 
-  // Moves to the next field; false when there is none left.
+  // Moves to the next field; false when there are no more.
   bool next(std::string_view& field) {
     if (done_) return false;
     const size_t at = rest_.find(separator_);
@@ -87,7 +87,7 @@ class Fields {
   bool done_ = false;
 };
 
-// Takes the first word (a run without blanks) off the front of `text`; empty when there is none.
+// Takes the first word, up to the next blank, off the front of `text`. Empty when there is none.
 constexpr std::string_view takeWord(std::string_view& text) {
   text = trimLeft(text);
   size_t end = 0;

@@ -10,7 +10,7 @@ unsigned byteAt(std::string_view text, size_t index) { return static_cast<unsign
 
 bool isContinuation(unsigned byte) { return (byte & 0xC0) == 0x80; }
 
-// How many continuation bytes the lead byte asks for; -1 when it cannot lead.
+// The number of continuation bytes after this lead byte; -1 when it is not one.
 int continuationCount(unsigned lead) {
   if (lead < 0x80) return 0;
   if (lead < 0xC2) return -1;
@@ -19,8 +19,8 @@ int continuationCount(unsigned lead) {
   return lead < 0xF5 ? 3 : -1;
 }
 
-// The first continuation byte tells overlong forms, surrogates and values past U+10FFFF apart from sound ones.
-bool isSoundSecondByte(unsigned lead, unsigned second) {
+// False for the second byte of an overlong form, a surrogate or a value above U+10FFFF.
+bool isStrictSecondByte(unsigned lead, unsigned second) {
   switch (lead) {
     case 0xE0:
       return second >= 0xA0;
@@ -35,8 +35,8 @@ bool isSoundSecondByte(unsigned lead, unsigned second) {
   }
 }
 
-// The index of the first byte at or after `at` that is not ASCII. Sources are ASCII nearly throughout, so they are
-// looked at eight bytes at a time.
+// The index of the first byte at or after `at` that is not ASCII. Sources are mostly ASCII, so this reads eight bytes
+// at a time.
 size_t skipAscii(std::string_view bytes, size_t at) {
   while (at + sizeof(uint64_t) <= bytes.size()) {
     uint64_t block;
@@ -49,7 +49,9 @@ size_t skipAscii(std::string_view bytes, size_t at) {
   return at;
 }
 
-bool isValid(std::string_view bytes, bool strict) {
+enum class Rule : uint8_t { Lax, Strict };
+
+bool isValid(std::string_view bytes, Rule rule) {
   size_t at = skipAscii(bytes, 0);
   while (at < bytes.size()) {
     const unsigned lead = byteAt(bytes, at);
@@ -58,7 +60,7 @@ bool isValid(std::string_view bytes, bool strict) {
     for (int i = 1; i <= count; ++i) {
       if (!isContinuation(byteAt(bytes, at + static_cast<size_t>(i)))) return false;
     }
-    if (strict && !isSoundSecondByte(lead, byteAt(bytes, at + 1))) return false;
+    if (rule == Rule::Strict && !isStrictSecondByte(lead, byteAt(bytes, at + 1))) return false;
     at = skipAscii(bytes, at + 1 + static_cast<size_t>(count));
   }
   return true;
@@ -66,9 +68,9 @@ bool isValid(std::string_view bytes, bool strict) {
 
 }  // namespace
 
-bool isUtf8(std::string_view bytes) { return isValid(bytes, false); }
+bool isUtf8(std::string_view bytes) { return isValid(bytes, Rule::Lax); }
 
-bool isStrictUtf8(std::string_view bytes) { return isValid(bytes, true); }
+bool isStrictUtf8(std::string_view bytes) { return isValid(bytes, Rule::Strict); }
 
 size_t utf16Length(std::string_view text) {
   size_t length = 0;

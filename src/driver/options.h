@@ -48,13 +48,13 @@ struct Options {
   uint32_t dataRegister = 0;
 };
 
-enum class OptionValue : uint8_t { None, Next, JoinedOrNext };  // where the value is: in the next argument, say
+// Where an option has its value: in the next argument, or joined to the option itself.
+enum class OptionValue : uint8_t { None, Next, JoinedOrNext };
 
 struct OptionRow {
   std::string_view spelling;
   OptionValue value;
-  // Carries out the option; the value is empty when there is none. The result is the exit status of a run that ends
-  // here.
+  // Applies the option; the value is empty when there is none. The result is the exit status if the run ends here.
   std::optional<int> (*apply)(const std::string& value, Console& console, Options& options);
 };
 

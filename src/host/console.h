@@ -9,9 +9,9 @@ class Console {
  public:
   virtual ~Console() = default;
 
-  // The text's bytes to standard error, as they are and at once.
+  // Writes the text to standard error, unchanged and unbuffered.
   virtual void printError(std::string_view text) = 0;
-  // The text's bytes to standard output; only the version line goes there.
+  // Writes the text to standard output, which is for the version line only.
   virtual void printOutput(std::string_view text) = 0;
 };
 

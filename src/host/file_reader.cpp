@@ -7,7 +7,7 @@
 namespace kiln {
 namespace {
 
-// The end of the message; empty when the file is usable.
+// The end of the message; empty when the file can be used.
 std::string_view reasonAgainst(const FileReader& reader, const std::string& path,
                                const std::optional<std::string>& bytes) {
   if (!bytes.has_value()) {

@@ -1,4 +1,4 @@
-// Reading files, and saying why one cannot be used as text.
+// Reading files, and why one cannot be used as text.
 #pragma once
 
 #include <optional>
@@ -11,14 +11,14 @@ class FileReader {
  public:
   virtual ~FileReader() = default;
 
-  // The whole file's bytes; absent when it cannot be opened or read.
+  // All bytes of the file; absent when it cannot be opened or read.
   virtual std::optional<std::string> readFile(const std::string& path) const = 0;
-  // True when the path names anything at all.
+  // True for a file, a directory or anything else with this path.
   virtual bool exists(const std::string& path) const = 0;
   virtual bool isDirectory(const std::string& path) const = 0;
 };
 
-// A file read as text: `text` when `error` is empty, otherwise the reason why it cannot be used.
+// The text of a file, or the reason why it cannot be used: `error` is empty when it can.
 struct TextFile {
   std::string text;
   std::string error;

@@ -1,5 +1,4 @@
-// Everything the program asks of the operating system. The real one is RealHost; the tests bring one that lives in
-// memory.
+// All that the program needs from the operating system. RealHost is the real one; the tests have one in memory.
 #pragma once
 
 #include <optional>
@@ -15,14 +14,14 @@ namespace kiln {
 
 class Host : public FileReader, public Console {
  public:
-  // True when the path names, in whatever spelling, a file that this run has read.
+  // True when this run has read the file with this path, even through another path.
   virtual bool wasRead(const std::string& path) const = 0;
-  // Creates or replaces the file, with the parts one behind the other in it. False when that fails; then nothing is
-  // left behind, and a file that stood there still does.
+  // Creates or replaces the file, with the parts one after another. False when that fails: then there is no new file,
+  // and the old one is unchanged.
   virtual bool writeFile(const std::string& path, std::span<const std::string_view> parts) = 0;
-  // The names in a directory, "." and ".." left out, in no set order; absent when it cannot be listed.
+  // The names in a directory, without "." and "..", in any order; absent when it cannot be listed.
   virtual std::optional<std::vector<std::string>> listDirectory(const std::string& path) const = 0;
-  // The variable's value as it stands; absent when it is not set.
+  // The variable's unchanged value; absent when it is not set.
   virtual std::optional<std::string> environment(const std::string& name) const = 0;
 };
 

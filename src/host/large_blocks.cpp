@@ -1,7 +1,7 @@
-// Has the system fill large blocks of memory with pages when they are asked for, and not one by one when each page is
-// first touched: a run over a million lines touches 90 MB once, and nearly all of what it reserves. That is a twentieth
-// of its time. (Pages of 2 MB would save three times as much on some machines; but in a virtual machine whose host has
-// taken unused memory away, they make a run longer by a third.) Only the release program links this file.
+// Has the system map all pages of a large block at once, instead of each page when it is first used. A run over a
+// million lines uses 90 MB, nearly all that it allocates, and gets 5 % faster. (Pages of 2 MB save three times as much
+// on some machines, but make a run a third longer in a virtual machine whose host has taken back unused memory.) Only
+// the release program links this file.
 #include <sys/mman.h>
 
 #include <cstdint>
@@ -13,7 +13,8 @@ namespace {
 constexpr std::size_t largeBlock = std::size_t{1} << 20;
 constexpr std::uintptr_t pageMask = 4095;
 
-// The pages that lie wholly in the block. A system that does not know how to do this says so, and does it as usual.
+// Maps the pages that are entirely in the block. A system without this feature refuses, and maps them when they are
+// used.
 void fillWithPages(void* block, std::size_t size) {
   const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(block) + pageMask) & ~pageMask;
   const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~pageMask;

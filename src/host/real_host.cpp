@@ -31,7 +31,7 @@ class FileDescriptor {
 
   int number() const { return number_; }
   bool isOpen() const { return number_ >= 0; }
-  // Closes now, for those who want to know whether that worked: some file systems tell of a full disk only here.
+  // Closes now, and returns whether that worked: some file systems report a full disk only here.
   bool close() { return ::close(std::exchange(number_, -1)) == 0; }
 
  private:
@@ -50,33 +50,39 @@ bool writeAll(int descriptor, std::span<const std::string_view> parts) {
   return true;
 }
 
-// Reads to the end of the file, however long it claims to be: pipes and devices claim nothing. A read that could have
-// had more and ends where the file is said to end has met the end, which saves one call in each of 10,000 small files.
-bool readAll(int descriptor, size_t claimedSize, std::string& bytes) {
+// Reads to the end of the file; `claimedSize` is 0 for pipes and devices. There is room for one more byte than claimed:
+// a read that does not fill it is the last, which saves a call per file, and a line end can be appended without a copy.
+std::optional<std::string> readAll(int descriptor, size_t claimedSize) {
+  std::string bytes;
+  // More room than the file needs: for the read that finds its end, for the line end after the last source line, and
+  // for the padding of a text that is kept.
+  if (claimedSize != 0) bytes.reserve(claimedSize + 1 + TextStore::padding);
+  if (claimedSize != 0) bytes.resize(claimedSize + 1);
   size_t size = 0;
   while (true) {
     if (size == bytes.size()) bytes.resize(bytes.size() + bytes.size() / 2 + 4096);
     const ssize_t count = ::read(descriptor, bytes.data() + size, bytes.size() - size);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
+    if (count < 0) return std::nullopt;
     size += static_cast<size_t>(count);
     if (count == 0 || size == claimedSize) break;
   }
   bytes.resize(size);
-  return true;
+  return bytes;
 }
 
-// The system's calls end a path at its first NUL, and would so reach another file than the one named.
+// For the system a path ends at its first NUL, so that it would open another file.
 bool isNameable(const std::string& path) { return path.find('\0') == std::string::npos; }
 
-bool readStatus(const std::string& path, struct stat& status) {
-  return isNameable(path) && ::stat(path.c_str(), &status) == 0;
+std::optional<struct stat> statusOf(const std::string& path) {
+  struct stat status {};
+  return isNameable(path) && ::stat(path.c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
-// True when the last call failed because the folder, or its file system, lets nobody make or rename a file in it.
+// True when the last call failed because files must not be created or renamed in the folder.
 bool isForbidden() { return errno == EACCES || errno == EPERM || errno == EROFS; }
 
-// A new file beside the one that it shall become, removed again unless it does.
+// A new file in the folder of its target. It either becomes the target or is removed.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& target) {
@@ -131,38 +137,30 @@ RealHost::RealHost() {
 std::optional<std::string> RealHost::readFile(const std::string& path) const {
   const FileDescriptor file(openFile(path, O_RDONLY));
   if (!file.isOpen()) return std::nullopt;
-  std::string bytes;
   struct stat status {};
   if (::fstat(file.number(), &status) != 0) return std::nullopt;
-  // More room than the file needs: for the read that finds its end, for the line end after the last source line, and
-  // for the padding of a text that is kept.
-  const size_t claimedSize = status.st_size > 0 ? static_cast<size_t>(status.st_size) : 0;
-  if (claimedSize != 0) bytes.reserve(claimedSize + 1 + TextStore::padding);
-  if (claimedSize != 0) bytes.resize(claimedSize + 1);
-  if (!readAll(file.number(), claimedSize, bytes)) return std::nullopt;
-  if (S_ISREG(status.st_mode)) filesRead_.emplace_back(status.st_dev, status.st_ino);
+  std::optional<std::string> bytes = readAll(file.number(), static_cast<size_t>(std::max<off_t>(status.st_size, 0)));
+  if (bytes.has_value() && S_ISREG(status.st_mode)) filesRead_.emplace_back(status.st_dev, status.st_ino);
   return bytes;
 }
 
 bool RealHost::wasRead(const std::string& path) const {
-  struct stat status {};
-  if (!readStatus(path, status)) return false;
-  return std::find(filesRead_.begin(), filesRead_.end(), std::pair(status.st_dev, status.st_ino)) != filesRead_.end();
+  const std::optional<struct stat> status = statusOf(path);
+  if (!status.has_value()) return false;
+  const std::pair<dev_t, ino_t> identity(status->st_dev, status->st_ino);
+  return std::find(filesRead_.begin(), filesRead_.end(), identity) != filesRead_.end();
 }
 
-bool RealHost::exists(const std::string& path) const {
-  struct stat status {};
-  return readStatus(path, status);
-}
+bool RealHost::exists(const std::string& path) const { return statusOf(path).has_value(); }
 
 bool RealHost::isDirectory(const std::string& path) const {
-  struct stat status {};
-  return readStatus(path, status) && S_ISDIR(status.st_mode);
+  const std::optional<struct stat> status = statusOf(path);
+  return status.has_value() && S_ISDIR(status->st_mode);
 }
 
-// A regular file is written beside its target and renamed, so that there is the old one or the new one and nothing in
-// between. Devices, pipes and links are there to be written through; a link keeps its other names. A file that may be
-// written, in a folder where none may be made or renamed, is written in place.
+// Writes a new file and renames it to its target, so that there is always a whole file, the old one or the new one.
+// Writes in place into devices, pipes and links, and where the folder allows no new files. A file with several links
+// stays one file.
 bool RealHost::writeFile(const std::string& path, std::span<const std::string_view> parts) {
   if (!isNameable(path) || path.empty()) return false;
   struct stat status {};
@@ -195,7 +193,7 @@ std::optional<std::string> RealHost::environment(const std::string& name) const 
   return value;
 }
 
-// A console that cannot be written to leaves nobody to tell: the exit status still says how the run went.
+// A failure is ignored, as there is nowhere to report it. The exit status does not depend on it.
 void RealHost::printError(std::string_view text) { (void)writeAll(STDERR_FILENO, {&text, 1}); }
 
 void RealHost::printOutput(std::string_view text) { (void)writeAll(STDOUT_FILENO, {&text, 1}); }

@@ -12,7 +12,8 @@ namespace kiln {
 
 class RealHost final : public Host {
  public:
-  // From here on a reader that goes away and a file that grows too large are failed writes, and end no program.
+  // Ignores the signals for a closed pipe and for a file that is too large, so that these writes fail instead of ending
+  // the program.
   RealHost();
 
   std::optional<std::string> readFile(const std::string& path) const override;
