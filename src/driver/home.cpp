@@ -10,10 +10,11 @@
 namespace kiln {
 namespace {
 
+// Longer values are ignored.
 constexpr size_t longestVariable = 4095;
 
-// A variable's value, cleaned of what shells and Windows leave in it: blanks and double quotes around it, backslashes.
-// Absent when nothing is left.
+// The value with "/" for "\" and without the blanks and double quotes that shells and Windows may leave around it.
+// Absent when it is empty then.
 std::optional<std::string> cleanVariable(const Host& host, const std::string& name) {
   const std::optional<std::string> value = host.environment(name);
   if (!value.has_value() || value->size() > longestVariable) return std::nullopt;

@@ -1,4 +1,4 @@
-// The toolchain's home, and the platform symbol files that stand in it.
+// The toolchain's home and the platform symbol files in it.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace kiln {
 
-// The directory of the toolchain's support files; absent when none of the places where one may be has it.
+// The directory of the toolchain's support files; absent when it is in none of the usual places.
 std::optional<std::string> findSupportDirectory(const Host& host, const std::string& programPath);
 
 // The paths of the Atari symbol files, then those of the generic ones, each sorted by name.

@@ -68,7 +68,7 @@ void setField(std::optional<Format>& format, const std::string& value) {
   format = equalIgnoringCase(value, "prg") ? Format::Prg : Format::Xex;
 }
 
-// START-END; any other value changes nothing.
+// START-END; a value without "-" changes nothing.
 void setField(Window& window, const std::string& value) {
   const std::string_view text = value;
   const size_t dash = text.find('-');

@@ -21,10 +21,10 @@
 namespace kiln {
 namespace {
 
-// Where a program starts that has no bytes.
+// The start address of a program without bytes.
 constexpr uint32_t defaultRunAddress = 0x3400;
 
-// The path from "-o", or the first input's with another extension; absent when that input has no name to go by.
+// The path from "-o", or the first input's with another extension; absent when that input has no file name.
 std::optional<std::string> chooseOutputPath(const Options& options) {
   if (options.output.has_value()) return options.output;
   const std::string stem = pathStem(options.inputs.front());
@@ -38,7 +38,7 @@ Format chooseFormat(const Options& options, const std::optional<std::string>& ou
   return isPrg ? Format::Prg : Format::Xex;
 }
 
-// The inputs one behind the other, each followed by a line end; absent when one cannot be read, which is printed.
+// The inputs joined, with a line end after each. Prints why one cannot be read; absent then.
 std::optional<std::string> readInputs(Host& host, const std::vector<std::string>& inputs) {
   std::string source;
   for (const std::string& path : inputs) {
@@ -57,7 +57,7 @@ std::optional<std::string> readInputs(Host& host, const std::vector<std::string>
   return source;
 }
 
-// All messages in one write: there may be a million of them.
+// Prints all messages at once, as there can be a million.
 void printMessages(Console& console, std::string_view prefix, const MessageList& messages) {
   std::string text;
   for (size_t i = 0; i < messages.size(); ++i) {
@@ -92,8 +92,8 @@ void printSummary(Console& console, const std::string& input, const std::string&
               decimal(static_cast<int64_t>(segments.size())), segments.size() == 1 ? " segment)\n" : " segments)\n"}));
 }
 
-// Writes the output and the listing; false when the output cannot be, or when either would replace a file that the run
-// has read. The path is printed then.
+// Writes the output and the listing. Prints the path and returns false when the output cannot be written, or when
+// either would replace a file that the run has read.
 bool writeFiles(Host& host, const Options& options, const std::optional<std::string>& outputPath,
                 const std::optional<Image>& image, Assembler& assembler) {
   const auto refuse = [&host](const std::string& path) {
@@ -103,13 +103,13 @@ bool writeFiles(Host& host, const Options& options, const std::optional<std::str
   if (!outputPath.has_value() || !image.has_value()) return refuse(outputPath.value_or("(null)"));
   if (host.wasRead(*outputPath)) return refuse(*outputPath);
   if (options.listing.has_value() && host.wasRead(*options.listing)) return refuse(*options.listing);
-  // Rendered first: should memory run out over it, nothing has been written yet.
+  // The listing comes first: if it needs too much memory, nothing is written.
   Iteration& iteration = *assembler.iteration;
   const std::string listing = options.listing.has_value()
                                   ? renderListing(iteration.statements.lines, assembler.lines, iteration.evaluator)
                                   : "";
   if (!host.writeFile(*outputPath, image->parts())) return refuse(*outputPath);
-  // The program is there already: that its listing cannot be written is no failure.
+  // The program is complete without its listing, so a failure here does not count.
   if (options.listing.has_value()) (void)host.writeFile(*options.listing, std::array{std::string_view(listing)});
   return true;
 }

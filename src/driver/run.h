@@ -1,4 +1,4 @@
-// One run of the program, from its arguments to its exit status.
+// A run of the program, from its arguments to its exit status.
 #pragma once
 
 #include <span>

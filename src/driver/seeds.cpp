@@ -16,7 +16,7 @@ struct Equate {
   uint16_t value;
 };
 
-// The Atari OS and hardware. Read and write registers that share an address both stand here.
+// The Atari OS and hardware. Some addresses have two names, one for reading and one for writing.
 // clang-format off
 constexpr std::array<Equate, 147> equates = {{
     {"LINZBS", 0x00}, {"CASINI", 0x02}, {"RAMLO", 0x04}, {"TRAMSZ", 0x06}, {"TSTDAT", 0x07}, {"WARMST", 0x08},
@@ -50,7 +50,7 @@ constexpr std::array<Equate, 147> equates = {{
 }};
 // clang-format on
 
-// Named values, each name once, in the order in which the names came.
+// Named values, each name once, in the order in which the names were first set.
 class Seeds {
  public:
   void set(std::string_view name, uint32_t value) {
@@ -66,14 +66,14 @@ class Seeds {
   std::unordered_map<std::string, size_t> byName_;
 };
 
-// Symbol files come from Windows editors as well.
+// Also removes the carriage return of a Windows line end.
 std::string_view trimLine(std::string_view text) {
   constexpr std::string_view cut = " \t\r";
   const size_t begin = text.find_first_not_of(cut);
   return begin == std::string_view::npos ? "" : text.substr(begin, text.find_last_not_of(cut) - begin + 1);
 }
 
-// Only hexadecimal values count; a line of any other form gives nothing.
+// Ignores all lines but "name = $hex".
 void readDefinition(std::string_view line, Seeds& seeds) {
   line = trimLine(line.substr(0, line.find(';')));
   const size_t equals = line.find('=');

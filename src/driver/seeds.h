@@ -1,4 +1,4 @@
-// The symbols that every source starts with.
+// The symbols that are defined before the first line.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace kiln {
 
-// The definitions of the symbol files, later ones in the place of earlier ones of their name. Files that cannot be used
-// give nothing; when there is no definition at all, these are the built-in Atari equates.
+// The definitions in the symbol files, or the built-in Atari equates when there are none. The last definition of a name
+// counts. Files that cannot be used are ignored.
 std::vector<NamedValue> loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles);
 
 }  // namespace kiln

@@ -8,7 +8,7 @@
 namespace kiln {
 namespace {
 
-// A symbol file from the command line stands in for all those of the toolchain.
+// A symbol file from the command line replaces all those of the toolchain.
 std::vector<std::string> chooseSymbolFiles(const Host& host, std::span<const std::string> arguments,
                                            const Options& options) {
   if (options.symbolFile.has_value()) return {*options.symbolFile};

@@ -1,4 +1,4 @@
-// From what the user gave (options, environment, symbol files, layout) to the settings of the run.
+// The settings of the run, from the options, the environment, the symbol files and the layout.
 #pragma once
 
 #include <span>
@@ -10,8 +10,8 @@
 
 namespace kiln {
 
-// Fills the settings. A layout with banking switches banked output on in `options`. The result is the reason why the
-// layout cannot be used, empty when there is none. `arguments` begins with the program's own path.
+// Fills the settings. A layout with banking sets `options.banked`. The result is the reason why the layout cannot be
+// used, empty when it can. `arguments` begins with the program's own path.
 std::string settle(const Host& host, std::span<const std::string> arguments, Options& options, Settings& settings);
 
 }  // namespace kiln

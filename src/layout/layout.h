@@ -1,4 +1,4 @@
-// What a layout file (".lnk") says about the target's memory and banking. A number that is 0 is not set.
+// The contents of a layout file (".lnk"): the target's memory and banking. A number that is 0 is not set.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 namespace kiln {
 
 struct AsLayout {
-  std::string error;  // the first error, complete but for the program's name; empty when the file parsed
+  std::string error;  // the first error, without the program's name; empty when there is none
 
-  bool hasBanking = false;  // a key was read in "[banking]", even one that had no effect
+  bool hasBanking = false;  // "[banking]" has a key, perhaps an unknown one
   uint32_t codeWindowLo = 0;
   uint32_t codeWindowHi = 0;
-  std::vector<uint32_t> mainRegion;  // low, high, low, high, ... in the order written
+  std::vector<uint32_t> mainRegion;  // low, high, low, high, ... in the order of the file
   bool codeWindowSplit = false;      // the window has a code half and a data half
   uint32_t codeHalfLo = 0;
   uint32_t codeHalfHi = 0;
@@ -28,15 +28,15 @@ struct AsLayout {
   uint32_t regcRegLo = 0;
   uint32_t regcRegHi = 0;
 
-  bool cloakedPending = false;  // a "[cloaked]" entry is open; the next three belong to it
+  bool cloakedPending = false;  // a "[cloaked]" entry is open; the next three are its
   int32_t cloakedBankLo = -1;   // -1: no bank
   int32_t cloakedBankHi = -1;
   std::string cloakedIdTemplate;
   std::vector<std::string> cloakedIds;  // of all closed entries
 };
 
-// Fills every field of `into` from `hasBanking` to `regcRegHi` that is not set yet. The rest stays: an included
-// file's error and cloaked entries are no business of a merge.
+// Sets each field of `into` from `hasBanking` to `regcRegHi` that is not set yet. The error and the cloaked entries of
+// `from` are not merged.
 void mergeLayout(AsLayout& into, const AsLayout& from);
 
 }  // namespace kiln

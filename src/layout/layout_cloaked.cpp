@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view placeholder = "<n>";
 
-// More ids than this, or fewer of more than 32 bytes, are a slip of the pen, and would fill the memory.
+// Only for hostile or mistyped files, which could fill the memory: the most ids, fewer if they are longer than usual.
 constexpr int64_t maximumIds = 1'000'000;
 constexpr int64_t usualIdSize = 32;
 
@@ -38,7 +38,7 @@ void readBanks(AsLayout& layout, std::string_view value) {
   if (low.has_value() && high.has_value()) setBanks(layout, *low, *high);
 }
 
-// The id with every placeholder replaced.
+// The id with the number in place of each placeholder.
 std::string numberedId(std::string_view id, std::string_view number) {
   std::string text;
   size_t at = 0;
@@ -71,7 +71,7 @@ void closeRange(AsLayout& layout, std::string_view path, bool hasPlaceholder) {
   } else if (isTooMuch(count, id)) {
     layout.error = concat({range, "is too long"});
   } else {
-    // A million at once need no room for half a million more; many small ranges grow as usual.
+    // A large range gets exactly the room that it needs. Small ranges let the vector grow as usual.
     const size_t needed = static_cast<size_t>(count);
     if (needed > 2 * layout.cloakedIds.capacity()) layout.cloakedIds.reserve(needed);
     for (int64_t bank = low; bank <= high; ++bank)
@@ -100,13 +100,13 @@ void closeCloakedEntry(AsLayout& layout, std::string_view path) {
   if (layout.cloakedBankLo < layout.cloakedBankHi) {
     closeRange(layout, path, hasPlaceholder);
   } else {
-    closeSingle(layout, path, hasPlaceholder);  // one bank, none, or a range the wrong way round
+    closeSingle(layout, path, hasPlaceholder);  // one bank, none, or a reversed range
   }
 }
 
 void checkCloakedIds(AsLayout& layout, std::string_view path) {
   const std::vector<std::string>& ids = layout.cloakedIds;
-  // Sorted, with equal ids in the order of the list: all but the first of them are repetitions.
+  // Indices sorted by id, equal ids in the order of the list: all of them but the first are repetitions.
   std::vector<uint32_t> numbers(ids.size());
   std::iota(numbers.begin(), numbers.end(), 0);
   std::sort(numbers.begin(), numbers.end(), [&](uint32_t a, uint32_t b) {

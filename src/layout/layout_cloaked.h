@@ -7,17 +7,17 @@
 
 namespace kiln {
 
-// Begins an entry without a bank; its id is "lib" until a key says otherwise.
+// Begins an entry without a bank. Its id is "lib" unless a key sets another.
 void openCloakedEntry(AsLayout& layout);
 
-// "bank" and "id" change the open entry; other keys, and a bank that does not parse, change nothing.
+// Sets the bank or the id of the open entry. Other keys and invalid banks change nothing.
 void readCloakedKey(AsLayout& layout, std::string_view key, std::string_view value);
 
-// Moves the open entry, if there is one, to the list of ids. When its id and its bank do not fit together, sets the
-// layout's error, with `path` in front.
+// Moves the open entry, if there is one, to the list of ids. Sets the layout's error, which begins with `path`, when
+// the id does not fit the bank.
 void closeCloakedEntry(AsLayout& layout, std::string_view path);
 
-// Sets the layout's error when an id stands in the list twice; the first one met for the second time is named.
+// Sets the layout's error when an id is in the list twice, and names the first that repeats an earlier one.
 void checkCloakedIds(AsLayout& layout, std::string_view path);
 
 }  // namespace kiln

@@ -13,8 +13,8 @@ namespace {
 
 enum class Form : uint8_t { Number, Range, RangeOrNumber };
 
-// A row with an `end` stands for all keys that begin and end so, a row without for the one key. No field: the value
-// must parse, but is not kept.
+// A row with an `end` is for all keys with this beginning and end, a row without for one key. A value without a field
+// is not kept.
 struct BankingKey {
   std::string_view begin;
   std::string_view end;
@@ -53,7 +53,7 @@ const BankingKey* findBankingKey(std::string_view key) {
   return nullptr;
 }
 
-// The value in the form the row asks for; a single number is the low end, and the high end is 0 then.
+// The value in this form. A single number is the low end of a range whose high end is 0.
 std::optional<LayoutRange> parseValue(Form form, std::string_view value) {
   if (form != Form::Number) {
     const std::optional<LayoutRange> range = findLayoutRange(value);
@@ -63,8 +63,8 @@ std::optional<LayoutRange> parseValue(Form form, std::string_view value) {
   return number.has_value() ? std::optional(LayoutRange{*number, 0}) : std::nullopt;
 }
 
-// The assembler's code window then runs from the code half's start to the end of the data window, which the file must
-// have named before. The code half's own end is deliberately not taken.
+// The code window then extends from the start of the code half to the end of the data window, if an earlier line has
+// set that. The end of the code half has no effect, on purpose.
 void splitCodeWindow(AsLayout& layout) {
   layout.codeWindowSplit = true;
   if (layout.codeHalfLo != 0) layout.codeWindowLo = layout.codeHalfLo;
@@ -76,7 +76,7 @@ struct BankRegister {
   uint8_t mask = 0xFF;
 };
 
-// "address" or "address:mask"; the mask keeps its low 8 bits.
+// "address" or "address:mask". Only the low 8 bits of the mask count.
 std::optional<BankRegister> parseRegister(std::string_view item) {
   const size_t colon = item.find(':');
   const std::optional<uint32_t> address = parseLayoutNumber(item.substr(0, colon));
@@ -87,8 +87,8 @@ std::optional<BankRegister> parseRegister(std::string_view item) {
   return BankRegister{*address, lowByte(*mask)};
 }
 
-// The first item that parses is the code register, the second the data register. One with a partial mask keeps its
-// place but is not taken: the assembler's bank switches write whole bytes.
+// The first valid item is the code register, the second the data register. One with a partial mask counts but is not
+// used: bank switches write whole bytes.
 void readRegisters(AsLayout& layout, std::string_view value) {
   uint32_t* const targets[] = {&layout.codeReg, &layout.dataReg};
   size_t kept = 0;

@@ -1,6 +1,6 @@
-// A file is read twice. First its "#include" lines: each named layout is loaded whole and fills what is not set yet.
-// Then its own sections and keys, which therefore win over every include wherever the lines stand. Files may include
-// each other to any depth, so the ones begun and not finished wait on a stack of their own.
+// A file is read twice. First its "#include" lines: each of these layouts sets what is not set yet. Then its own
+// sections and keys, which therefore override all includes, even those on later lines. Files include each other to any
+// depth, so the unfinished ones are on an explicit stack.
 #include "layout/layout_parser.h"
 
 #include <cstdint>
@@ -20,7 +20,7 @@
 namespace kiln {
 namespace {
 
-// Without blanks on either side, nor the carriage return of a file with two-character line ends.
+// Also removes the carriage return of a Windows line end.
 std::string_view trimLine(std::string_view line) {
   line = trim(line);
   if (line.ends_with('\r')) line.remove_suffix(1);
@@ -35,7 +35,7 @@ Section sectionOf(std::string_view name) {
   return equalIgnoringCase(name, "cloaked") ? Section::Cloaked : Section::Other;
 }
 
-// The sections and keys of one file; nothing is read into a layout that has an error.
+// Reads the sections and keys of one file, up to the first error.
 class KeyReader {
  public:
   KeyReader(AsLayout& layout, std::string_view path) : layout_(layout), path_(path) {}
@@ -91,7 +91,7 @@ class KeyReader {
   int64_t lineNumber_ = 0;
 };
 
-// The name on an "#include" line: all between its first and its last quote. Absent for any other line.
+// The name in an "#include" line: all text between its first and last quote. Absent for other lines.
 std::optional<std::string_view> includedName(std::string_view line) {
   line = trimLine(line);
   const size_t first = line.find('"');
@@ -100,7 +100,7 @@ std::optional<std::string_view> includedName(std::string_view line) {
   return line.substr(first + 1, last - first - 1);
 }
 
-// Beside the including file, or else in "layouts" there. When it is in neither place, the first is named, to fail.
+// The path in the including file's folder or, if the file is not there but in "layouts" in that folder, the path there.
 std::string resolveInclude(const FileReader& files, const std::string& includingPath, std::string_view name) {
   const std::string directory = directoryPart(includingPath);
   std::string beside = joinPaths(directory, name);
@@ -109,18 +109,18 @@ std::string resolveInclude(const FileReader& files, const std::string& including
   return files.exists(below) ? below : beside;
 }
 
-// One text for all the ways of writing a path, such as "a", "./a" and "b/../a": an include circle that goes through
-// "." or ".." writes a longer path each time round.
+// The same text for all spellings of a path, such as "a", "./a" and "b/../a". An include cycle through "." or ".." has
+// a longer path in each round.
 std::string identityOf(const std::string& path) { return std::filesystem::path(path).lexically_normal().string(); }
 
-// A file begun and not finished. It must not move, as `lines` looks into `text`.
+// An unfinished file. It must not move, as `lines` points into `text`.
 struct OpenLayout {
   OpenLayout(std::string itsPath, std::string itsText)
       : path(std::move(itsPath)), text(std::move(itsText)), lines(text, '\n') {}
 
   std::string path;
   std::string text;
-  Fields lines;  // where the search for "#include" lines goes on
+  Fields lines;  // those not yet searched for "#include"
   AsLayout layout;
 };
 
@@ -150,7 +150,7 @@ class LayoutLoader {
     openIdentities_.insert(identityOf(path));
   }
 
-  // Merges what a finished file brings; any other is opened, to be read before the search in `top` goes on.
+  // Merges a finished file. Opens any other, which is read before the rest of `top`.
   void include(OpenLayout& top, std::string_view name) {
     const std::string path = resolveInclude(files_, top.path, name);
     if (openIdentities_.contains(identityOf(path))) {
@@ -164,7 +164,7 @@ class LayoutLoader {
     }
   }
 
-  // Hands the finished file at the top to the one that includes it.
+  // Merges the finished file at the top into the one that includes it.
   void closeTop() {
     const OpenLayout& top = open_.back();
     OpenLayout& below = open_[open_.size() - 2];
@@ -178,8 +178,7 @@ class LayoutLoader {
   const FileReader& files_;
   std::deque<OpenLayout> open_;
   std::unordered_set<std::string> openIdentities_;
-  // What an include of the path brings. Kept, as files that include one another in layers would be read again and
-  // again, twice as often in every layer.
+  // By path. Only for hostile files: where each one includes the next one twice, the reads would double with each file.
   std::unordered_map<std::string, AsLayout> finished_;
 };
 

@@ -1,5 +1,5 @@
 // Layout files: sections in square brackets, "key = value" lines, "#" comments and "#include" lines. The toolchain's
-// driver reads the same files, so sections and keys that mean nothing here are passed over.
+// driver reads the same files, so unknown sections and keys are ignored.
 #pragma once
 
 #include <string>
@@ -10,12 +10,12 @@
 
 namespace kiln {
 
-// Reads and parses the file. The result's `error` says what failed: the reader's own message when the file, or one it
+// Reads and parses the file. `error` in the result is the message of readTextFile() when this file, or one that it
 // includes, cannot be used as text.
 AsLayout loadLayout(const FileReader& files, const std::string& path);
 
-// Adds to `layout` what `text`, the layout file at `path`, and the files it includes say. Stops at the first error and
-// leaves it in `layout.error`.
+// Adds the contents of the layout file at `path`, which are `text`, and of the files that it includes. Stops at the
+// first error, and sets `layout.error` to it.
 void parseLayout(AsLayout& layout, const FileReader& files, const std::string& path, std::string_view text);
 
 }  // namespace kiln

@@ -8,7 +8,7 @@
 namespace kiln {
 namespace {
 
-// Takes "$" and one or more hexadecimal digits off the front of the text. It may be shorter after a failure, too.
+// Takes "$" and one or more hexadecimal digits off the front of the text. A failure may take the "$".
 std::optional<uint32_t> takeDollarHex(std::string_view& text) {
   if (!text.starts_with('$')) return std::nullopt;
   text.remove_prefix(1);
