@@ -160,7 +160,7 @@ void checkOutput(const Outcome& outcome) {
   const uint64_t size = summarySize(outcome.standardError, path);
   const bool leavesOutSegments = outcome.standardError.find("cloaked segments are only supported") != std::string::npos;
   const bool maybePrg = std::any_of(outcome.arguments.begin(), outcome.arguments.end(),
-                                    [](const std::string& argument) { return endsWithIgnoringCase(argument, "PRG"); });
+                                    [](const std::string& argument) { return endsWithIgnoringCase(argument, "prg"); });
   require(image.size() >= size + 2 || leavesOutSegments, "an output file shorter than its program");
   if (!maybePrg) checkLoadFile(image, size, leavesOutSegments);
   require(outcome.written.size() <= 2, "more files than the output and the listing");
