@@ -19,6 +19,7 @@ DIALECTS = {KILN: (("@", "."), ("!org ", ".org ")), RIVAL: (("@", "_"), ("!org "
 ORIGINS = ("$2000", "$5000", "$8000", "$B000")
 SECTION = 4000  # lines of code between two origins: never more than $3000 bytes
 FILE_LINES = 100
+HOME, SYMBOL_FILES, SYMBOL_LINES = "home", 40, 100
 BANK_LINES = 5000
 CALLS_PER_BANK = 10
 ENTRIES_PER_BANK = 4
@@ -119,6 +120,16 @@ def start_up(rng, lines):
     return program_of(rng, lines, branches=False)
 
 
+def home(rng, lines):
+    """Names from the symbol files of a toolchain's home; the other assembler includes files of the same names."""
+    names = [[f"name_{file}_{line}" for line in range(SYMBOL_LINES)] for file in range(SYMBOL_FILES)]
+    files = {f"symbols/{file:02}": [f"{name} = ${rng.randrange(0x200, 0xFF00):04X}" for name in names[file]]
+             for file in range(SYMBOL_FILES)}
+    mnemonics = ("LDA", "STA", "ADC", "JSR", "CMP")
+    code = [f"        {rng.choice(mnemonics)} {rng.choice(rng.choice(names))}" for _ in range(lines - 1)]
+    return {**files, "main.asm": ["!symbols", "!org $2000", *code]}
+
+
 def undefined(rng, lines):
     """No name is known; each is met once."""
     forms = ("LDA #%s", "LDX #<%s", "LDA #>%s", "JSR %s", "LDA %s", "STA %s,X")
@@ -176,6 +187,7 @@ WORKLOADS = {
     "macro": (macro, (KILN, RIVAL)),
     "include": (include, (KILN, RIVAL)),
     "start-up": (start_up, (KILN, RIVAL)),
+    "home": (home, (KILN, RIVAL)),
     "far": (far, (KILN,)),
     "fold": (fold, (KILN,)),
     "undefined": (undefined, (KILN,)),
@@ -197,8 +209,20 @@ def macro_definitions(dialect):
     return "\n".join(text)
 
 
+def symbol_includes(dialect):
+    """kiln-as finds the files in its home."""
+    return "" if dialect == KILN else "\n".join(f'        .include "symbols/{file:02}.asm"' for file in range(SYMBOL_FILES))
+
+
+def place(name, dialect):
+    """Where a file of a program goes in its folder."""
+    if not name.startswith("symbols/"):
+        return name
+    return f"{HOME}/lib/kl/atari/{name}.sym" if dialect == KILN else name + ".asm"
+
+
 def translate(text, dialect):
-    text = text.replace("!macros", macro_definitions(dialect))
+    text = text.replace("!macros", macro_definitions(dialect)).replace("!symbols", symbol_includes(dialect))
     for marker, spelling in DIALECTS[dialect]:
         text = text.replace(marker, spelling)
     return text
@@ -218,7 +242,7 @@ def prepare(workload, lines, directory):
     for name, text in files.items():
         joined = "\n".join(text) + "\n"
         for dialect in dialects:
-            path = folder / dialect / name
+            path = folder / dialect / place(name, dialect)
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(translate(joined, dialect))
     stamp.write_text(state)

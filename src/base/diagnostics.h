@@ -1,8 +1,9 @@
-// What a run has to say: two lists of finished messages, and the two kinds of line prefix, made here alone.
+// The messages of a run: two lists, and all prefixes that a message may have.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -10,37 +11,50 @@
 
 namespace kiln {
 
-// Messages in the order recorded, kept in one block of text: a million of them cost a million short copies.
+// Messages in the order recorded. They are kept as the lines that will be printed, in large blocks: there may be
+// millions (a third of the time of a source of warnings).
 class MessageList {
  public:
+  // Each printed line begins with the prefix, a literal.
+  explicit MessageList(std::string_view linePrefix = "") : prefix_(linePrefix) {}
+  MessageList(const MessageList&) = delete;
+  MessageList& operator=(const MessageList&) = delete;
+
   // Appends one message, given in pieces.
   void add(std::initializer_list<std::string_view> pieces);
 
-  bool empty() const { return ends_.empty(); }
-  size_t size() const { return ends_.size(); }
-  std::string_view operator[](size_t index) const;
+  bool empty() const { return messages_.empty(); }
+  size_t size() const { return messages_.size(); }
+  // A message without its prefix and line end.
+  std::string_view operator[](size_t index) const { return messages_[index]; }
+
+  // All lines in order, in pieces.
+  const std::vector<std::string>& lines() const { return blocks_; }
 
   // Messages recorded so far survive every later clear().
-  void keepRecorded() { kept_ = ends_.size(); }
+  void keepRecorded();
   // Drops all messages but the kept ones.
   void clear();
 
  private:
-  std::string text_;
-  std::vector<size_t> ends_;
-  size_t kept_ = 0;
+  std::string_view prefix_;
+  std::vector<std::string> blocks_;  // filled up to their capacity, so that nothing in them moves
+  std::deque<std::string_view> messages_;
+  size_t keptMessages_ = 0;
+  size_t keptBlocks_ = 0;
+  size_t keptSize_ = 0;  // of the last kept block
 };
 
 struct Diagnostics {
-  MessageList errors;
-  MessageList warnings;
-  std::string mainSourcePath;  // the first input, as written; it stands in every located message
+  MessageList errors{"kiln-as: error: "};
+  MessageList warnings{"kiln-as: warning: "};
+  std::string mainSourcePath;  // the first input, as written; part of every located message
 
   // An error that begins with "<main source path>:<line>: ". `line` counts from 1 in the expanded source.
   void errorAt(uint32_t line, std::initializer_list<std::string_view> pieces);
 };
 
-// "line <line>: ", the prefix of everything the instruction encoder says.
+// "line <line>: ", the prefix of all messages of the instruction encoder.
 std::string linePrefix(uint32_t line);
 
 }  // namespace kiln

@@ -1,5 +1,6 @@
 #include "base/utf8.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -35,14 +36,16 @@ bool isStrictSecondByte(unsigned lead, unsigned second) {
   }
 }
 
-// The index of the first byte at or after `at` that is not ASCII. Sources are mostly ASCII, so this reads eight bytes
-// at a time.
+// The index of the first byte at or after `at` that is not ASCII. Sources are mostly ASCII, so this reads 64 bytes at a
+// time.
 size_t skipAscii(std::string_view bytes, size_t at) {
-  while (at + sizeof(uint64_t) <= bytes.size()) {
-    uint64_t block;
-    std::memcpy(&block, bytes.data() + at, sizeof block);
-    if ((block & 0x8080808080808080U) != 0) break;
-    at += sizeof block;
+  std::array<uint64_t, 8> block;
+  for (; at + sizeof block <= bytes.size(); at += sizeof block) {
+    std::memcpy(block.data(), bytes.data() + at, sizeof block);
+    uint64_t all = 0;
+    for (uint64_t word : block)
+      all |= word;
+    if ((all & 0x8080808080808080U) != 0) break;
   }
   while (at < bytes.size() && byteAt(bytes, at) < 0x80)
     ++at;

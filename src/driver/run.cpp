@@ -57,15 +57,9 @@ std::optional<std::string> readInputs(Host& host, const std::vector<std::string>
   return source;
 }
 
-// Prints all messages at once, as there can be a million.
-void printMessages(Console& console, std::string_view prefix, const MessageList& messages) {
-  std::string text;
-  for (size_t i = 0; i < messages.size(); ++i) {
-    text += prefix;
-    text += messages[i];
-    text.push_back('\n');
-  }
-  if (!text.empty()) console.printError(text);
+void printMessages(Console& console, const MessageList& messages) {
+  for (const std::string& lines : messages.lines())
+    console.printError(lines);
 }
 
 uint32_t chooseRunAddress(const Options& options, Assembler& assembler) {
@@ -137,9 +131,9 @@ int assembleFiles(Host& host, std::span<const std::string> arguments) {
   Preprocessor preprocessor(host, options.includePaths, assembler.texts, assembler.diagnostics.errors);
   assembler.lines = preprocessor.run(assembler.texts.own(std::move(*source)), options.inputs.front());
   const bool assembled = assemble(assembler);
-  printMessages(host, "kiln-as: warning: ", assembler.diagnostics.warnings);
+  printMessages(host, assembler.diagnostics.warnings);
   if (!assembled) {
-    printMessages(host, "kiln-as: error: ", assembler.diagnostics.errors);
+    printMessages(host, assembler.diagnostics.errors);
     return 1;
   }
 

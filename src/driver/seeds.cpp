@@ -2,7 +2,7 @@
 
 #include <array>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 
 #include "base/hex.h"
 #include "base/text.h"
@@ -50,65 +50,53 @@ constexpr std::array<Equate, 147> equates = {{
 }};
 // clang-format on
 
-// Named values, each name once, in the order in which the names were first set.
-class Seeds {
- public:
-  void set(std::string_view name, uint32_t value) {
-    const auto [entry, isNew] = byName_.try_emplace(std::string(name), values_.size());
-    if (isNew) values_.push_back({std::string(name), 0});
-    values_[entry->second].value = value;
-  }
-
-  std::vector<NamedValue> take() { return std::move(values_); }
-
- private:
-  std::vector<NamedValue> values_;
-  std::unordered_map<std::string, size_t> byName_;
-};
+void enterSeed(std::string_view name, uint32_t value, SymbolTable& symbols) {
+  Symbol& symbol = symbols.enter(HashedName(name)).symbol;
+  symbol.value = value;
+  symbol.seed = 1;
+}
 
 // Also removes the carriage return of a Windows line end.
 std::string_view trimLine(std::string_view text) {
-  constexpr std::string_view cut = " \t\r";
-  const size_t begin = text.find_first_not_of(cut);
-  return begin == std::string_view::npos ? "" : text.substr(begin, text.find_last_not_of(cut) - begin + 1);
+  const auto isCut = [](char c) { return isBlank(c) || c == '\r'; };
+  while (!text.empty() && isCut(text.front()))
+    text.remove_prefix(1);
+  while (!text.empty() && isCut(text.back()))
+    text.remove_suffix(1);
+  return text;
 }
 
 // Ignores all lines but "name = $hex".
-void readDefinition(std::string_view line, Seeds& seeds) {
+void readDefinition(std::string_view line, SymbolTable& symbols) {
   line = trimLine(line.substr(0, line.find(';')));
   const size_t equals = line.find('=');
   if (equals == std::string_view::npos) return;
   std::string_view wording = trimLine(line.substr(equals + 1));
   if (wording.size() < 2 || wording[0] != '$' || !isHexDigit(wording[1])) return;
   wording.remove_prefix(1);
-  seeds.set(trimLine(line.substr(0, equals)), static_cast<uint32_t>(takeHex(wording)));
+  enterSeed(trimLine(line.substr(0, equals)), static_cast<uint32_t>(takeHex(wording)), symbols);
 }
 
 void readSymbolFile(const FileReader& files, const std::string& path, Seeds& seeds) {
-  const std::optional<std::string> text = files.readFile(path);
+  std::optional<std::string> text = files.readFile(path);
   if (!text.has_value() || !isUtf8(*text)) return;
-  Fields lines(*text, '\n');
+  Fields lines(seeds.texts.own(std::move(*text)), '\n');
   std::string_view line;
   while (lines.next(line))
-    readDefinition(line, seeds);
-}
-
-std::vector<NamedValue> builtInEquates() {
-  std::vector<NamedValue> values;
-  values.reserve(equates.size());
-  for (const Equate& equate : equates)
-    values.push_back({std::string(equate.name), equate.value});
-  return values;
+    readDefinition(line, seeds.symbols);
 }
 
 }  // namespace
 
-std::vector<NamedValue> loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles) {
+Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles) {
   Seeds seeds;
   for (const std::string& path : symbolFiles)
     readSymbolFile(files, path, seeds);
-  std::vector<NamedValue> values = seeds.take();
-  return values.empty() ? builtInEquates() : values;
+  if (!seeds.symbols.symbols().empty()) return seeds;
+  seeds.symbols.reserve(equates.size());
+  for (const Equate& equate : equates)
+    enterSeed(equate.name, equate.value, seeds.symbols);
+  return seeds;
 }
 
 }  // namespace kiln

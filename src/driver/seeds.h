@@ -11,6 +11,6 @@ namespace kiln {
 
 // The definitions in the symbol files, or the built-in Atari equates when there are none. The last definition of a name
 // counts. Files that cannot be used are ignored.
-std::vector<NamedValue> loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles);
+Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles);
 
 }  // namespace kiln

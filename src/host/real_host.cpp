@@ -3,9 +3,11 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -38,14 +40,24 @@ class FileDescriptor {
   int number_;
 };
 
+// Writes many parts with one call: a program may have thousands of short segments.
 bool writeAll(int descriptor, std::span<const std::string_view> parts) {
-  for (std::string_view bytes : parts) {
-    while (!bytes.empty()) {
-      const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count <= 0) return false;
-      bytes.remove_prefix(static_cast<size_t>(count));
+  std::array<iovec, 256> batch;
+  size_t written = 0;  // of the first part
+  while (!parts.empty()) {
+    size_t count = 0;
+    for (; count < std::min(parts.size(), batch.size()); ++count) {
+      const std::string_view rest = parts[count].substr(count == 0 ? written : 0);
+      batch[count] = {const_cast<char*>(rest.data()), rest.size()};  // NOLINT: only read
     }
+    const ssize_t result = ::writev(descriptor, batch.data(), static_cast<int>(count));
+    if (result < 0 && errno == EINTR) continue;
+    if (result < 0) return false;
+    written += static_cast<size_t>(result);
+    const bool isStuck = result == 0 && written < parts.front().size();
+    if (isStuck) return false;
+    for (; !parts.empty() && written >= parts.front().size(); parts = parts.subspan(1))
+      written -= parts.front().size();
   }
   return true;
 }

@@ -27,10 +27,16 @@ struct NamedValue {
   int64_t value;
 };
 
+// The symbols of symbol files, or the built-in equates. Each iteration begins with a copy.
+struct Seeds {
+  TextStore texts;  // the names
+  SymbolTable symbols;
+};
+
 // Written by the driver before the run, constant afterwards.
 struct Settings {
   bool verbose = false;
-  std::vector<NamedValue> seeds;    // platform equates; a label may replace one
+  Seeds seeds;
   std::vector<NamedValue> defines;  // "-D", in order
   BankedSettings banking;           // the bank window is the code window: both ends 0 = none
 };

@@ -7,11 +7,7 @@
 namespace kiln {
 
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
-  for (const NamedValue& seed : settings.seeds) {
-    Symbol& symbol = symbols.enter(HashedName(seed.name)).symbol;
-    symbol.value = seed.value;
-    symbol.seed = 1;
-  }
+  symbols = settings.seeds.symbols;
   const BankedSettings& banking = settings.banking;
   if (banking.codeBankRegister != 0) symbols.set("__bank_code_reg", banking.codeBankRegister);
   if (banking.dataBankRegister != 0) symbols.set("__bank_data_reg", banking.dataBankRegister);
