@@ -126,14 +126,14 @@ TEST_F(Expression, IsSizedByPlainLiteralsAndKnownNamesOnly) {
   Evaluator evaluator(symbols, warnings);
   const Values rows = {
       // clang-format off
-      {"$FF",    255},
-      {"$",      0},
-      {"$-1",    -1},
-      {" 255 ",  255},
-      {"%11",    3},
-      {"page",   255},
-      {"wide",   256},
-      {"below",  -1},
+      {"$FF",   255},
+      {"$",     0},
+      {"$-1",   -1},
+      {" 255 ", 255},
+      {"%11",   3},
+      {"page",  255},
+      {"wide",  256},
+      {"below", -1},
       // clang-format on
   };
   for (const auto& [text, value] : rows)
@@ -187,17 +187,17 @@ TEST(Symbols, AreFoundAmongThousandsOfNamesThatLookAlike) {
 TEST(Literals, FollowTheRulesOfTheirRadix) {
   const Values hexadecimal = {
       // clang-format off
-      {" \t\n\r\v\f1f",       0x1F},
-      {"-5",                  -5},
-      {"- 5",                 0},
-      {"0x1F",                0x1F},
-      {"-0x10",               -0x10},
-      {"0X",                  0},
-      {"",                    0},
-      {"8000000000000000",    smallest},
-      {"FFFFFFFFFFFFFFFF0",   -1},
-      {"-FFFFFFFFFFFFFFFF0",  -1},
-      {"1000000000000000F",   -1},
+      {" \t\n\r\v\f1f",      0x1F},
+      {"-5",                 -5},
+      {"- 5",                0},
+      {"0x1F",               0x1F},
+      {"-0x10",              -0x10},
+      {"0X",                 0},
+      {"",                   0},
+      {"8000000000000000",   smallest},
+      {"FFFFFFFFFFFFFFFF0",  -1},
+      {"-FFFFFFFFFFFFFFFF0", -1},
+      {"1000000000000000F",  -1},
       // clang-format on
   };
   for (const auto& [text, value] : hexadecimal)

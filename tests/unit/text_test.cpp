@@ -13,19 +13,19 @@ TEST(Paths, AreTakenApartAtTheirSlashesAndTheLastDot) {
     std::string path, normalised, last, directory, extension, stem;
   } rows[] = {
       // path          normalised      last        directory  extension  stem
-      {"",             "",             "",         "",        "",        ""},
-      {"///",          "/",            "",         "/",       "",        "/"},
-      {"a//b/",        "a/b",          "",         "a",       "",        "a/b"},
-      {"/g.asm",       "/g.asm",       "g.asm",    "/",       "asm",     "/g"},
-      {"x//y///g.a.b", "x/y/g.a.b",    "g.a.b",    "x/y",     "b",       "x/y/g.a"},
-      {"x.y/g",        "x.y/g",        "g",        "x.y",     "",        "x.y/g"},
-      {"x/.pro",       "x/.pro",       ".pro",     "x",       "",        "x/.pro"},
-      {".a.b",         ".a.b",         ".a.b",     "",        "b",       ".a"},
-      {"a.",           "a.",           "a.",       "",        "",        "a."},
-      {"a.b c",        "a.b c",        "a.b c",    "",        "",        "a.b c"},
-      {"a.b\tc",       "a.b\tc",       "a.b\tc",   "",        "",        "a.b\tc"},
-      {"a b.c",        "a b.c",        "a b.c",    "",        "c",       "a b"},
-      {"\\a\\b.c",     "\\a\\b.c",     "\\a\\b.c", "",        "c",       "\\a\\b"},
+      {"",             "",          "",         "",    "",    ""},
+      {"///",          "/",         "",         "/",   "",    "/"},
+      {"a//b/",        "a/b",       "",         "a",   "",    "a/b"},
+      {"/g.asm",       "/g.asm",    "g.asm",    "/",   "asm", "/g"},
+      {"x//y///g.a.b", "x/y/g.a.b", "g.a.b",    "x/y", "b",   "x/y/g.a"},
+      {"x.y/g",        "x.y/g",     "g",        "x.y", "",    "x.y/g"},
+      {"x/.pro",       "x/.pro",    ".pro",     "x",   "",    "x/.pro"},
+      {".a.b",         ".a.b",      ".a.b",     "",    "b",   ".a"},
+      {"a.",           "a.",        "a.",       "",    "",    "a."},
+      {"a.b c",        "a.b c",     "a.b c",    "",    "",    "a.b c"},
+      {"a.b\tc",       "a.b\tc",    "a.b\tc",   "",    "",    "a.b\tc"},
+      {"a b.c",        "a b.c",     "a b.c",    "",    "c",   "a b"},
+      {"\\a\\b.c",     "\\a\\b.c",  "\\a\\b.c", "",    "c",   "\\a\\b"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.path);
