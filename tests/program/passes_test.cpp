@@ -11,8 +11,6 @@
 namespace kiln::test {
 namespace {
 
-std::string zeros(size_t count) { return std::string(2 * count, '0'); }
-
 const std::string window = "-code-window 4000-7FFF";
 
 // The warnings of these names, one letter each.

@@ -24,6 +24,8 @@ std::string hex(std::string_view bytes) {
   return text;
 }
 
+std::string zeros(size_t count) { return std::string(2 * count, '0'); }
+
 std::string xex(const Contents& segments, unsigned runAddress) {
   const auto word = [](size_t value) { return std::string{static_cast<char>(value), static_cast<char>(value >> 8)}; };
   std::string file = "\xFF\xFF";

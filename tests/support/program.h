@@ -25,6 +25,8 @@ struct Run {
 std::string bytes(const std::string& hex);
 // The other way: "A9 01 ".
 std::string hex(std::string_view bytes);
+// So many zero bytes in hexadecimal.
+std::string zeros(size_t count);
 
 // The segments of a flat file: their addresses, and their bytes in hexadecimal.
 using Contents = std::vector<std::pair<unsigned, std::string>>;
