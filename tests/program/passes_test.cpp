@@ -1,6 +1,7 @@
 // Whole programs: where statements go, what is said about them and when, how branches are repaired, and the files.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <numeric>
 
 #include "base/format.h"
@@ -12,6 +13,7 @@ namespace kiln::test {
 namespace {
 
 const std::string window = "-code-window 4000-7FFF";
+const std::pair<unsigned, std::string> bank = {0x4000, ""};
 
 // The warnings of these names, one letter each.
 std::vector<std::string> undefined(const std::string& names) {
@@ -21,16 +23,11 @@ std::vector<std::string> undefined(const std::string& names) {
   return warnings;
 }
 
-// A listed line: its address in the column of bytes or of origins, or none.
-std::string at(std::string address, std::string text) { return "  " + address + std::string(15, ' ') + text + "\n"; }
-std::string org(std::string address, std::string text) { return "       " + address + "          " + text + "\n"; }
-std::string bare(std::string text) { return std::string(21, ' ') + text + "\n"; }
-
 TEST(Segments, OpenWhereNoShortGapCanBeFilled) {
   expectCode("NOP\n.org 2\nNOP\n.org $102\nINX\n.org $203\nINY\n.org $204\nNOP\n.org $204\nCLC",
              {{0, "EA 00 EA" + zeros(255) + "E8"}, {0x203, "C8 EA"}, {0x204, "18"}});
-  expectCode("NOP\n.org $2000\n.byte ,\n.org $12000\n.org $2002\nINX\n.org $FFFF\n.byte 1,2\nNOP\n.org 4\nINX",
-             {{0, "EA"}, {0x2000, ""}, {0x2000, "0000E8"}, {0xFFFF, "0102EA0000E8"}});
+  expectCode("NOP\n.org $2000\n.byte ,\n.org $12000\n.org $2002\nINX", {{0, "EA"}, {0x2000, ""}, {0x2000, "0000 E8"}});
+  expectCode(".org $FFFF\n.byte 1,2\nNOP\n.org 4\nINX", {{0xFFFF, "01 02 EA 0000 E8"}});
   expectCode(".cloaked_segment 99\nINX\n.cloaked_segment_end\nINY\n.cloaked_segment 9\n.cloaked_segment_end\n.org 10",
              {{99, "E8"}, {100, "C8"}, {9, ""}, {10, ""}});
 }
@@ -43,28 +40,51 @@ TEST(Segments, CarryTheirBankAndTheirCloak) {
       ".cloaked_segment : .cloaked_segment 1, : .org 0 : .shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage "
       "$FFFF");
   ASSERT_TRUE(assemble(assembler));
-  std::vector<int64_t> found;  // start, bank, and the number of the cloaked
+  struct Row {
+    int64_t start, bank, isCloaked, cloakedId;
+    bool operator==(const Row&) const = default;
+  };
+  std::vector<Row> found;
   for (const AsSegment& segment : assembler.segments)
-    found.insert(found.end(), {segment.start, segment.bank, segment.cloaked ? segment.cloakedId : -9});
-  EXPECT_EQ(found, (std::vector<int64_t>{0, -1,    -9, 16384, 1, -9, 16384, 2, -9, 16384, 1, -9, 20480, -1,
-                                         7, 20481, -1, -1,    0, -1, -1,    1, -1, 0,     0, -1, -9}));
+    found.push_back({segment.start, segment.bank, segment.cloaked, segment.cloaked ? segment.cloakedId : 0});
+  // clang-format off
+  EXPECT_EQ(found, (std::vector<Row>{
+      {0x0000, -1, false, 0},
+      {0x4000, 1,  false, 0},
+      {0x4000, 2,  false, 0},
+      {0x4000, 1,  false, 0},
+      {0x5000, -1, true,  7},
+      {0x5001, -1, true,  -1},
+      {0x0000, -1, true,  -1},
+      {0x0001, -1, true,  0},
+      {0x0000, -1, false, 0},
+  }));
+  // clang-format on
   EXPECT_EQ(assembler.shadowPlan.ranges, (std::vector<uint32_t>{0xC000, 0xCFFF, 0xD800, 0xFFFF}));
   EXPECT_EQ(assembler.shadowPlan.stageAddress, 0xFFFFu);
 }
 
 TEST(Banks, AreNumberedInTheOrderInWhichTheyAreMet) {
   const std::string abc = ".bank a\n.bank b\n.bank c\n.byte __bank_a,__bank_b,__bank_c";
-  expectCode(".bank b\n.bank c\n" + abc, {{0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "030102"}},
-             {}, window);
-  expectCode(".org $7FFF\n.org $3FFF\n" + abc,
-             {{0x7FFF, ""}, {0x3FFF, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "020304"}}, {}, window);
-  expectCode(".org $8000\n.org $4000\n" + abc,
-             {{0x8000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, ""}, {0x4000, "020304"}}, {}, window);
-  expectCode(".org 9\n" + abc, {{9, ""}, {0, ""}, {0, ""}, {0, "020304"}}, {}, "-code-window 0-9");
-  expectCode(".org 0\n" + abc, {{0, ""}, {0, ""}, {0, ""}, {0, "010203"}});
+  const struct {
+    std::string source;
+    Contents segments;
+    std::string options;
+  } rows[] = {
+      // clang-format off
+      {abc,                              {{0, ""}, {0, ""}, {0, "01 02 03"}},                       ""},
+      {".bank b\n.bank c\n" + abc,       {bank, bank, bank, bank, {0x4000, "03 01 02"}},            window},
+      // An origin in the window takes a number, too.
+      {".org $7FFF\n.org $3FFF\n" + abc, {{0x7FFF, ""}, {0x3FFF, ""}, bank, bank, {0x4000, "02 03 04"}}, window},
+      {".org $8000\n.org $4000\n" + abc, {{0x8000, ""}, bank, bank, bank, {0x4000, "02 03 04"}},    window},
+      {".org 9\n" + abc,                 {{9, ""}, {0, ""}, {0, ""}, {0, "02 03 04"}},              "-code-window 0-9"},
+      // clang-format on
+  };
+  for (const auto& [source, segments, options] : rows)
+    expectCode(source, segments, {}, options);
 }
 
-// The errors of the layout end the run: nobody looks at the operands any more.
+// The errors of the layout end the run, before the operands are checked.
 TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
   const std::string twice = ": duplicate label ", stage = ": invalid .shadow_stage address ";
   expectErrors(
@@ -78,18 +98,30 @@ TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
              {{0, "EAEAEA0200030003000900"}}, {}, "-DRTCLOK");
 }
 
-TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReachInEightIterations) {
-  for (const std::string row :
-       {"BNE $281=D07F", "BNE $282=F0034C8202", "BNE $182=D080", "BNE $181=F0034C8101", "BRA $281=807F",
-        "BRA $282=4C8202", "BNE $10182=D080", "bcc $400=B0034C0004", "BEQ x : NOP : x:=F001EA"}) {
-    const size_t equals = row.find('=');
-    expectCode(".org $200\n" + row.substr(0, equals), {{0x200, row.substr(equals + 1)}});
-  }
+TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReach) {
+  const std::pair<std::string, std::string> rows[] = {
+      // clang-format off
+      {"BNE $281",         "D0 7F"},
+      {"BNE $282",         "F0 03 4C 82 02"},
+      {"BNE $182",         "D0 80"},
+      {"BNE $181",         "F0 03 4C 81 01"},
+      {"BRA $281",         "80 7F"},
+      {"BRA $282",         "4C 82 02"},
+      {"BNE $10182",       "D0 80"},
+      {"bcc $400",         "B0 03 4C 00 04"},
+      {"BEQ x : NOP : x:", "F0 01 EA"},
+      // clang-format on
+  };
+  for (const auto& [source, bytes] : rows)
+    expectCode(".org $200\n" + source, {{0x200, bytes}});
   expectCode(".bank b\n.byte 1\nx: BNE x", {{0x4000, "01 D0 FE"}}, {}, window);
   // Each rewritten branch may push another one out of reach, in the next iteration.
   expectCode(".org $2000\nBNE t\n.space 100\nBEQ u\n.space 25\nt: .space 103\nu: RTS",
              {{0x2000, "F0 03 4C 87 20" + zeros(100) + "D0 03 4C EE 20" + zeros(128) + "60"}}, {}, "-V");
-  // Cloaked code never comes to rest: its branches are judged where it does not stand, the inverted ones as well.
+}
+
+// Cloaked code never settles: its branches are judged at another address than its own, the inverted ones as well.
+TEST(LongBranches, AreRewrittenInNoMoreThanEightIterations) {
   const std::string code = "F0 03 4C 08 30 4C 0B 30 4C 0E 30 4C 11 30 4C 14 30 4C 17 30 4C 00 30";
   expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}});
   expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}}, {"iteration 8: rewrote 1 long branch"}, "-V");
@@ -100,35 +132,76 @@ TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReachInEightIterations) {
 
 // A rewritten branch takes the whole line: label, second statement and comment are gone.
 TEST(Listing, ShowsEachStatementOfTheFinalSource) {
-  const std::string last = ".far: .byte 1 : .word l";
-  const std::string listing =
-      bare("") + bare(".code_regions $2110-$211F,$2200-$22FF") + bare("m:") + at("0000", "    BVS _klb_0 ; longbr") +
-      at("0002", "    JMP m.far") + bare("_klb_0:") + at("0005", "    JMP m.far") + bare(".cloaked_segment $3000") +
-      at("0008", ".y: .string \"ab\" ; y") + at("000B", ".space 2") + bare(".cloaked_segment_end") + bare(".bank b") +
-      bare("FOO\r") + bare("") + bare("; 1") + bare("; 2") + bare("; longbr") + bare("\t") +
-      org("2110", " .org $2110") + at("2110", last) + at("2111", last) + at("2113", "    JMP $2200 ; auto-spill") +
-      org("2200", "    .org $2200 ; auto-spill") + at("2200", ".long 1") + org("FFFF", ".org $FFFF") +
-      at("FFFF", ".word 1") + at("0001", "NOP") + bare("");
-  expectRun(
-      {.source =
-           "\n.code_regions $2110-$211F,$2200-$22FF\nm:\n>l: BVC .far : BCC .far ; lost\n BRA .far : BRA .far\n"
-           ".cloaked_segment $3000\n.y: .string \"ab\" ; y\n.space 2\n.cloaked_segment_end\n.bank b\nFOO\r\n\n; 1\n"
-           "; 2\n; longbr\n\t\n .org $2110\n.far: .byte 1 : .word l\n.long 1\n.org $FFFF\n.word 1\nNOP",
-       .line = "main.asm -l a.lst",
-       .standardError =
-           say("warning: " + undefined("l")[0]) + say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
-       .written = {{"main.xex", bytes("FFFF 00000700 70034C10214C1021 00300430 6162000000 10211521 0100004C0022 "
-                                      "00220322 01000000 FFFF0100 0100EA E002E1020000")},
-                   {"a.lst", listing}}});
+  const std::string source = R"(.code_regions $2110-$211F,$2200-$22FF
+m:
+>l: BVC .far : BCC .far ; lost
+ BRA .far : BRA .far
+.cloaked_segment $3000
+.y: .string "ab" ; y
+.space 2
+.cloaked_segment_end
+.bank b
+FOO
+
+; 1
+; longbr
+ .org $2110
+.far: .byte 1 : .word l
+.long 1
+.org $FFFF
+.word 1
+NOP)";
+  const std::string blankLine = std::string(21, ' ') + "\n";
+  const std::string listing = R"(                     .code_regions $2110-$211F,$2200-$22FF
+                     m:
+  0000                   BVS _klb_0 ; longbr
+  0002                   JMP m.far
+                     _klb_0:
+  0005                   JMP m.far
+                     .cloaked_segment $3000
+  0008               .y: .string "ab" ; y
+  000B               .space 2
+                     .cloaked_segment_end
+                     .bank b
+                     FOO
+)" + blankLine + R"(                     ; 1
+                     ; longbr
+       2110           .org $2110
+  2110               .far: .byte 1 : .word l
+  2111               .far: .byte 1 : .word l
+  2113                   JMP $2200 ; auto-spill
+       2200              .org $2200 ; auto-spill
+  2200               .long 1
+       FFFF          .org $FFFF
+  FFFF               .word 1
+  0001               NOP
+)" + blankLine;
+  const std::string image = xex({{0, "7003 4C1021 4C1021"},
+                                 {0x3000, "616200 0000"},
+                                 {0x2110, "01 0000 4C0022"},
+                                 {0x2200, "01000000"},
+                                 {0xFFFF, "0100 EA"}},
+                                0);
+  expectRun({.source = source,
+             .line = "main.asm -l a.lst",
+             .standardError = say("warning: " + undefined("l")[0]) +
+                              say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
+             .written = {{"main.xex", image}, {"a.lst", listing}}});
 }
 
 // Ordered by address, filled where there is a gap, and never checked for an overlap.
 TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
-  expectRun({.source = ".org $FFFE\n.byte 8,9\n.org $FFFF\n.byte 10\n.org $FFF5\n.byte 6\n.org $FFF0\n.byte 1,2,3,4\n"
-                       ".org $FFF1\n.byte 5\n.org $1000\n.org $FFF1\n.byte 7",
-             .line = "-f prg main.asm",
-             .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
-             .written = {{"main.prg", bytes("F0FF010203040507000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
+  expectRun(
+      {.source = ".org $FFFE\n.byte 8,9\n"
+                 ".org $FFFF\n.byte 10\n"
+                 ".org $FFF5\n.byte 6\n"
+                 ".org $FFF0\n.byte 1,2,3,4\n"
+                 ".org $FFF1\n.byte 5\n"
+                 ".org $1000\n"
+                 ".org $FFF1\n.byte 7",
+       .line = "-f prg main.asm",
+       .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
+       .written = {{"main.prg", bytes("F0FF 01020304 05 07 000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
   expectRun({".org 1", "-f prg main.asm", 1, say("error: cannot write 'main.prg'")});
 }
 
@@ -138,12 +211,16 @@ TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
   const ShadowPlan plan = {{0, 255, 511, 512, 512, 600, 0, 256, 272, 287, 272, 279, 280, 280, 9}, 1};
   Pieces pieces;
   ShadowSplitter(plan).split(segment, pieces);
-  std::string found;
-  for (const std::vector<Piece>* list : {&pieces.plain, &pieces.shadow}) {
-    for (const auto& [address, bytes] : *list)
-      found += std::to_string(address) + ":" + std::to_string(bytes.front()) + "+" + std::to_string(bytes.size()) + " ";
-  }
-  EXPECT_EQ(found, "257:1+15 281:25+230 256:0+1 272:16+16 272:16+8 280:24+1 511:255+1 ");
+  // Each piece by its address, its first byte and its size.
+  using Rows = std::vector<std::array<size_t, 3>>;
+  const auto rows = [](const std::vector<Piece>& list) {
+    Rows result;
+    for (const auto& [address, bytes] : list)
+      result.push_back({address, bytes.front(), bytes.size()});
+    return result;
+  };
+  EXPECT_EQ(rows(pieces.plain), (Rows{{257, 1, 15}, {281, 25, 230}}));
+  EXPECT_EQ(rows(pieces.shadow), (Rows{{256, 0, 1}, {272, 16, 16}, {272, 16, 8}, {280, 24, 1}, {511, 255, 1}}));
 }
 
 // More symbols than fit into a cache near the processor are fetched some statements before they are looked up.
