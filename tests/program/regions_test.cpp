@@ -57,7 +57,8 @@ TEST(Regions, FollowEachOtherInTheOrderOfTheList) {
       {".code_regions 16-31,1-15\nNOP\n.org 2\nNOP\n.org 16\nNOP\n.org 32\nNOP",
        {{0, "EA 00 EA" + zeros(13) + "EA" + zeros(15) + "EA"}}},
       // Only code inside a region and outside cloaked segments spills.
-      {regions + ".org $5000\nNOP\n.org $200D\nNOP", {{0x2000, ""}, {0x5000, "EA"}, {0x200D, "4C0040"}, {0x4000, "EA"}}},
+      {regions + ".org $5000\nNOP\n.org $200D\nNOP",
+       {{0x2000, ""}, {0x5000, "EA"}, {0x200D, "4C0040"}, {0x4000, "EA"}}},
       {".org $2010\n" + pair + "NOP\n.code_regions $2004-$2013,$3000-$30FF\nNOP",
        {{0x2010, "EA 4C0030"}, {0x3000, "EA"}}},
       {regions + ".cloaked_segment $2004\nJMP 1\nJMP 1\n.cloaked_segment_end\nNOP\n.cloaked_segment $40FF\nJMP 1",

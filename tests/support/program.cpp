@@ -36,6 +36,10 @@ std::string xex(const Contents& segments, unsigned runAddress) {
   return file + word(0x02E0) + word(0x02E1) + word(runAddress);
 }
 
+std::string range(const std::string& name, uint32_t low, uint32_t high) {
+  return low == 0 && high == 0 ? "" : concat({" ", name, " ", dollarHex(low, 1), "-", dollarHex(high, 1)});
+}
+
 std::string say(const std::string& text) { return "kiln-as: " + text + "\n"; }
 
 std::vector<std::string> words(std::string_view line) {

@@ -34,6 +34,9 @@ using Contents = std::vector<std::pair<unsigned, std::string>>;
 // A flat XEX file of these segments, then the run address.
 std::string xex(const Contents& segments, unsigned runAddress);
 
+// " name $1-$2"; empty when both ends are 0.
+std::string range(const std::string& name, uint32_t low, uint32_t high);
+
 // "kiln-as: " and the text, as a line.
 std::string say(const std::string& text);
 
