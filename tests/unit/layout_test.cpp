@@ -2,34 +2,31 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "base/format.h"
 #include "layout/layout_parser.h"
 #include "layout/layout_values.h"
-#include "support/memory_host.h"
+#include "support/program.h"
 
 namespace kiln {
 namespace {
 
-std::string flag(const std::string& name, bool set) { return set ? name + " " : ""; }
-
-std::string range(const std::string& name, uint32_t low, uint32_t high) {
-  return low == 0 && high == 0 ? "" : concat({name, " ", dollarHex(low, 1), "-", dollarHex(high, 1), " "});
-}
+using test::range;
 
 // Everything that is set, in the order of the fields; the error alone when there is one.
 std::string shown(const AsLayout& layout) {
   if (!layout.error.empty()) return layout.error;
-  std::string text = flag("banking", layout.hasBanking) + range("window", layout.codeWindowLo, layout.codeWindowHi);
+  std::string text = (layout.hasBanking ? " banking" : "") + range("window", layout.codeWindowLo, layout.codeWindowHi);
   for (size_t i = 0; i + 1 < layout.mainRegion.size(); i += 2)
     text += range("main", layout.mainRegion[i], layout.mainRegion[i + 1]);
-  text += flag("split", layout.codeWindowSplit) + range("half", layout.codeHalfLo, layout.codeHalfHi) +
+  text += (layout.codeWindowSplit ? " split" : "") + range("half", layout.codeHalfLo, layout.codeHalfHi) +
           range("data", layout.dataWindowLo, layout.dataWindowHi) + range("registers", layout.codeReg, layout.dataReg) +
-          flag("regc", layout.hasRegc) + range("regcWindow", layout.regcWindowLo, layout.regcWindowHi) +
+          (layout.hasRegc ? " regc" : "") + range("regcWindow", layout.regcWindowLo, layout.regcWindowHi) +
           range("regcPage", layout.regcPageSize, 0) + range("regcReg", layout.regcRegLo, layout.regcRegHi);
   for (const std::string& id : layout.cloakedIds)
-    text += "'" + id + "' ";
-  if (!text.empty()) text.pop_back();
-  return text;
+    text += " '" + id + "'";
+  return text.substr(text.empty() ? 0 : 1);
 }
 
 AsLayout parsed(const std::string& text) {
@@ -38,48 +35,75 @@ AsLayout parsed(const std::string& text) {
   return layout;
 }
 
-// Each text, behind the header, sets these fields.
-void expectAll(const std::string& header, std::initializer_list<std::pair<std::string, std::string>> cases) {
-  for (const auto& [text, fields] : cases)
+// Each text sets these fields when it follows the header.
+void expectFields(const std::string& header, std::initializer_list<std::pair<std::string, std::string>> rows) {
+  for (const auto& [text, fields] : rows)
     EXPECT_EQ(shown(parsed(header + text)), fields) << text;
 }
 
-TEST(Layout, NumbersAreDollarHexadecimalOrDecimal) {
-  const std::pair<const char*, uint32_t> numbers[] = {
-      {" 12\t", 12}, {"$aF", 0xAF}, {"4294967298", 2}, {"$123456789", 0x23456789}};
-  for (const auto& [text, expected] : numbers)
-    EXPECT_EQ(parseLayoutNumber(text), expected) << text;
+// clang-format off
+TEST(LayoutNumbers, AreDollarHexadecimalOrDecimal) {
+  const std::pair<const char*, uint32_t> rows[] = {
+      {" 12\t",      12},
+      {"$aF",        0xAF},
+      {"4294967298", 2},
+      {"$123456789", 0x23456789},
+  };
+  for (const auto& [text, number] : rows)
+    EXPECT_EQ(parseLayoutNumber(text), number) << text;
   for (const char* other : {"", "$", "$G", "$1 2", "1a", "-1", "0x1"})
     EXPECT_FALSE(parseLayoutNumber(other).has_value()) << other;
 }
 
-TEST(Layout, RangesAreFoundAnywhereInAValue) {
-  expectAll("[banking]\nwindow = ", {{"at $4000 \t-\t $7fff, or so", "banking window $4000-$7FFF"},
-                                     {"$1 $2000$3000-x-$-$4-$5-$6", "banking window $4-$5"},
-                                     {"$9-$1", "banking window $9-$1"},
-                                     {"$100000001-$2", "banking window $1-$2"}});
+TEST(LayoutRanges, AreFoundAnywhereInAValue) {
+  expectFields("[banking]\nwindow = ", {
+      {"at $4000 \t-\t $7fff, or so", "banking window $4000-$7FFF"},
+      {"$1 $2000$3000-x-$-$4-$5-$6",  "banking window $4-$5"},
+      {"$9-$1",                       "banking window $9-$1"},
+      {"$100000001-$2",               "banking window $1-$2"},
+  });
   for (const char* none : {"$4000", "$4000-7FFF", "4000-$7FFF", "$-$7FFF", "$4000-$", "$4000.$7FFF", ""})
     EXPECT_FALSE(findLayoutRange(none).has_value()) << none;
 }
 
-const std::string everyKey =
-    "[banking]\ndatawindow = $14-$15\ncodewindow = $12-$13\nwindow = $10-$11\nregisters = $16, $17\n"
-    "regcwindow = $18-$19\nregcpagesize = $1A\nregcreg = $1B-$1C\n[memory]\nmain = $1-$2\n";
-const std::string everyField =
-    "banking window $10-$11 main $1-$2 split half $12-$13 data $14-$15 registers $16-$17 regc regcWindow $18-$19 "
-    "regcPage $1A-$0 regcReg $1B-$1C";
+TEST(LayoutSections, HoldLinesOfKeysAndValues) {
+  expectFields("", {
+      {"# a\n\n \t\r\n[BANKING]\r\n  CodeReg\t=\t1 \r\n",           "banking registers $1-$0"},
+      {"[banking] # a\ncodereg = 1 # 2\ndatareg = #2",              "banking registers $1-$0"},
+      {"[ banking ]\ncodereg = 1\n[]\ncodereg = 1\n[banking]x = 1", ""},
+      {"[memory]\ncodereg = 1\n[banking]\nmain = $1-$2",            "banking"},
+      {"# a\n[banking]\r\n\ncodereg",                               "d/t.lnk:4: expected 'key = value'"},
+      {"[memory",                                                   "d/t.lnk:1: expected 'key = value'"},
+      {std::string("[bank\0]\na\0b = 1\n]", 17),                    "d/t.lnk:3: expected 'key = value'"},
+      {"\n Main = a = b\n[",                                        "d/t.lnk:2: key 'main' outside any section"},
+      {"=",                                                         "d/t.lnk:1: key '' outside any section"},
+  });
+  expectFields("[memory]\n", {
+      {"main = $A000-$BFFF, free, x $C0 - $CF\nother = $1-$2", "main $A000-$BFFF main $C0-$CF"},
+      {"main = $1-$2\nmain = $3-$4",                           "main $3-$4"},
+      {"main = $1-$2\nmain = none",                            ""},
+  });
+}
 
-TEST(Layout, BankingKeysSetTheirFields) {
-  expectAll("[banking]\n", {{"", ""},
-                            {"Code Bank-Window = $1-$2\ndata-window = $3-$4", "banking window $1-$2 data $3-$4"},
-                            {"code-reg = $82\ndata-reg = 131", "banking registers $82-$83"},
-                            {"CodeReg = 1\nDATAREG = 2", "banking registers $1-$2"},
-                            {"codereg = 1\ncodereg = 1x\ncodereg = 0", "banking"},
-                            {"regcpagesize = 16", "banking regc regcPage $10-$0"},
-                            {"regcwindow = $1-$2", "banking regc regcWindow $1-$2"},
-                            {"regcreg = $D5-$D6\nregcreg = 5", "banking regc regcReg $5-$0"},
-                            {"regcregion = $1-$2", "banking regc"},
-                            {"regcregionspan = $1-$2", "banking regc"}});
+TEST(BankingKeys, SetTheirFields) {
+  expectFields("[banking]\n", {
+      {"",                                              ""},
+      {"Code Bank-Window = $1-$2\ndata-window = $3-$4", "banking window $1-$2 data $3-$4"},
+      {"code-reg = $82\ndata-reg = 131",                "banking registers $82-$83"},
+      {"CodeReg = 1\nDATAREG = 2",                      "banking registers $1-$2"},
+      {"codereg = 1\ncodereg = 1x\ncodereg = 0",        "banking"},
+      {"regcpagesize = 16",                             "banking regc regcPage $10-$0"},
+      {"regcwindow = $1-$2",                            "banking regc regcWindow $1-$2"},
+      {"regcreg = $D5-$D6\nregcreg = 5",                "banking regc regcReg $5-$0"},
+      {"regcregion = $1-$2",                            "banking regc"},
+      {"regcregionspan = $1-$2",                        "banking regc"},
+      // The code window ends where an earlier data window ends.
+      {"datawindow = $0-$7FFF\ncodewindow = $4000-$5FFF",
+       "banking window $4000-$7FFF split half $4000-$5FFF data $0-$7FFF"},
+      {"codewindow = $4000-$5FFF\ndatawindow = $6000-$7FFF",
+       "banking window $4000-$0 split half $4000-$5FFF data $6000-$7FFF"},
+      {"window = $1-$2\ncodewindow = $0-$5FFF", "banking window $1-$2 split half $0-$5FFF"},
+  });
   for (const char* range : {"code-window", "data-window", "window", "codewindow", "datawindow", "regcwindow",
                             "regcregion", "regcregionspan"})
     EXPECT_EQ(shown(parsed(concat({"[banking]\n", range, "= 1"}))), "banking") << range;
@@ -87,64 +111,27 @@ TEST(Layout, BankingKeysSetTheirFields) {
     EXPECT_EQ(shown(parsed(concat({"[banking]\n", number, "= $1-$2\n", "regcreg = x"}))), "banking") << number;
 }
 
-TEST(Layout, CodeWindowEndsWhereAnEarlierDataWindowEnds) {
-  expectAll("[banking]\n", {{"datawindow = $0-$7FFF\ncodewindow = $4000-$5FFF",
-                             "banking window $4000-$7FFF split half $4000-$5FFF data $0-$7FFF"},
-                            {"codewindow = $4000-$5FFF\ndatawindow = $6000-$7FFF",
-                             "banking window $4000-$0 split half $4000-$5FFF data $6000-$7FFF"},
-                            {"window = $1-$2\ncodewindow = $0-$5FFF", "banking window $1-$2 split half $0-$5FFF"}});
+TEST(BankRegisters, AreTheFirstTwoItemsThatParse) {
+  expectFields("[banking]\nregisters = ", {
+      {"x, , $82:$FF:1, $82:, :1, 130 : $3FF, 131, 132", "banking registers $82-$83"},
+      {"$82:$F0, $83",                                   "banking registers $0-$83"},
+      {"$82, $83:254, $84",                              "banking registers $82-$0"},
+      {"$82:$1FE",                                       "banking"},
+  });
 }
 
-TEST(Layout, RegistersTakeTheFirstTwoItemsThatParse) {
-  expectAll("[banking]\nregisters = ", {{"x, , $82:$FF:1, $82:, :1, 130 : $3FF, 131, 132", "banking registers $82-$83"},
-                                        {"$82:$F0, $83", "banking registers $0-$83"},
-                                        {"$82, $83:254, $84", "banking registers $82-$0"},
-                                        {"$82:$1FE", "banking"}});
-}
-
-TEST(Layout, LinesAndSections) {
-  expectAll("", {{"# a\n\n \t\r\n[BANKING]\r\n  CodeReg\t=\t1 \r\n", "banking registers $1-$0"},
-                 {"[banking] # a\ncodereg = 1 # 2\ndatareg = #2", "banking registers $1-$0"},
-                 {"[ banking ]\ncodereg = 1\n[]\ncodereg = 1\n[banking]x = 1", ""},
-                 {"[memory]\ncodereg = 1\n[banking]\nmain = $1-$2\n[banker]\ncodereg = 1", "banking"},
-                 {"# a\n[banking]\r\n\ncodereg", "d/t.lnk:4: expected 'key = value'"},
-                 {"\n Main = a = b\n[", "d/t.lnk:2: key 'main' outside any section"},
-                 {"[memory", "d/t.lnk:1: expected 'key = value'"},
-                 {"=", "d/t.lnk:1: key '' outside any section"},
-                 {std::string("[bank\0]\na\0b = 1\n]", 17), "d/t.lnk:3: expected 'key = value'"}});
-  expectAll("[memory]\n", {{"main = $A000-$BFFF, free, x $C0 - $CF\nother = $1-$2", "main $A000-$BFFF main $C0-$CF"},
-                           {"main = $1-$2\nmain = $3-$4", "main $3-$4"},
-                           {"main = $1-$2\nmain = none", ""}});
-}
-
-TEST(Layout, CloakedEntriesNameTheirIds) {
-  const std::string notRange = "' contains '<n>' but bank is not a range — placeholder is only valid with `bank = N-M`";
-  const std::string noPlaceholder = " (range) needs '<n>' placeholder in id (e.g. `id = ext<n>`); got '";
-  const std::string repeated = "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)";
-  expectAll(
-      "[cloaked]\n",
-      {{"", "'lib'"},
-       {"bank = 3\nid = Ext 1\nother = 2-3\n[CLOAKED]\nbank = 4-5\nid = ext<n>", "'Ext 1' 'ext4' 'ext5'"},
-       {"bank = $9 - $B\nid = <n>a<n>b", "'9a9b' '10a10b' '11a11b'"},
-       {"bank = 1-2\nbank = none\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
-       {"bank = 5-3\nid = ext\n[cloaked]\nid =", "'ext' ''"},
-       {"bank = 3-5\n[memory]\nx", "d/t.lnk: [cloaked] bank = 3-5" + noPlaceholder + "lib'"},
-       {"bank = 0-9000000", "d/t.lnk: [cloaked] bank = 0-9000000" + noPlaceholder + "lib'"},
-       {"bank = 1-2\nbank = x\nbank = 7-\nbank = -7\nbank = 1-2-3\nid = <n>", "'1' '2'"},
-       {"bank = $FFFFFFFE-1\nid = <n>", "'-2' '-1' '0' '1'"},
-       {"bank = 2147483646-2147483647\nid = <n>", "'2147483646' '2147483647'"},
-       {"bank = $80000000-$7FFFFFFF\nid = <n>", "d/t.lnk: [cloaked] bank = -2147483648-2147483647 (range) is too long"},
-       {"[memory]\n[banking]", "'lib'"},
-       {"id = a \r\n", "'a'"},
-       {"bank = 3-5\nx", "d/t.lnk:3: expected 'key = value'"},
-       {"[cloaked]\n[cloaked]\nid = <n>", "d/t.lnk: [cloaked] id '<n>" + notRange},
-       {"bank = 0-1000000\nid = <n>", "d/t.lnk: [cloaked] bank = 0-1000000 (range) is too long"},
-       {"bank = 0-999998\nid = a<n>\n[cloaked]\nbank = 1-2\nid = b<n>",
-        "d/t.lnk: [cloaked] bank = 1-2 (range) is too long"},
-       {"bank = 0-500000\nid = <n>" + std::string(61, 'x'), "d/t.lnk: [cloaked] bank = 0-500000 (range) is too long"},
-       {"[cloaked]\n", "d/t.lnk: duplicate [cloaked] id 'lib" + repeated},
-       {"id = a\n[cloaked]\nbank = 1-3\nid = <n>\n[cloaked]\nid = 3\n[cloaked]\nid = a",
-        "d/t.lnk: duplicate [cloaked] id '3" + repeated}});
+TEST(CloakedEntries, NameTheirIds) {
+  expectFields("[cloaked]\n", {
+      {"",                                                                      "'lib'"},
+      {"[memory]\n[banking]",                                                   "'lib'"},
+      {"id = a \r\n",                                                           "'a'"},
+      {"bank = 3\nid = Ext 1\nother = 2-3\n[CLOAKED]\nbank = 4-5\nid = ext<n>", "'Ext 1' 'ext4' 'ext5'"},
+      {"bank = $9 - $B\nid = <n>a<n>b",                                         "'9a9b' '10a10b' '11a11b'"},
+      {"bank = 5-3\nid = ext\n[cloaked]\nid =",                                 "'ext' ''"},
+      {"bank = 1-2\nbank = x\nbank = 7-\nbank = -7\nbank = 1-2-3\nid = <n>",    "'1' '2'"},
+      {"bank = $FFFFFFFE-1\nid = <n>",                                          "'-2' '-1' '0' '1'"},
+      {"bank = 2147483646-2147483647\nid = <n>",                                "'2147483646' '2147483647'"},
+  });
   EXPECT_EQ(parsed("[cloaked]\nbank = 7").cloakedBankLo, 7);
   for (const char* noBank : {"bank = 5-3\nbank = none", "bank = 5-3\n[cloaked]\nid = a"}) {
     const AsLayout layout = parsed(concat({"[cloaked]\n", noBank}));
@@ -153,57 +140,109 @@ TEST(Layout, CloakedEntriesNameTheirIds) {
   }
 }
 
-TEST(Layout, LoadingReadsIncludesFirst) {
-  const std::pair<std::map<std::string, std::string>, std::string> cases[] = {
-      // The lines of an include stand before the file's own, wherever its "#include" is; the first include wins.
-      {{{"t/x.lnk",
-         "[banking]\ncodereg = 1\ncodereg = x\n #include \"a.lnk\" \r\n#include \"b.lnk\"\n[memory]\nmain = $5-$6"},
+TEST(CloakedEntries, AreRefusedWhenTheirIdsAreTooManyOrNotDistinct) {
+  const std::string notRange = "' contains '<n>' but bank is not a range — placeholder is only valid with `bank = N-M`",
+                    noPlaceholder = " (range) needs '<n>' placeholder in id (e.g. `id = ext<n>`); got 'lib'",
+                    repeated = "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)",
+                    tooLong = " (range) is too long";
+  const std::pair<std::string, std::string> rows[] = {
+      {"bank = 1-2\nbank = none\nid = <n>",                            "id '<n>" + notRange},
+      {"[cloaked]\nid = <n>",                                          "id '<n>" + notRange},
+      {"bank = 3-5\n[memory]\nx",                                      "bank = 3-5" + noPlaceholder},
+      {"bank = 0-9000000",                                             "bank = 0-9000000" + noPlaceholder},
+      {"bank = 0-1000000\nid = <n>",                                   "bank = 0-1000000" + tooLong},
+      {"bank = $80000000-$7FFFFFFF\nid = <n>",                         "bank = -2147483648-2147483647" + tooLong},
+      {"bank = 0-999998\nid = a<n>\n[cloaked]\nbank = 1-2\nid = b<n>", "bank = 1-2" + tooLong},
+      {"bank = 0-500000\nid = <n>" + std::string(61, 'x'),             "bank = 0-500000" + tooLong},
+  };
+  for (const auto& [text, error] : rows)
+    EXPECT_EQ(shown(parsed("[cloaked]\n" + text)), "d/t.lnk: [cloaked] " + error) << text;
+  expectFields("[cloaked]\n", {
+      {"bank = 3-5\nx", "d/t.lnk:3: expected 'key = value'"},
+      {"[cloaked]\n",   "d/t.lnk: duplicate [cloaked] id 'lib" + repeated},
+      {"id = a\n[cloaked]\nbank = 1-3\nid = <n>\n[cloaked]\nid = 3\n[cloaked]\nid = a",
+       "d/t.lnk: duplicate [cloaked] id '3" + repeated},
+  });
+}
+// clang-format on
+
+// What the layout t/x.lnk sets beside other files.
+struct Includes {
+  std::map<std::string, std::string> files;
+  std::string fields;
+};
+
+void expectIncludes(const std::vector<Includes>& rows) {
+  for (const auto& [files, fields] : rows) {
+    test::MemoryHost reader;
+    reader.files = files;
+    EXPECT_EQ(shown(loadLayout(reader, "t/x.lnk")), fields) << files.at("t/x.lnk");
+  }
+}
+
+// clang-format off
+TEST(LayoutIncludes, AreReadBeforeTheFileThatNamesThem) {
+  const std::string main12 = "[memory]\nmain = $1-$2";
+  expectIncludes({
+      // The file's own lines come last, wherever its "#include" is; the first include wins.
+      {{{"t/x.lnk", "[banking]\ncodereg = 1\ncodereg = x\n #include \"a.lnk\" \r\n"
+                   "#include \"b.lnk\"\n[memory]\nmain = $5-$6"},
         {"t/a.lnk", "[banking]\ncodereg = 2\ndatareg = 3\n[memory]\nmain = $1-$2\n[cloaked]"},
         {"t/b.lnk", "[banking]\ndatareg = 4\nwindow = $7-$8\n[cloaked]"}},
        "banking window $7-$8 main $5-$6 registers $1-$3"},
-      {{{"t/x.lnk", "[banking]\ncodewindow = $1-$2\n#include \"a.lnk\""}, {"t/a.lnk", "[banking]\ndatawindow = $3-$4"}},
+      {{{"t/x.lnk", "[banking]\ncodewindow = $1-$2\n#include \"a.lnk\""},
+        {"t/a.lnk", "[banking]\ndatawindow = $3-$4"}},
        "banking window $1-$4 split half $1-$2 data $3-$4"},
-      // Names are what stands between the first quote and the last, relative to the file that holds the line.
+      // The name reaches from the first quote to the last; it is relative to the file that holds the line.
       {{{"t/x.lnk", "#include\n#include \"\n#includes \"s//a.lnk\" # of all"},
-        {"t/s/a.lnk", "#include \"a\"b\""},
+        {"t/s/a.lnk",        "#include \"a\"b\""},
         {"t/s/layouts/a\"b", "#include \"c.lnk\""},
-        {"t/s/layouts/c.lnk", "[memory]\nmain = $1-$2"}},
+        {"t/s/layouts/c.lnk", main12}},
        "main $1-$2"},
-      {{{"t/x.lnk", "#include \"a\""}, {"t/a", "[memory]\nmain = $1-$2"}, {"t/layouts/a", "x"}}, "main $1-$2"},
+      {{{"t/x.lnk", "#include \"a\""}, {"t/a", main12}, {"t/layouts/a", "x"}}, "main $1-$2"},
+      {{{"t/x.lnk", "#include \"b\"\n#include \"a\"\n#include \"b\""},
+        {"t/a", main12},
+        {"t/b", "#include \"a\"\n[memory]\nmain = none"}},
+       "main $1-$2"},
+  });
+}
+
+TEST(LayoutIncludes, FailWithTheFirstError) {
+  expectIncludes({
       {{{"t/x.lnk", "[memory]\n#include\"a\"\n #Include \"b\"\nx#include \"c\""}, {"t/a", ""}},
        "t/x.lnk:4: expected 'key = value'"},
-      // The first error is the only one, and an include's comes before the file's own.
       {{{"t/x.lnk", "x\n#include \"a\"\n#include \"b\""}, {"t/a", "#include \"c\""}, {"t/c", "\ny"}, {"t/b", "z"}},
        "t/c:2: expected 'key = value'"},
       {{{"t/x.lnk", "#include \"d/x.lnk\""}, {"x.lnk", ""}},
        "The file “x.lnk” couldn’t be opened because there is no such file."},
-      {{{"t/x.lnk", "\xFF"}}, "The file “x.lnk” couldn’t be opened using text encoding Unicode (UTF-8)."},
-      // Circles, however the way round is written.
-      {{{"t/x.lnk", "#include \"x.lnk\""}}, "t/x.lnk: #include of 'x.lnk' never ends"},
-      {{{"t/x.lnk", "#include \"./x.lnk\""}, {"t/./x.lnk", ""}}, "t/x.lnk: #include of './x.lnk' never ends"},
-      {{{"t/x.lnk", "#include \"./a\""}, {"t/./a", "#include \"a\""}}, "t/./a: #include of 'a' never ends"},
+      {{{"t/x.lnk", "\xFF"}},
+       "The file “x.lnk” couldn’t be opened using text encoding Unicode (UTF-8)."},
+      // Circles, however the path is written.
+      {{{"t/x.lnk", "#include \"x.lnk\""}},
+       "t/x.lnk: #include of 'x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"./x.lnk\""}, {"t/./x.lnk", ""}},
+       "t/x.lnk: #include of './x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"./a\""}, {"t/./a", "#include \"a\""}},
+       "t/./a: #include of 'a' never ends"},
       {{{"t/x.lnk", "#include \"s/a\""}, {"t/s/a", "#include \"../x.lnk\""}, {"t/s/../x.lnk", ""}},
        "t/s/a: #include of '../x.lnk' never ends"},
-      {{{"t/x.lnk", "#include \"b\"\n#include \"a\"\n#include \"b\""},
-        {"t/a", "[memory]\nmain = $1-$2"},
-        {"t/b", "#include \"a\"\n[memory]\nmain = none"}},
-       "main $1-$2"}};
-  for (const auto& [files, expected] : cases) {
-    test::MemoryHost reader;
-    reader.files = files;
-    EXPECT_EQ(shown(loadLayout(reader, "t/x.lnk")), expected) << files.begin()->second;
-  }
+  });
 }
+// clang-format on
 
-TEST(Layout, MergingFillsEachFieldThatIsNotSet) {
-  std::string otherText = everyKey + "[cloaked]\nid = a";
-  for (char& c : otherText)
-    c = c == '1' ? '2' : c;
-  const AsLayout full = parsed(everyKey);
+TEST(LayoutMerging, FillsEachFieldThatIsNotSet) {
+  const std::string everyKey =
+      "[banking]\ndatawindow = $14-$15\ncodewindow = $12-$13\nwindow = $10-$11\nregisters = $16, $17\n"
+      "regcwindow = $18-$19\nregcpagesize = $1A\nregcreg = $1B-$1C\n[memory]\nmain = $1-$2\n";
+  const std::string everyField =
+      "banking window $10-$11 main $1-$2 split half $12-$13 data $14-$15 registers $16-$17 regc regcWindow $18-$19 "
+      "regcPage $1A-$0 regcReg $1B-$1C";
+  std::string otherKeys = everyKey + "[cloaked]\nid = a";
+  std::replace(otherKeys.begin(), otherKeys.end(), '1', '2');
   AsLayout filled;
-  mergeLayout(filled, full);
+  mergeLayout(filled, parsed(everyKey));
   EXPECT_EQ(shown(filled), everyField);
-  AsLayout other = parsed(otherText);
+  AsLayout other = parsed(otherKeys);
   other.error = "e";
   mergeLayout(filled, other);
   mergeLayout(filled, AsLayout{});
@@ -213,7 +252,7 @@ TEST(Layout, MergingFillsEachFieldThatIsNotSet) {
   EXPECT_EQ(filled.dataReg, 0x17u);
 }
 
-TEST(Layout, SizeIsNoDanger) {
+TEST(Layout, MayBeDeepAndLong) {
   test::MemoryHost reader;  // a chain of 20,000 files, each of which includes the next one twice
   for (int i = 0; i < 20'000; ++i) {
     const std::string line = concat({"#include \"", decimal(i + 1), "\"\n"});
