@@ -37,55 +37,48 @@ anything else = XEX), or set explicitly with -f.
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
-// clang-format off
 MemoryHost hostWithSources() {
   MemoryHost host;
   host.directories = {"folder"};
   host.unreadable = {"locked"};
   host.unwritable = {"full"};
   host.files = {
-      {"nop",       " .org $2000\n NOP"},
-      {"bank",      " .org $4000\n NOP"},
-      {"s/g.a.asm", " .org $20\n NOP\ny=$77\nbig=$12345\n .org $5000\n .org $4000\n.include \"i\""},
-      {"s/i",       "NOP\n\n"},
+      // clang-format off
+      {"nop",       " .org $2000\n NOP"},        {"lines",   ".macro M\n a\n b\n.include \"i\"\nM\nx:\nx:"},
+      {"bank",      " .org $4000\n NOP"},        {"twice",   "X:\n__bank_code_reg:\n__bank_data_reg:"},
+      {"huge",      " NOP\n .space $80000001"},  {"missing", ".include no\na = y\nb = z\nx:\nx:\n NOP #1"},
+      {"itself",    ".include itself"},          {"equate",  " .org $77\nRTCLOK: LDA RTCLOK"},
+      {"lax",       "\n;\xED\xA0\x80"},          {"bad",     "\xFF"},
+      {"s/i",       "NOP\n\n"},                  {"bad.lnk", "main=1"},
       {"names",     " .byte A,B,C,D,E,F,G,ata,RTCLOK,__bank_code_reg,__bank_data_reg,H"},
-      {"equate",    " .org $77\nRTCLOK: LDA RTCLOK"},
-      {"twice",     "X:\n__bank_code_reg:\n__bank_data_reg:"},
-      {"lines",     ".macro M\n a\n b\n.include \"i\"\nM\nx:\nx:"},
-      {"t/i",       ""},
-      {"itself",    ".include itself"},
-      {"missing",   ".include no\na = y\nb = z\nx:\nx:\n NOP #1"},
-      {"huge",      " NOP\n .space $80000001"},
-      {"lax",       "\n;\xED\xA0\x80"},
-      {"bad",       "\xFF"},
-      {"bad.lnk",   "main=1"},
-      {"locked",    ""}, {".asm", ""}, {"", ""}, {"/", ""},
+      {"s/g.a.asm", " .org $20\n NOP\ny=$77\nbig=$12345\n .org $5000\n .org $4000\n.include \"i\""},
+      // clang-format on
   };
+  for (const char* empty : {"t/i", "locked", ".asm", "", "/"})
+    host.files[empty] = "";
   return host;
 }
 
-void expectOutput(const std::string& line, int status, const std::string& standardOutput, const std::string& error) {
+// The run ends with these messages, and makes this one file when it succeeds.
+void expectOutcome(const std::string& line, int status, const std::string& error, const std::string& path = "",
+                   const std::string& image = "") {
   MemoryHost host = hostWithSources();
   EXPECT_EQ(runLine(host, line), status) << line;
-  EXPECT_EQ(host.standardOutput, standardOutput);
   EXPECT_EQ(host.standardError, error);
-  EXPECT_TRUE(host.written.empty()) << line;
-}
-
-// The run makes this one file.
-void expectFile(const std::string& line, const std::string& error, const std::string& path, const std::string& image) {
-  MemoryHost host = hostWithSources();
-  EXPECT_EQ(runLine(host, line), 0) << line;
   EXPECT_EQ(host.standardOutput, "");
-  EXPECT_EQ(host.standardError, error);
-  EXPECT_EQ(host.written, (std::map<std::string, std::string>{{path, image}}));
+  std::map<std::string, std::string> files;
+  if (!path.empty()) files[path] = image;
+  EXPECT_EQ(host.written, files) << line;
 }
 
 TEST(Driver, ShowsItsUsageAndItsVersion) {
-  expectOutput("none -h -x",    0, "",                usage);
-  expectOutput("-V -o x -D",    1, "",                say("no input files") + usage);
-  expectOutput("none -v -x",    0, "kiln-as 0.61\n",  "");
-  expectOutput("--version",     0, "kiln-as 0.61\n",  "");
+  expectOutcome("none -h -x", 0, usage);
+  expectOutcome("-V -o x -D", 1, say("no input files") + usage);
+  for (const char* line : {"none -v -x", "--version"}) {
+    MemoryHost host;
+    EXPECT_EQ(runLine(host, line), 0);
+    EXPECT_EQ(host.standardError + host.standardOutput, "kiln-as 0.61\n");
+  }
 }
 
 TEST(Driver, ChoosesTheFormatByTheOptionOrTheExtension) {
@@ -93,6 +86,7 @@ TEST(Driver, ChoosesTheFormatByTheOptionOrTheExtension) {
   const struct {
     std::string line, path, image;
   } rows[] = {
+      // clang-format off
       {"-f PRG nop",                   "nop.prg", prg},
       {"-o A.PRG nop",                 "A.PRG",   prg},
       {"-o a.bin nop",                 "a.bin",   flat},
@@ -100,75 +94,81 @@ TEST(Driver, ChoosesTheFormatByTheOptionOrTheExtension) {
       {"-f  -o a.prg nop",             "a.prg",   flat},
       {"-f other -l full -b nop",      "nop.xex", flat},
       {"-f xex -f prg -o b -o -h nop", "-h",      prg},
+      // clang-format on
   };
   for (const auto& [line, path, image] : rows)
-    expectFile(line, say("assembled 'nop' -> '" + path + "' (1 bytes, 1 segment)"), path, image);
+    expectOutcome(line, 0, say("assembled 'nop' -> '" + path + "' (1 bytes, 1 segment)"), path, image);
 }
 
 TEST(Driver, RunsTheProgramAtTheEntryOrAtTheFirstSegment) {
   const std::pair<std::string, unsigned> rows[] = {
-      {"-e Y s/g.a.asm .asm",    0x20},    // there is no Y
-      {"-e big s/g.a.asm", 0x2345},
-      {"-e  s/g.a.asm",    0x20},
-      {"-e y -e  s/g.a.asm -D",  1},       // -D defines the empty name
+      // clang-format off
+      {"-e big s/g.a.asm",      0x2345},
+      {"-e Y s/g.a.asm .asm",   0x20},
+      {"-e  s/g.a.asm",         0x20},
+      // -D without a name defines the empty one.
+      {"-e y -e  s/g.a.asm -D", 1},
+      // clang-format on
   };
   for (const auto& [line, address] : rows)
-    expectFile(line, say("assembled 's/g.a.asm' -> 's/g.a.xex' (2 bytes, 3 segments)"), "s/g.a.xex",
-               xex({{0x20, "EA"}, {0x4000, "EA"}}, address));
-  expectFile("equate", say("assembled 'equate' -> 'equate.xex' (2 bytes, 1 segment)"), "equate.xex",
-             xex({{0x77, "A5 77"}}, 0x77));
+    expectOutcome(line, 0, say("assembled 's/g.a.asm' -> 's/g.a.xex' (2 bytes, 3 segments)"), "s/g.a.xex",
+                  xex({{0x20, "EA"}, {0x4000, "EA"}}, address));
+  expectOutcome("equate", 0, say("assembled 'equate' -> 'equate.xex' (2 bytes, 1 segment)"), "equate.xex",
+                xex({{0x77, "A5 77"}}, 0x77));
 }
 
 TEST(Driver, DefinesNames) {
-  expectFile("-DA -D B -D C=7 -DD=$10 -DE=1=2 -DF= -D G=%11 -DC=8 -Data -DRTCLOK=9 -code-reg 82 -data-reg 83 "
-             "-D__bank_data_reg=4 names",
-             say("warning: undefined symbol 'H', using 0") +
-                 say("assembled 'names' -> 'names.xex' (12 bytes, 1 segment)"),
-             "names.xex", xex({{0, "01 01 08 10 00 00 03 01 09 82 04 00"}}, 0));
+  expectOutcome(
+      "-DA -D B -D C=7 -DD=$10 -DE=1=2 -DF= -D G=%11 -DC=8 -Data -DRTCLOK=9 -code-reg 82 -data-reg 83 "
+      "-D__bank_data_reg=4 names",
+      0, say("warning: undefined symbol 'H', using 0") + say("assembled 'names' -> 'names.xex' (12 bytes, 1 segment)"),
+      "names.xex", xex({{0, "01 01 08 10 00 00 03 01 09 82 04 00"}}, 0));
 }
 
 TEST(Driver, SaysWhyItFails) {
-  const std::string bank = "banked output requires a code bank register from the layout (registers = <code>, <data>); "
-                           "none set — there is no $82 default",
-                    locked = "The file “locked” couldn’t be opened because you don’t have permission to view it.";
-  for (const auto& [line, message] : Pairs{
-      {"-o full -l a nop", "error: cannot write 'full'"},
-      {"-o  nop",          "error: cannot write ''"},
-      {" nop",             "error: cannot write '(null)'"},
-      {"/",                "error: cannot write '(null)'"},
-      {"-f prg lax",       "error: cannot write 'lax.prg'"},
-      {"huge",             "error: out of memory"},
-      {"-I s -I t lines",  "error: lines:7: duplicate label 'x'"},
-      {"itself",           "error: Cannot include 'itself': it includes itself"},
-      {"a/b none",         "cannot read 'a/b': The file “b” couldn’t be opened because there is no such file."},
-      {"folder",           "cannot read 'folder': The file “folder” couldn’t be opened."},
-      {"locked",           "cannot read 'locked': " + locked},
-      {"nop bad -L no",    "cannot read 'bad': The file “bad” couldn’t be opened using text encoding Unicode (UTF-8)."},
-      {"-L bad.lnk missing", "cannot read layout 'bad.lnk': bad.lnk:1: key 'main' outside any section"},
-      {"-x none -h",       "unknown option '-x'"},
-      {"--data-window 1 -x", "--data-window expects START:END"},
-      {"--data-window 1:2:3", "--data-window expects START:END"},
-      {"--data-window 1:", "--data-window bad hex ''"},
-      {"--data-window 0XG:h", "--data-window bad hex 'G'"},
+  const std::string bank =
+                        "banked output requires a code bank register from the layout (registers = <code>, <data>); "
+                        "none set — there is no $82 default",
+                    locked = "The file “locked” couldn’t be opened because you don’t have permission to view it.",
+                    encoding = "The file “bad” couldn’t be opened using text encoding Unicode (UTF-8).";
+  const Pairs rows = {
+      // clang-format off
+      {"-o full -l a nop",      "error: cannot write 'full'"},
+      {"-o  nop",               "error: cannot write ''"},
+      {" nop",                  "error: cannot write '(null)'"},
+      {"/",                     "error: cannot write '(null)'"},
+      {"-f prg lax",            "error: cannot write 'lax.prg'"},
+      {"huge",                  "error: out of memory"},
+      {"-I s -I t lines",       "error: lines:7: duplicate label 'x'"},
+      {"itself",                "error: Cannot include 'itself': it includes itself"},
+      {"a/b none",              "cannot read 'a/b': The file “b” couldn’t be opened because there is no such file."},
+      {"folder",                "cannot read 'folder': The file “folder” couldn’t be opened."},
+      {"locked",                "cannot read 'locked': " + locked},
+      {"nop bad -L no",         "cannot read 'bad': " + encoding},
+      {"-L bad.lnk missing",    "cannot read layout 'bad.lnk': bad.lnk:1: key 'main' outside any section"},
+      {"-x none -h",            "unknown option '-x'"},
+      {"--data-window 1 -x",    "--data-window expects START:END"},
+      {"--data-window 1:2:3",   "--data-window expects START:END"},
+      {"--data-window 1:",      "--data-window bad hex ''"},
+      {"--data-window 0XG:h",   "--data-window bad hex 'G'"},
       {"--data-window $1:7FFG", "--data-window bad hex '7FFG'"},
-      {"--data-window $0x1:2", "--data-window bad hex '0x1'"},
-      {"--data-window \t1:2", "--data-window bad hex '\t1'"},
-  }) {
-    expectOutput(line, 1, "", say(message));
-  }
-  expectOutput("-DX -code-reg 1 lax twice", 1, "",
-               say("error: lax:3: duplicate label 'X'") + say("error: lax:4: duplicate label '__bank_code_reg'"));
-  expectOutput("missing", 1, "",
-               say("warning: undefined symbol 'y', using 0") + say("warning: undefined symbol 'z', using 0") +
-                   say("error: Cannot find include file 'no'") + say("error: missing:4: duplicate label 'x'"));
-  expectOutput("-b bank", 1, "", say(bank) + say("error: cannot write 'bank.xex'"));
+      {"--data-window $0x1:2",  "--data-window bad hex '0x1'"},
+      {"--data-window \t1:2",   "--data-window bad hex '\t1'"},
+      // clang-format on
+  };
+  for (const auto& [line, message] : rows)
+    expectOutcome(line, 1, say(message));
+  expectOutcome("-DX -code-reg 1 lax twice", 1,
+                say("error: lax:3: duplicate label 'X'") + say("error: lax:4: duplicate label '__bank_code_reg'"));
+  expectOutcome("missing", 1,
+                say("warning: undefined symbol 'y', using 0") + say("warning: undefined symbol 'z', using 0") +
+                    say("error: Cannot find include file 'no'") + say("error: missing:4: duplicate label 'x'"));
+  expectOutcome("-b bank", 1, say(bank) + say("error: cannot write 'bank.xex'"));
   // Options without their argument are unknown ones, too.
   for (const std::string& option : words("-x --help - -H -bV -splitbank --split --code-reg=1 -L -f -s -o -l -I -e "
                                          "--data-window -code-window -data-window -code-reg -data-reg"))
-    expectOutput("none -b " + option, 1, "", say("unknown option '" + option + "'"));
+    expectOutcome("none -b " + option, 1, say("unknown option '" + option + "'"));
 }
-// clang-format on
-
 // Has no toolchain, and keeps where it is looked for.
 struct BareHost final : MemoryHost {
   bool exists(const std::string& path) const override { return places += path + " ", false; }
@@ -229,14 +229,16 @@ std::string settledBanking(const MemoryHost& host, const std::string& line) {
 TEST(Settings, OfBankingComeFromOptionsAndTheLayout) {
   MemoryHost host;
   host.files = {
+      // clang-format off
       {"main", "[memory]\nmain=$A000-$BFFF"},
       {"code", "[memory]\nmain=$A001-$AFFF\n[banking]\ndatawindow=$6000-$7FFE\nwindow=$4001-$4FFF\ncodereg=$84"},
       {"all",
        "[memory]\nmain=$A000-$A7FF,$B000-$BFFF\n[banking]\ndatawindow=$6000-$7FFE\ncodewindow=$4000-$5FFF\n"
        "datareg=$85\nregcwindow=$5000-$50FF\nregcreg=$86-$87"},
+      // clang-format on
   };
-  // clang-format off
-  for (const auto& [line, expected] : Pairs{
+  const Pairs rows = {
+      // clang-format off
       {"-V -b -L main",                                    " verbose banked"},
       {"-code-window 4000-0 -data-window 4000-0",          ""},
       {"-code-window 4000-$7FFFz",                         " window $4000-$7FFF"},
@@ -254,10 +256,10 @@ TEST(Settings, OfBankingComeFromOptionsAndTheLayout) {
       {"-code-reg 3 -L all -data-window 1-2",
        " banked split window $4000-$7FFE data $6000-$7FFE registers $3-$85 main $A000-$BFFF regc $5000-$50FF "
        "regcreg $86-$87"},
-  }) {
+      // clang-format on
+  };
+  for (const auto& [line, expected] : rows)
     EXPECT_EQ(settledBanking(host, line), expected) << line;
-  }
-  // clang-format on
 }
 
 using Seeds = std::vector<std::pair<std::string, int64_t>>;

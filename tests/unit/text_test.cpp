@@ -7,11 +7,11 @@
 
 namespace kiln {
 
-// clang-format off
 TEST(Paths, AreTakenApartAtTheirSlashesAndTheLastDot) {
   const struct {
     std::string path, normalised, last, directory, extension, stem;
   } rows[] = {
+      // clang-format off
       // path          normalised      last        directory  extension  stem
       {"",             "",          "",         "",    "",    ""},
       {"///",          "/",         "",         "/",   "",    "/"},
@@ -26,6 +26,7 @@ TEST(Paths, AreTakenApartAtTheirSlashesAndTheLastDot) {
       {"a.b\tc",       "a.b\tc",    "a.b\tc",   "",    "",    "a.b\tc"},
       {"a b.c",        "a b.c",     "a b.c",    "",    "c",   "a b"},
       {"\\a\\b.c",     "\\a\\b.c",  "\\a\\b.c", "",    "c",   "\\a\\b"},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.path);
@@ -39,7 +40,6 @@ TEST(Paths, AreTakenApartAtTheirSlashesAndTheLastDot) {
   EXPECT_EQ(joinPaths("/", "x/"), "/x");
   EXPECT_EQ(joinPaths("a//b/", "x/"), "a/b/x");
 }
-// clang-format on
 
 TEST(Utf8, HasALaxRuleAndAStrictOne) {
   const std::vector<std::string> bothRules = {
