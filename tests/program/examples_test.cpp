@@ -61,7 +61,7 @@ struct Examples : testing::Test {
   }
 };
 
-TEST_F(Examples, showText) {
+TEST_F(Examples, ShowText) {
   start("01-text");
   expect(0x02C4, {0x1C, 0x9E, 0x92, 0x46, 0x00});
   const int text = m.peekWord(m.peekWord(0x0230) + 8);
@@ -79,7 +79,7 @@ TEST_F(Examples, showText) {
   expect(0xD301, {0xFF});
 }
 
-TEST_F(Examples, showColourBars) {
+TEST_F(Examples, ShowColourBars) {
   start("03-colour-bars");
   for (uint8_t vcount = 15; vcount < 113; vcount += 4) {
     m.poke(0xD40B, vcount);
@@ -91,7 +91,7 @@ TEST_F(Examples, showColourBars) {
   EXPECT_EQ(colours.back(), 0);
 }
 
-TEST_F(Examples, movePlayer) {
+TEST_F(Examples, MoveThePlayer) {
   start("04-player");
   const struct {
     uint8_t stick;
@@ -107,7 +107,7 @@ TEST_F(Examples, movePlayer) {
   }
 }
 
-TEST_F(Examples, playMelody) {
+TEST_F(Examples, PlayTheMelody) {
   start("05-melody");
   stored.clear();
   callJsr(0x3003, 641);
@@ -120,7 +120,7 @@ TEST_F(Examples, playMelody) {
     EXPECT_EQ(stored[0xD201].at(i), i % 2 == 0 ? 0xAA : 0xA0);
 }
 
-TEST_F(Examples, startFromBasic) {
+TEST_F(Examples, StartFromBasic) {
   const std::string file = assemble("07-commodore");
   ASSERT_EQ(file.substr(0, 2), "\x01\x08");
   for (size_t i = 2; i < file.size(); ++i)
@@ -136,7 +136,7 @@ TEST_F(Examples, startFromBasic) {
   expect(0xD020, {5});
 }
 
-TEST_F(Examples, leaveResults) {
+TEST_F(Examples, LeaveTheirResults) {
   load("08-regions");
   ASSERT_TRUE(m.run()) << m.error;
   expect(0x4000, {24600 % 256, 24600 / 256, 0, 0, 2500 % 256, 2500 / 256});

@@ -1,4 +1,4 @@
-// Code for the memory under the ROM: what the staging segment does, and where it does not fit.
+// Code for the memory behind the ROM: what the staging segment does, and where it does not fit.
 #include "output/shadow.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ std::vector<uint8_t> counting(size_t size, uint8_t first) {
   return bytes;
 }
 
-TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
+TEST(Shadow, CopiesEveryBlockInOrderWhenTheFileIsLoaded) {
   const std::vector<uint8_t> large = counting(0x2B1, 3), page = counting(0x100, 7), single = {0x5A};
   Image image;
   appendWord(image, 0xFFFF);
@@ -37,7 +37,7 @@ TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
   };
   ASSERT_TRUE(machine.loadXex(joined(image.parts()))) << machine.error;
 
-  machine.osRom = false;  // for a look at what is behind it
+  machine.osRom = false;  // to see the memory behind it
   std::string copied(large.begin(), large.end());
   copied[0x10] = 0x5A;  // the third lies in the first
   EXPECT_EQ(machine.memory(0xD8F0, large.size() + 1), copied + '\0');
@@ -48,7 +48,7 @@ TEST(Shadow, theLoadedFileCopiesEveryBlockInOrder) {
   EXPECT_EQ(machine.s, 0xFF);
 }
 
-TEST(Shadow, itMustEndBelowTheTop) {
+TEST(Shadow, MustEndBelowTheTopOfMemory) {
   const auto screenRam = [](const std::string& segment) {
     return say("warning: shadow staging segment " + segment + " bytes");
   };
@@ -60,14 +60,18 @@ TEST(Shadow, itMustEndBelowTheTop) {
     std::vector<size_t> sizes;  // of the pieces
     bool fits;
     std::string errors;  // up to their sizes
-  } rows[] = {{0x7F80, {7}, true, ""},
-              {0x7F80, {8}, true, screenRam("$7F80-$8000 extends 1")},
-              {0x7F80, {1, 1}, true, screenRam("$7F80-$8000 extends 1")},
-              // The first byte of the piece at $FFFF, and at $10000.
-              {0xFF86, {1}, true, screenRam("$FF86-$FFFF extends 32768")},
-              {0xFF86, {2}, false, screenRam("$FF86-$10000 extends 32769") + fails("$FF86 is 123 bytes")},
-              {0xFF87, {1}, false, screenRam("$FF87-$10000 extends 32769") + fails("$FF87 overflows 64 KB")},
-              {0xFF80, {1, 1}, false, screenRam("$FF80-$10000 extends 32769") + fails("$FF80 overflows 64 KB")}};
+  } rows[] = {
+      // clang-format off
+      {0x7F80, {7},    true,  ""},
+      {0x7F80, {8},    true,  screenRam("$7F80-$8000 extends 1")},
+      {0x7F80, {1, 1}, true,  screenRam("$7F80-$8000 extends 1")},
+      // The first byte of the piece is at $FFFF, and at $10000.
+      {0xFF86, {1},    true,  screenRam("$FF86-$FFFF extends 32768")},
+      {0xFF86, {2},    false, screenRam("$FF86-$10000 extends 32769") + fails("$FF86 is 123 bytes")},
+      {0xFF87, {1},    false, screenRam("$FF87-$10000 extends 32769") + fails("$FF87 overflows 64 KB")},
+      {0xFF80, {1, 1}, false, screenRam("$FF80-$10000 extends 32769") + fails("$FF80 overflows 64 KB")},
+      // clang-format on
+  };
   for (const auto& row : rows) {
     std::vector<Piece> pieces;
     for (size_t size : row.sizes)
