@@ -14,13 +14,13 @@ struct Banking {
   std::string options;
   std::vector<BankWindow> windows;
   std::string layout = "";
-  std::string before = "";   // source in front of the first bank
+  std::string before = "";   // source before the first bank
   std::string between = "";  // source between two banks
 };
 
 const Banking plain{"-b -code-reg 82 -data-reg 83 -code-window 4000-5FFF", {{0x4000, 0x5FFF, 0x82}}};
 const Banking absolute{"-b -code-reg D500 -data-reg D501 -code-window 4000-5FFF", {{0x4000, 0x5FFF, 0xD500}}};
-// An origin inside the window takes one of the writer's numbers, so that from there on they differ from the banks'.
+// An origin inside the window takes a number in the file, so that the numbers there differ from those of the banks.
 const Banking split{"-b --split-bank -code-reg 82 -data-reg 83 -code-window 4000-7FFF --data-window 6000:7FFF",
                     {{0x4000, 0x5FFF, 0x82}, {0x6000, 0x7FFF, 0x83}},
                     "",
@@ -82,7 +82,8 @@ std::string nestedCalls(const Banking& banking) {
          "mark2: .byte 2\n";
 }
 
-// $FB and $79 are the flags as PHP stores them, with N, V, D, I, Z and C as PLP has set them.
+// From $0600: A, X, Y, P and S on entry to first, the byte that main has pushed, both marks, and S in second. From
+// $0610: A, X, Y, P and S back in main, and its byte again. P is as PHP stores it, with bits 4 and 5 set.
 const std::string expectedNotes = bytes("44 22 33 FB FA 11 01 02 F8 00 00 00 00 00 00 00 CC AA BB 79 FC 11");
 
 TEST(CrossBank, CallsChangeNothingEvenWhereCallsInterruptThem) {
@@ -177,19 +178,19 @@ TEST(CrossBank, EndlessJumpsFillNothing) {
   EXPECT_EQ(machine.peek(depth), before + 1);
 }
 
-// The line of the listing in which this part stands, from a column on; empty when there is none.
+// The line of the listing that has this part, from a column on; empty when there is none.
 std::string listed(const std::string& listing, const std::string& part, size_t column, size_t count = 999) {
   const size_t begin = listing.rfind('\n', listing.find(part)) + 1;
   const std::string line = listing.substr(begin, listing.find('\n', begin) - begin);
   return line.substr(std::min(column, line.size()), count);
 }
 
-// The address at which the first generated line is listed.
+// The address of the first generated line.
 std::string stagedAt(const Banking& banking, const std::string& source) {
   return listed(build(banking, source).listing, ">_kxb_0:", 2, 4);
 }
 
-// The price of it, as documented: cycles of a call, and of a jump behind it, beyond those of direct ones; and bytes.
+// Cycles of a call, and of a jump after it, beyond those of direct ones; and bytes.
 TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   const std::string code = "    .org $2000\nmain: JSR f\n    RTS\n", one = "    .bank one\nf: ";
   Machine call = build(plain, code + one + "RTS\n").machine;
@@ -206,7 +207,7 @@ TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   // The second register is written to from bank 256 on.
   const std::string last = manyBanks(254).before + one + "RTS\n";
   EXPECT_EQ(sizeOfMain(build(manyBanks(), code + last).machine), 4 + 17 + 138 + 386);
-  // It goes where it has all the room that it takes, and elsewhere when there is a byte less.
+  // Generated code goes where there is room for all of it, and elsewhere when a byte is missing.
   for (const Banking& banking : {plain, absolute, manyBanks()}) {
     const std::string rest = banking.before + one + "RTS\n";
     const int end = 0x2000 + sizeOfMain(build(banking, code + rest).machine);
@@ -227,33 +228,42 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
       "    .bank one\nfar: NOP\n.deep: RTS\n    JSR far : JMP .deep : JSR near\n"
       "    .bank two\nother: JSR far.deep\n    RTS\n";
   const std::string listing = build(plain, source).listing;
-  for (const auto& [part, line] : std::vector<std::pair<std::string, std::string>>{
-           {"two of", "main: JSR _kxb_0 : jsr\t_kxb_0 : LDA #1 ; two of them ; xbank"},
-           {".string", "    .string \"x : JMP _kxb_1 : \" ; xbank"},
-           {"\"\"\"x", "    .string \"\"\"x : JMP _kxb_1 : \" ; xbank"},
-           {"(vector)", "    JSR near : JMP (vector) : JSR $4000 : JSR near2"},
-           {".deep : ", "    JSR far : JMP .deep : JSR near"},
-           {"other", "other: JSR _kxb_2 ; xbank"},
-           {"STX $", "    STX $82 ; xbank"}})
+  // The listed line that has a part, after its columns of addresses and bytes.
+  const std::pair<std::string, std::string> rows[] = {
+      // clang-format off
+      {"two of",   "main: JSR _kxb_0 : jsr\t_kxb_0 : LDA #1 ; two of them ; xbank"},
+      {".string",  "    .string \"x : JMP _kxb_1 : \" ; xbank"},
+      {"\"\"\"x",  "    .string \"\"\"x : JMP _kxb_1 : \" ; xbank"},
+      {"(vector)", "    JSR near : JMP (vector) : JSR $4000 : JSR near2"},
+      {".deep : ", "    JSR far : JMP .deep : JSR near"},
+      {"other",    "other: JSR _kxb_2 ; xbank"},
+      {"STX $",    "    STX $82 ; xbank"},
+      // clang-format on
+  };
+  for (const auto& [part, line] : rows)
     EXPECT_EQ(listed(listing, part, 21), line);
   // Nothing to switch with, nothing to stage.
   const Banking withoutRegister{"-code-window 4000-5FFF", {}};
   EXPECT_EQ(build(withoutRegister, source).listing.find("xbank"), std::string::npos);
 }
 
-TEST(CrossBank, GeneratedCodeLiesInMainMemory) {
+TEST(CrossBank, GeneratedCodeIsInMainMemory) {
   const std::string banks = ".bank one\nf: RTS\n.bank two\nJSR f\n";
-  for (const auto& [address, source] : std::vector<std::pair<std::string, std::string>>{
-           {"2004", ".org $2000\nJSR f\n__bank_stage: NOP\n.org $3000\n.space 99\n"},
-           {"2003", ".org $2000\nJSR f\nend:\n.org $3000\n.space 2\n"},
-           {"2078", ".org $2000\n.space 60 : .space 60\n.org $3000\n.space 99\n"},
-           {"3063", ".org $2000\nJSR f\n.org $3000\n.space 99\nend:\n"},
-           // There is no room behind the larger ones: other code follows, or the window.
-           {"2203", ".org $2000\n.space 99\n.org $2200\nJSR f\n.org $3F00\n.space 64\n"},
-           {"A000", ""},
-           {"9001", ".shadow_ranges $2000-$20FF\n.shadow_stage $3000\n.org $2000\n.space 256\n.org $9000\nNOP\n"},
-           // A line that goes on elsewhere has no place behind it.
-           {"A000", ".org $2000\nNOP : .bank zero\n"}})
+  const std::pair<std::string, std::string> rows[] = {
+      // clang-format off
+      {".org $2000\nJSR f\n__bank_stage: NOP\n.org $3000\n.space 99\n",                              "2004"},
+      {".org $2000\nJSR f\nend:\n.org $3000\n.space 2\n",                                            "2003"},
+      {".org $2000\n.space 60 : .space 60\n.org $3000\n.space 99\n",                                 "2078"},
+      {".org $2000\nJSR f\n.org $3000\n.space 99\nend:\n",                                           "3063"},
+      // There is no room after the larger ones: other code follows, or the window.
+      {".org $2000\n.space 99\n.org $2200\nJSR f\n.org $3F00\n.space 64\n",                          "2203"},
+      {"",                                                                                           "A000"},
+      {".shadow_ranges $2000-$20FF\n.shadow_stage $3000\n.org $2000\n.space 256\n.org $9000\nNOP\n", "9001"},
+      // There is no room after a line that goes on elsewhere.
+      {".org $2000\nNOP : .bank zero\n",                                                             "A000"},
+      // clang-format on
+  };
+  for (const auto& [source, address] : rows)
     EXPECT_EQ(stagedAt(plain, source + banks), address) << source;
   // A cloaked segment that ends close before it does not take it in.
   const Banking flat{"-code-reg 82 -code-window 4000-5FFF", {}};

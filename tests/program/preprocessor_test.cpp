@@ -87,11 +87,8 @@ TEST(Macros, AreCalledByTheFirstWordOfALineOrByTheFirstAfterItsLabel) {
 TEST(Macros, AreReplacedOnceInEachFileThatTheirCallGoesThrough) {
   MemoryHost host;
   host.files = {
-      {"inc/a",      "A"},
-      {"inc/b",      "B\n.include a\nA"},
-      {"inc/z",      "Z"},
-      {"inc/y",      ".include z\nY"},
-      {"inc/macros", ".macro Z\n z\n.macro Y\n y\nZ"},
+      {"inc/a", "A"}, {"inc/b", "B\n.include a\nA"}, {"inc/macros", ".macro Z\n z\n.macro Y\n y\nZ"},
+      {"inc/z", "Z"}, {"inc/y", ".include z\nY"},
   };
   expectLines(host, {
       {".macro A\n B\n.macro B\n NOP\nA\nB",                                    " B\n NOP"},
@@ -136,11 +133,8 @@ TEST(Includes, AreGivenUpWhenTheyNeverEnd) {
   const std::string endless = ": it includes itself";
   MemoryHost host;
   host.files = {
-      {"inc/s", "x\n.include s\ny"},
-      {"inc/p", ".include q\np"},
-      {"inc/q", ".include p\nq"},
-      {"inc/t", "X\n.include u"},
-      {"inc/u", "X\n.include u"},
+      {"inc/p", ".include q\np"}, {"inc/t", "X\n.include u"}, {"inc/s", "x\n.include s\ny"},
+      {"inc/q", ".include p\nq"}, {"inc/u", "X\n.include u"},
   };
   expectLines(host, {
       {".include s", "x\ny", {"Cannot include 's'" + endless}},
