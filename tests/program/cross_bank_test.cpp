@@ -86,7 +86,7 @@ std::string nestedCalls(const Banking& banking) {
 // $0610: A, X, Y, P and S back in main, and its byte again. P is as PHP stores it, with bits 4 and 5 set.
 const std::string expectedNotes = bytes("44 22 33 FB FA 11 01 02 F8 00 00 00 00 00 00 00 CC AA BB 79 FC 11");
 
-TEST(CrossBank, CallsChangeNothingEvenWhereCallsInterruptThem) {
+TEST(CrossBankCalls, ChangeNothingEvenWhereCallsInterruptThem) {
   const std::string handler =
       "    .bank three\ntick: LDA #3 : JSR tock : INC $0630 : RTS\n    .bank four\ntock: JMP count\n"
       "    .bank five\ncount: LDX #9 : INC $0631 : RTS\n"
@@ -134,7 +134,7 @@ constexpr const char* circle =
     "    .bank three\nf3: DEC $0620 : BEQ .out : JSR f1 : LDA m3 : JSR note\n.out: RTS\nm3: .byte 3\n"
     "    .org $2F80\nnote: LDX $0621 : STA $0700,X : INC $0621 : RTS\n";
 
-TEST(CrossBank, CallsNestAndOverflowHarmsOnlyTheOldestReturns) {
+TEST(CrossBankCalls, NestAndLoseOnlyTheOldestReturnsWhenTheyAreTooDeep) {
   Machine machine = build(plain, circle).machine;
   machine.poke(0x0620, 65);
   ASSERT_TRUE(machine.run()) << machine.error;
@@ -149,7 +149,7 @@ TEST(CrossBank, CallsNestAndOverflowHarmsOnlyTheOldestReturns) {
   (void)machine.run();
 }
 
-TEST(CrossBank, JumpsAreTailCalls) {
+TEST(CrossBankJumps, AreTailCalls) {
   const std::string source =
       "    .org $2000\nmain: JSR a1 : STA $0600 : LDA $82 : STA $0601 : RTS\nback: RTS\n"
       "    .bank a\na1: JSR a2 : CLC : ADC m1 : RTS\na2: JMP b1\nm1: .byte 1\n"
@@ -162,7 +162,7 @@ TEST(CrossBank, JumpsAreTailCalls) {
   EXPECT_EQ(machine.memory(0x0600, 2), std::string("\3\0", 2));
 }
 
-TEST(CrossBank, EndlessJumpsFillNothing) {
+TEST(CrossBankJumps, MayGoOnForever) {
   const std::string source =
       "    .org $2000\nmain: LDX #$FF : TXS\n    JMP one\n    .org $2F00\n    .word __bank_current\n"
       "    .bank one\none: INC $0600 : BNE .next : INC $0601\n.next: JMP two\n"
@@ -191,7 +191,7 @@ std::string stagedAt(const Banking& banking, const std::string& source) {
 }
 
 // Cycles of a call, and of a jump after it, beyond those of direct ones; and bytes.
-TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
+TEST(CrossBankCalls, CostWhatTheDocumentsSay) {
   const std::string code = "    .org $2000\nmain: JSR f\n    RTS\n", one = "    .bank one\nf: ";
   Machine call = build(plain, code + one + "RTS\n").machine;
   Machine jump = build(plain, code + one + "JMP g\n    .bank two\ng: RTS\n").machine;
@@ -218,7 +218,7 @@ TEST(CrossBank, CallsCostWhatTheDocumentsSay) {
   }
 }
 
-TEST(CrossBank, OnlyTheOperandOfACallChanges) {
+TEST(CrossBankCalls, HaveNothingButTheirOperandChanged) {
   const std::string source =
       "    .org $2000\n"
       "main: JSR far : jsr\tfar : LDA #1 ; two of them\n"
@@ -247,7 +247,7 @@ TEST(CrossBank, OnlyTheOperandOfACallChanges) {
   EXPECT_EQ(build(withoutRegister, source).listing.find("xbank"), std::string::npos);
 }
 
-TEST(CrossBank, GeneratedCodeIsInMainMemory) {
+TEST(CrossBankCalls, GoThroughCodeInMainMemory) {
   const std::string banks = ".bank one\nf: RTS\n.bank two\nJSR f\n";
   const std::pair<std::string, std::string> rows[] = {
       // clang-format off
@@ -277,14 +277,14 @@ TEST(CrossBank, GeneratedCodeIsInMainMemory) {
   build(plain, ".bank one\n__bank_stage: RTS\n");
 }
 
-TEST(CrossBank, CallsStagedLaterFindTheCodeOfTheStagerAmongNamesLikeItsOwn) {
+TEST(CrossBankCalls, ThatAreFoundLateShareTheGeneratedCodeWithTheOthers) {
   const std::string source =
       "_kxb_call: NOP\n    .org $3000\n    JSR f\n    RTS\n    .bank a\nf: NOP\n    BNE h\n    RTS\n"
       "    .bank b\n    .space 300\nh: RTS\n";
   EXPECT_NE(build(plain, source).listing.find(">_kxb_1:"), std::string::npos);
 }
 
-TEST(CrossBank, CallsLongBranchesAndRegionsSettleTogether) {
+TEST(CrossBankCalls, SettleTogetherWithLongBranchesAndRegions) {
   const std::string source =
       "    .code_regions $2000-$20FF,$3000-$3FFF\n    .org $2000\n"
       "main: LDA #0\n    BEQ far\n    .space 200\n    JMP far\n    .space 150\nfar: JSR f : STA $0600 : RTS\n"

@@ -1,13 +1,13 @@
 // README.md, the documents under docs/ and the man page: what they show is what the program does, and nothing is
 // missing.
 //
-// A block that begins with ```kiln-as is a program, with its options behind the word; it is assembled as main.asm. The
-// blocks behind it say what comes out: ```bytes the segments of a flat XEX file that runs at the first of them,
+// A block that begins with ```kiln-as is a program, with its options after the word; it is assembled as main.asm. The
+// blocks after it say what comes out: ```bytes the segments of a flat XEX file that runs at the first of them,
 // ```image any file byte by byte, ```listing a part of the listing, and ```messages the lines on standard error, where
 // the summary may be left out. A program without ```messages assembles in silence. ```file NAME is a file for all later
 // programs of the document.
 //
-// Lists that are made from the program's own tables stand between markers. KILN_UPDATE_DOCS=1 writes them anew.
+// Lists that are made from the program's own tables are between markers. KILN_UPDATE_DOCS=1 rewrites them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -104,7 +104,7 @@ TEST(Documents, ShowWhatIsAssembled) {
   }
 }
 
-// What stands between the markers of this name in docs/language.md.
+// Compares with the list between the markers of this name in docs/language.md.
 void expectGenerated(const std::string& name, const std::string& list) {
   const std::string text = replaced(list, " +(?=\n)");
   const std::string document = read(root / "docs/language.md");
@@ -120,7 +120,7 @@ void expectGenerated(const std::string& name, const std::string& list) {
 TEST(Documents, ListInstructionsAndNames) {
   const std::string head =
       "     alone  #n  zp  zp,X  zp,Y  abs  abs,X  abs,Y  (abs)  (zp,X)  (zp),Y  rel  n,SP  SP,n  (n,SP),Y  n,SP,X";
-  // Where the modes stand in a line, in their order; the first two share a column.
+  // The column of each mode, in their order; the first two share a column.
   constexpr size_t columns[modeCount] = {5, 5, 12, 16, 20, 26, 32, 37, 44, 51, 58, 66, 74, 79, 85, 91, 101};
   std::string table = head + "\n";
   for (size_t i = 0; i < mnemonicCount; ++i)
@@ -160,7 +160,7 @@ TEST(Documents, ExplainEveryMessage) {
   EXPECT_TRUE(std::is_sorted(headings.begin(), headings.end())) << testing::PrintToString(headings);
 }
 
-TEST(Documents, ManPageHasEveryOption) {
+TEST(ManPage, HasEveryOption) {
   const std::string page = replaced(read(root / "man/kiln-as.1"), R"(\\-)", "-");
   std::set<std::string> described, known;
   for (const std::string& heading : findAll(page, R"(\.TP\n\.BI?R?( [^\n]*))"))

@@ -84,8 +84,7 @@ TEST(Banks, AreNumberedInTheOrderInWhichTheyAreMet) {
     expectCode(source, segments, {}, options);
 }
 
-// The errors of the layout end the run, before the operands are checked.
-TEST(Layout, ReportsDuplicateLabelsAndStageAddresses) {
+TEST(DuplicateLabels, AreReportedWithBadStageAddressesBeforeOperandsAreChecked) {
   const std::string twice = ": duplicate label ", stage = ": invalid .shadow_stage address ";
   expectErrors(
       ".include \"no\"\nx: NOP\nx = y\nx:\nD:\nv = 1\nv:\nx: INC A\n__bank_code_reg:\n.bank b\n__bank_b:\n"

@@ -41,7 +41,7 @@ TEST(Regions, SpillBeforeTheirLastTenBytes) {
       {".code_regions 0-9,$100-$102,$3000-$30FF\nNOP",   {{0, "4C0001"}, {0x100, "4C0030"}, {0x3000, "EA"}}},
       // The inverted branch of a long one is not cut off from its jump.
       {regions + "JMP 1\nNOP\nBNE far\nNOP\nfar: NOP",   {{0x2000, "4C0100 EA F003 4C0140 4C0040"}, {0x4000, "EA EA"}}},
-      // A mark holds the bridge off for one statement, also when it stands on a line of its own.
+      // A mark holds the bridge off for one statement, also when it is on a line of its own.
       {regions + "JMP 1\nLDX #1\nINX\n\n; longbr\nINX\nINX", {{0x2000, "4C0100 A201 E8 E8 4C0040"}, {0x4000, "E8"}}},
       {regions + "JMP 1\nLDX #1\nINX\n; longbr\n\nINX",  {{0x2000, "4C0100 A201 E8 4C0040"}, {0x4000, "E8"}}},
   });
@@ -103,7 +103,7 @@ TEST(Regions, SayWhenTheyAreFullOrMalformed) {
   expectErrors(regions + ".org $5000\n.spill_point\nNOP\n.space $FFFFB000", {overflow("6", "$40FF", "$4001")});
 }
 
-TEST(RegionList, AnswersTheSameHoweverOftenItIsAsked) {
+TEST(RegionList, FindsTheSameRegionHoweverOftenItIsSearched) {
   std::vector<uint32_t> bounds;
   for (uint32_t i = 0; i < 99; ++i)
     bounds.insert(bounds.end(), {i * 7919 % 60000, i * 7919 % 60000 + i * 50 % 1700});

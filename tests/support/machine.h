@@ -62,7 +62,7 @@ class Machine {
   // set when the file is malformed or an init routine fails.
   bool loadXex(std::string_view file);
 
-  // Calls a subroutine with the registers as they stand. False with `error` set when it does not return.
+  // Calls a subroutine with the registers as they are. False with `error` set when it does not return.
   bool call(uint16_t address);
   // Calls the run address of the loaded file.
   bool run() { return call(runAddress); }

@@ -45,7 +45,7 @@ class MemoryHost : public Host {
   std::optional<std::vector<std::string>> listDirectory(const std::string& path) const override {
     if (!isDirectory(path) || unreadable.count(path) != 0) return std::nullopt;
     std::vector<std::string> names;
-    // Backwards, so that whoever needs an order has to make it.
+    // Backwards, so that code which needs an order has to sort.
     for (auto file = files.rbegin(); file != files.rend(); ++file) {
       const size_t slash = file->first.rfind('/');
       if (slash != std::string::npos && file->first.substr(0, slash) == path) {

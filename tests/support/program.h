@@ -1,5 +1,5 @@
 // Whole runs of the program in memory, and the files that they are expected to make. Everything is compared exactly:
-// the exit status, both streams, and every file written; what nobody expects is a failure.
+// the exit status, both streams, and every file written; anything unexpected is a failure.
 #pragma once
 
 #include <map>
@@ -11,10 +11,10 @@
 
 namespace kiln::test {
 
-// One run. The source stands in "main.asm" and is assembled to "main.xex" unless the command line says otherwise.
+// One run. The source is "main.asm" and is assembled to "main.xex" unless the command line says otherwise.
 struct Run {
   std::string source;
-  std::string line = "main.asm";  // behind the program's path
+  std::string line = "main.asm";  // after the program's path
   // What comes out.
   int status = 0;
   std::string standardError = "";
@@ -40,7 +40,7 @@ std::string range(const std::string& name, uint32_t low, uint32_t high);
 // "kiln-as: " and the text, as a line.
 std::string say(const std::string& text);
 
-// The arguments of a command line: between two spaces stands an empty one.
+// The arguments of a command line: between two spaces is an empty one.
 std::vector<std::string> words(std::string_view line);
 
 // Runs a command line that lacks the program's path, and gives the exit status.
@@ -54,7 +54,7 @@ void expectRun(const Run& run);
 void expectCode(const std::string& source, const Contents& segments, const std::vector<std::string>& warnings = {},
                 const std::string& options = "");
 
-// The source fails with these errors, behind these warnings.
+// The source fails with these errors, after these warnings.
 void expectErrors(const std::string& source, const std::vector<std::string>& errors,
                   const std::vector<std::string>& warnings = {}, const std::string& options = "");
 

@@ -162,18 +162,10 @@ TEST(BankCounters, CountEachKindForItself) {
 
 TEST(BankCounters, HaveADefaultForEachEndOfTheWindow) {
   using enum BankKind;
-  expectBanks({.bankWindowHigh = 0x47FF}, {
-      {0x3FFF, 1, none},
-      {0x4000, 1, {{Plain, 1}}},
-      {0x47FF, 1, {{Plain, 1}}},
-      {0x4800, 1, none},
-  });
-  expectBanks({.bankWindowLow = 0x4700}, {
-      {0x46FF, 1, none},
-      {0x4700, 1, {{Plain, 1}}},
-      {0x7FFF, 1, {{Plain, 1}}},
-      {0x8000, 1, none},
-  });
+  expectBanks({.bankWindowHigh = 0x47FF}, {{0x3FFF, 1, none}, {0x4000, 1, {{Plain, 1}}},
+                                           {0x4800, 1, none}, {0x47FF, 1, {{Plain, 1}}}});
+  expectBanks({.bankWindowLow = 0x4700}, {{0x46FF, 1, none}, {0x4700, 1, {{Plain, 1}}},
+                                          {0x8000, 1, none}, {0x7FFF, 1, {{Plain, 1}}}});
 }
 // clang-format on
 
