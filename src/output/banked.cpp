@@ -17,11 +17,12 @@
 // other register rules, in the wrong bank; hence the checks. They look at lengths alone, not at where a segment ends.
 #include "output/banked.h"
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
 #include "base/format.h"
+#include "output/atari_records.h"
+#include "output/fail.h"
 #include "output/pieces.h"
 #include "output/preload.h"
 #include "output/shadow.h"
@@ -78,11 +79,6 @@ void warnAboutCloaked(std::string_view what, int64_t count, Console& console) {
   if (count == 0) return;
   console.printError(concat({"kiln-as: ", what, " are only supported on xe-family targets (xeBankMask = 0); ignoring ",
                              decimal(count), " segment(s)\n"}));
-}
-
-bool fail(Console& console, std::initializer_list<std::string_view> message) {
-  console.printError(concat(message));
-  return false;
 }
 
 // The beginning that the messages about lengths share.
@@ -167,7 +163,7 @@ std::optional<Image> writeBanked(const std::vector<AsSegment>& segments, const S
   const BankedSettings settings = withDefaults(given);
   const Program program = sortOut(segments, plan, settings);
   Image image;
-  appendWord(image, 0xFFFF);
+  appendMarker(image);
   if (!appendShadow(image, plan, program.main.shadow, console)) return std::nullopt;
   warnAboutCloaked("cloaked segments", program.cloaked, console);
   warnAboutCloaked("numbered-bank cloaked segments", program.numberedCloaked, console);

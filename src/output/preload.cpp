@@ -1,6 +1,7 @@
 #include "output/preload.h"
 
 #include "base/arithmetic.h"
+#include "output/atari_records.h"
 
 namespace kiln {
 namespace {
@@ -8,6 +9,16 @@ namespace {
 void appendLoad(Image& routine, uint8_t value) {
   appendByte(routine, 0xA9);  // LDA immediate
   appendByte(routine, value);
+}
+
+void appendStore(Image& routine, uint32_t bankRegister) {
+  if (bankRegister < 0x100) {
+    appendByte(routine, 0x85);  // STA zero page
+    appendByte(routine, bankRegister);
+  } else {
+    appendByte(routine, 0x8D);  // STA absolute
+    appendWord(routine, bankRegister);
+  }
 }
 
 void appendReturn(Image& routine) {
@@ -20,14 +31,14 @@ void BankPreload::appendSelect(Image& image, BankValue bank) {
   const uint8_t high = highByte(bank.value);
   Image routine;
   appendLoad(routine, lowByte(bank.value));
-  appendStoreToRegister(routine, registerFor(bank.kind));
+  appendStore(routine, registerFor(bank.kind));
   if (bank.kind == BankKind::Regc && settings_.regcRegisterHigh != 0) {
     appendLoad(routine, high);
-    appendStoreToRegister(routine, settings_.regcRegisterHigh);
+    appendStore(routine, settings_.regcRegisterHigh);
   }
   if (bank.kind == BankKind::Plain && high != highByte_) {
     appendLoad(routine, high);
-    appendStoreToRegister(routine, settings_.dataBankRegister);
+    appendStore(routine, settings_.dataBankRegister);
     highByte_ = high;
   }
   appendReturn(routine);
@@ -37,12 +48,12 @@ void BankPreload::appendSelect(Image& image, BankValue bank) {
 void BankPreload::appendReset(Image& image, BankKind kind) {
   Image routine;
   appendLoad(routine, 0);
-  appendStoreToRegister(routine, registerFor(kind));
+  appendStore(routine, registerFor(kind));
   if (kind == BankKind::Regc && settings_.regcRegisterHigh != 0) {
-    appendStoreToRegister(routine, settings_.regcRegisterHigh);
+    appendStore(routine, settings_.regcRegisterHigh);
   }
   if (kind == BankKind::Plain && highByte_ != 0) {
-    appendStoreToRegister(routine, settings_.dataBankRegister);
+    appendStore(routine, settings_.dataBankRegister);
     highByte_ = 0;
   }
   appendReturn(routine);

@@ -14,11 +14,12 @@
 // table, has eight bits: 41 pieces and the last entry are within its reach, and nothing here stops a program with more.
 #include "output/shadow.h"
 
-#include <initializer_list>
 #include <optional>
 #include <string_view>
 
 #include "base/format.h"
+#include "output/atari_records.h"
+#include "output/fail.h"
 
 namespace kiln {
 namespace {
@@ -108,11 +109,6 @@ void warnAboutScreenRam(uint32_t stageAddress, int64_t end, Console& console) {
               " bytes into screen RAM at $8000. The XEX loader writes staging bytes there during load. The xl-shadow "
               "startup template clears screen RAM at boot after the staging stub finishes, so ANTIC won't read stale "
               "bytes — but tighter shadow code (`-O2` / `-O3`) would avoid the overlap entirely.\n"}));
-}
-
-bool fail(Console& console, std::initializer_list<std::string_view> message) {
-  console.printError(concat(message));
-  return false;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "output/xex.h"
 
+#include "output/atari_records.h"
 #include "output/pieces.h"
 #include "output/shadow.h"
 
@@ -13,7 +14,7 @@ std::optional<Image> writeXex(const std::vector<AsSegment>& segments, const Shad
     if (!segment.bytes.empty()) splitter.split(segment, pieces);
   }
   Image image;
-  appendWord(image, 0xFFFF);
+  appendMarker(image);
   for (const Piece& piece : pieces.plain)
     appendLoadSegment(image, piece.address, piece.bytes);
   if (!pieces.shadow.empty() && !stageShadow(image, plan.stageAddress, pieces.shadow, console)) return std::nullopt;

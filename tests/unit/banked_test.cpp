@@ -6,6 +6,7 @@
 #include <regex>
 
 #include "base/format.h"
+#include "output/atari_records.h"
 #include "output/preload.h"
 #include "support/program.h"
 
