@@ -1,4 +1,4 @@
-// Which bank each segment of a banked program goes to: the one copy of the rule.
+// Which bank each segment of a banked program goes to: one rule for the writer and for calls between banks.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace kiln {
 
-// What the command line and the layout say about banking: addresses, and ranges with both ends inclusive.
+// Banking as the command line and the layout set it: addresses, and ranges with inclusive ends.
 struct BankedSettings {
   uint32_t bankWindowLow = 0;     // 0 = $4000
   uint32_t bankWindowHigh = 0;    // 0 = $7FFF
@@ -24,7 +24,7 @@ struct BankedSettings {
   uint32_t mainRegionHigh = 0;    // 0 = $BFFF
 };
 
-// The settings with the defaults in place of their zeros; each stands in for itself alone.
+// The settings with each missing value that has a default replaced by it.
 BankedSettings withDefaults(BankedSettings settings);
 
 enum class BankKind : uint8_t { Plain, CodeHalf, DataHalf, Regc };
@@ -34,20 +34,20 @@ struct BankValue {
   uint16_t value;  // what the registers must hold
 };
 
-// Numbers the segments of a program. It must be shown every segment that is not cloaked, empty ones too, in list order.
+// Numbers the segments of a program. Call next() for every segment that is not cloaked, empty ones too, in list order.
 class BankCounters {
  public:
   explicit BankCounters(const BankedSettings& settings);
 
-  // The bank of the segment that starts at `start` and carries the number `bank` (-1 = none). Absent when the segment
-  // lies outside the bank window and is not banked.
+  // The bank of the segment that starts at `start` and has the number `bank` (-1 = none). Absent when the segment
+  // starts outside the bank window, and so is not banked.
   std::optional<BankValue> next(uint32_t start, int32_t bank);
 
  private:
   BankKind kindAt(uint32_t start) const;
 
   BankedSettings settings_;
-  std::array<uint16_t, 4> counters_{1, 1, 1, 1};  // by kind; behind 65535 comes 0
+  std::array<uint16_t, 4> counters_{1, 1, 1, 1};  // by kind; 0 follows 65535
 };
 
 }  // namespace kiln

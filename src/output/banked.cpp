@@ -1,10 +1,10 @@
 // A banked program is larger than the memory it is loaded to: many segments share the addresses of the bank window,
-// each in a bank of its own. The loader writes to whatever the window shows. So every banked segment stands between two
-// routines that the loader calls as soon as it has them, one that shows the segment's bank and one that shows bank 0.
+// each in a bank of its own. The loader writes to the bank that the window shows. So every banked segment is between
+// two routines that the loader calls as soon as it has read them: one shows the segment's bank, the other shows bank 0.
 //
 // Example: the window $4000-$7FFF, registers $82 and $83, and the segments
 //
-//     $2000  main               loaded like any other, behind all the banked ones
+//     $2000  main               loaded as usual, after all the banked segments
 //     $4000  banked             bank 1
 //     $4000  banked, number 7   bank 7
 //     $5000  banked             bank 3: the second has used up the number 2
@@ -13,8 +13,8 @@
 // the number and is written again only when it changes, so the next routine is LDA #$07, STA $82, RTS.
 //
 // With the window split into a code half at $4000 and a data half at $6000, each half has a register and numbers of its
-// own: $82 shows a bank below $6000, $83 one above. A segment too long for its half would run on into memory that the
-// other register rules, in the wrong bank; hence the checks. They look at lengths alone, not at where a segment ends.
+// own: $82 shows a bank below $6000, $83 one above. A segment too long for its half would continue in memory that the
+// other register controls, in the wrong bank, so lengths are checked; where a segment ends is not.
 #include "output/banked.h"
 
 #include <string>
@@ -30,7 +30,7 @@
 namespace kiln {
 namespace {
 
-// Shows main memory in the bank window, where the staged code may have to go.
+// Shows main memory in the bank window, where staged code may be loaded.
 constexpr std::string_view showMainMemory =
     "AD 01 D3 "  // LDA $D301   PORTB
     "09 10 "     // ORA #$10
@@ -81,7 +81,7 @@ void warnAboutCloaked(std::string_view what, int64_t count, Console& console) {
                              decimal(count), " segment(s)\n"}));
 }
 
-// The beginning that the messages about lengths share.
+// The beginning of a message about the length of a segment.
 std::string tooLong(std::string_view what, const AsSegment& segment, int64_t size) {
   const int64_t length = static_cast<int64_t>(segment.bytes.size());
   return concat({"kiln-as: banked ", what, " at ", dollarHex(segment.start), " is ", decimal(length),
@@ -137,7 +137,7 @@ bool appendBanked(Image& image, const std::vector<BankedSegment>& segments, cons
   return true;
 }
 
-// What loads without complaint on a machine without banks would be lost behind the main region of a real one.
+// Code that runs past the main region is lost, except on a machine without banks.
 bool appendMain(Image& image, const std::vector<Piece>& pieces, const BankedSettings& settings, Console& console) {
   const int64_t low = settings.mainRegionLow;
   const int64_t high = settings.mainRegionHigh;

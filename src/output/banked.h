@@ -1,4 +1,4 @@
-// The Atari binary-load file for a machine with extended memory: segments of the bank window go to banks.
+// The Atari binary-load file for a machine with extended memory: segments in the bank window go to banks.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 namespace kiln {
 
 // The staged code, the banked segments, the segments outside the bank window, and last the run address (0..65535).
-// Cloaked segments are left out with a warning. Absent when something does not fit or a register is missing, which
-// has been printed then.
+// Cloaked segments are left out with a warning. Absent, after a printed message, when something does not fit or a
+// register is missing.
 std::optional<Image> writeBanked(const std::vector<AsSegment>& segments, const ShadowPlan& plan,
                                  const BankedSettings& given, uint32_t runAddress, Console& console);
 

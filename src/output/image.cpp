@@ -5,7 +5,7 @@
 namespace kiln {
 namespace {
 
-constexpr size_t longText = size_t{64} * 1024;
+constexpr size_t longText = size_t{64} * 1024;  // not copied from this size on
 
 }  // namespace
 

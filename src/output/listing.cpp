@@ -7,12 +7,14 @@ namespace kiln {
 namespace {
 
 constexpr size_t prefixWidth = 21;
+constexpr size_t bytesColumn = 2;   // of the address of bytes
+constexpr size_t originColumn = 7;  // of the address of an origin
 
-// Origins show their address in another column than bytes do.
-void appendPrefix(std::string& listing, size_t before, uint32_t address) {
-  listing.append(before, ' ');
-  appendHex(listing, address, 4);
-  listing.append(prefixWidth - before - 4, ' ');
+void appendPrefix(std::string& listing, size_t column, uint32_t address) {
+  constexpr size_t digits = 4;
+  listing.append(column, ' ');
+  appendHex(listing, address, digits);
+  listing.append(prefixWidth - column - digits, ' ');
 }
 
 class ListingWriter {
@@ -41,16 +43,16 @@ class ListingWriter {
   void appendAddress(const AsLine& line) {
     if (line.kind == Kind::Org) {
       location_ = low16(evaluator_.evaluate(line.operand()));
-      appendPrefix(listing_, 7, location_);
+      appendPrefix(listing_, originColumn, location_);
     } else if (emitsBytes(line.kind)) {
-      appendPrefix(listing_, 2, location_);
+      appendPrefix(listing_, bytesColumn, location_);
       location_ = (location_ + line.size) & 0xFFFF;
     } else {
       listing_.append(prefixWidth, ' ');
     }
   }
 
-  // Statements inserted by a code-region spill are on no source line; they are shown as they would be written.
+  // A statement inserted by a code-region spill has no source line and is shown as it would be written.
   void appendSource(const AsLine& line) {
     if (line.autoSpill) {
       listing_.append(line.kind == Kind::Org ? "    .org " : "    JMP ")

@@ -11,8 +11,8 @@
 
 namespace kiln {
 
-// One line a statement, and one for each source line without a statement. `lines` are the source lines that the
-// statements were parsed from; the evaluator gives the origins their values, by the final symbols.
+// One line for each statement, and one for each source line without a statement. `lines` are the source lines that the
+// statements were parsed from. The evaluator has the final symbols and computes the origins.
 std::string renderListing(const std::vector<AsLine>& statements, const SourceLines& lines, Evaluator& evaluator);
 
 }  // namespace kiln

@@ -4,7 +4,7 @@
 
 namespace kiln {
 
-// A range that its cut to 16 bits has turned round touches nothing.
+// Cut to 16 bits, the end of a range may be below its start; such a range is empty.
 ShadowSplitter::ShadowSplitter(const ShadowPlan& plan) {
   if (plan.stageAddress == 0) return;
   for (size_t i = 0; i + 1 < plan.ranges.size(); i += 2) {
@@ -20,8 +20,8 @@ bool ShadowSplitter::isBefore(const Range& a, const Range& b) {
 }
 
 // The ranges that touch [first, last], clipped to it and ordered by start; equal starts keep the order in which they
-// were declared. There may be as many ranges as segments, so that not all are looked at: behind the last one that
-// begins in time, they are followed back until none before reaches far enough.
+// were declared. There may be as many ranges as segments, so not all are tested: the search goes back from the last
+// range that starts by `last`, until no earlier one reaches `first`.
 std::vector<ShadowSplitter::Range> ShadowSplitter::rangesWithin(uint64_t first, uint64_t last) const {
   std::vector<Range> kept;
   const auto end = std::upper_bound(ranges_.begin(), ranges_.end(), last,
@@ -42,7 +42,7 @@ void ShadowSplitter::split(const AsSegment& segment, Pieces& pieces) const {
     return Piece{static_cast<uint32_t>(from & 0xFFFF), bytes.subspan(from - first, to - from + 1)};
   };
   uint64_t cursor = first;
-  // The cursor follows each range in turn, even backwards: where ranges overlap, their bytes are staged twice.
+  // The cursor moves past each range, even backwards: where ranges overlap, their bytes are staged twice.
   for (const Range& range : rangesWithin(first, last)) {
     if (cursor < range.low) pieces.plain.push_back(piece(cursor, range.low - 1));
     pieces.shadow.push_back(piece(range.low, range.high));

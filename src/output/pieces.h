@@ -25,14 +25,14 @@ class ShadowSplitter {
  public:
   explicit ShadowSplitter(const ShadowPlan& plan);
 
-  // Appends the segment's pieces: one plain one, where no range touches the segment. The segment must hold a byte.
+  // Appends the segment's pieces: a single plain one if no range touches the segment, which must not be empty.
   void split(const AsSegment& segment, Pieces& pieces) const;
 
  private:
   struct Range {
     uint64_t low;
     uint64_t high;
-    size_t number;  // rises in the order in which they were declared
+    size_t number;  // in the order of declaration
   };
 
   static bool isBefore(const Range& a, const Range& b);

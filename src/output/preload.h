@@ -1,31 +1,30 @@
-// The routines by which a file that is loading switches banks.
+// Routines that switch banks while a file loads.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "output/bank_values.h"
 #include "output/image.h"
 
 namespace kiln {
 
-// Appends the routines to one image, in pairs: select, then the segment itself, then reset. It remembers what the data
-// register holds, and leaves out the stores to it that would change nothing.
+// Appends the routines to one image, in pairs: select before a segment, reset after it. Stores to the data register
+// that would change nothing are left out.
 class BankPreload {
  public:
   explicit BankPreload(const BankedSettings& settings) : settings_(settings) {}
 
   // Shows a bank.
   void appendSelect(Image& image, BankValue bank);
-  // Shows bank 0 in its stead.
+  // Shows bank 0 again.
   void appendReset(Image& image, BankKind kind);
 
  private:
-  static constexpr int32_t unknown = -1;
-
   uint32_t registerFor(BankKind kind) const;
 
   BankedSettings settings_;
-  int32_t highByte_ = unknown;  // what the data register holds in plain banking
+  std::optional<uint8_t> highByte_;  // in the data register, in plain banking; absent = unknown
 };
 
 }  // namespace kiln

@@ -10,7 +10,7 @@
 namespace kiln {
 
 // The load address and the memory from there on, gaps filled with zeros. A segment that starts inside the one before it
-// is appended where the file ends, so that it lands higher than its own address. Absent when no segment holds a byte.
+// is appended at the end of the file, so it is loaded above its own address. Absent when no segment has a byte.
 std::optional<Image> writePrg(const std::vector<AsSegment>& segments);
 
 }  // namespace kiln

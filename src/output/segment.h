@@ -14,10 +14,10 @@ struct AsSegment {
   int32_t cloakedId = -1;      // -1 = unnumbered
 };
 
-// Where code that must lie under the OS ROM goes, and where it waits until it is copied there.
+// Which addresses are under the OS ROM, and where their bytes are loaded before they are copied there.
 struct ShadowPlan {
   std::vector<uint32_t> ranges;  // low, high, low, high...: both ends inclusive, 0..65535
-  uint32_t stageAddress = 0;     // 0 = none, and then the ranges mean nothing
+  uint32_t stageAddress = 0;     // 0 = none: the ranges have no effect
 };
 
 }  // namespace kiln

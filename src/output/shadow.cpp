@@ -1,17 +1,17 @@
 // The memory under the OS ROM cannot be filled while a file loads: the loader is part of that ROM. So the bytes that
 // belong there are loaded elsewhere, as one segment at the stage address, and the loader is made to call that address
-// before it goes on. What it finds there is the copy stub, which hides the ROM, copies, and shows the ROM again:
+// before it reads on. The copy stub is there, which hides the ROM, copies, and shows the ROM again:
 //
 //     stage address + 0     the copy stub, 109 bytes
 //                   + 109   the copy table: source, destination and length of every piece, a word each,
 //                           and one entry of zeros
-//                   behind  the bytes of the pieces, back to back
+//                   then    the bytes of the pieces, back to back
 //
-// Example: 16 bytes for $C000, staged at $2000. The table lies at $206D and reads $2079, $C000, 16, 0, 0, 0; it ends
-// at $2078, the bytes fill $2079-$2088, and the loader calls $2000. The stub reads the first entry into $C0-$C5 and
-// moves byte after byte, a pointer up and the count down each time, until the count is 0; then it jumps back to $2011
-// for the next entry. The entry of zeros ends it, and no piece is empty, so no other entry does. X, the index into the
-// table, has eight bits: 41 pieces and the last entry are within its reach, and nothing here stops a program with more.
+// Example: 16 bytes for $C000, staged at $2000. The table at $206D-$2078 is $2079, $C000, 16, 0, 0, 0; the bytes are at
+// $2079-$2088, and the loader calls $2000. The stub reads the first entry into $C0-$C5 and copies byte by byte, with
+// both pointers counting up and the length counting down to 0; then it jumps back to $2011 for the next entry. The
+// entry of zeros ends it, and no piece is empty, so no other entry does. X, the index into the table, has eight bits,
+// which is enough for 41 pieces and the last entry; a program with more is not rejected.
 #include "output/shadow.h"
 
 #include <optional>
@@ -26,8 +26,8 @@ namespace {
 
 constexpr uint32_t stubSize = 109;
 constexpr uint32_t entrySize = 6;
-constexpr uint32_t readEntry = 17;  // where in the stub the next entry is read
-constexpr uint32_t scratch = 0xC0;  // zero page, one byte for each of the entry
+constexpr uint32_t readEntry = 17;  // the place in the stub that reads the next entry
+constexpr uint32_t scratch = 0xC0;  // zero page: one byte for each byte of an entry
 constexpr uint32_t screenRam = 0x8000;
 constexpr uint32_t lastAddress = 0xFFFF;
 
@@ -35,12 +35,12 @@ constexpr std::string_view hideRom =
     "08 "        // PHP
     "78 "        // SEI
     "A9 00 "     // LDA #$00
-    "8D 0E D4 "  // STA $D40E   NMIEN: no interrupt of either kind from here on, for their vectors are in the ROM
+    "8D 0E D4 "  // STA $D40E   NMIEN: no more interrupts of either kind, since their vectors are in the ROM
     "AD 01 D3 "  // LDA $D301   PORTB
     "29 FE "     // AND #$FE
     "8D 01 D3 "  // STA $D301
     "A2 00 ";    // LDX #$00
-// Here the entry is read: six times LDA table,X; STA; INX.
+// In between, the entry is read: six times LDA table,X; STA; INX.
 constexpr std::string_view copyPiece =
     "A5 C4 "  //       LDA $C4
     "05 C5 "  //       ORA $C5
@@ -87,7 +87,7 @@ Image copyStub(uint32_t stageAddress) {
   return stub;
 }
 
-// Absent when a piece would wait behind the last address; one that only ends behind it is noticed later.
+// Absent when a piece would begin past the last address. A piece that only ends past it is found later.
 std::optional<Image> copyTable(const std::vector<Piece>& pieces, uint64_t firstSource) {
   Image table;
   uint64_t source = firstSource;

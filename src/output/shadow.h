@@ -1,4 +1,4 @@
-// Shadow staging: code for the memory under the OS ROM, packed behind a routine that copies it there.
+// Shadow staging: code for the memory under the OS ROM, loaded with a routine that copies it there.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace kiln {
 
-// Appends the staging segment for `pieces` at `stageAddress` (1..65535), and the segment that makes the loader run it.
-// False when it does not fit, which has been printed then; the image is as it was.
+// Appends the staging segment for `pieces` at `stageAddress` (1..65535), and the record that makes the loader call it.
+// False when it does not fit: a message has been printed, and the image is unchanged.
 bool stageShadow(Image& image, uint32_t stageAddress, const std::vector<Piece>& pieces, Console& console);
 
 }  // namespace kiln

@@ -11,8 +11,8 @@
 
 namespace kiln {
 
-// The segments in list order, the staged code, and last the run address (0..65535). Absent when the staging fails,
-// which has been printed then.
+// The segments in list order, the staged code, and last the run address (0..65535). Absent, after a printed
+// message, when the staging fails.
 std::optional<Image> writeXex(const std::vector<AsSegment>& segments, const ShadowPlan& plan, uint32_t runAddress,
                               Console& console);
 
