@@ -1,6 +1,6 @@
 // The memory under the OS ROM cannot be filled while a file loads: the loader is part of that ROM. So the bytes that
 // belong there are loaded elsewhere, as one segment at the stage address, and the loader is made to call that address
-// before it reads on. The copy stub is there, which hides the ROM, copies, and shows the ROM again:
+// before it reads on. The copy stub there hides the ROM, copies, and shows the ROM again:
 //
 //     stage address + 0     the copy stub, 109 bytes
 //                   + 109   the copy table: source, destination and length of every piece, a word each,

@@ -7,7 +7,7 @@
 namespace kiln {
 namespace {
 
-// As it stands before the last "/", so that no candidate differs from what the source says.
+// The path before its last "/", not normalised, so that every candidate is the path that the source gives.
 std::string_view directoryAsWritten(std::string_view path) {
   const size_t slash = path.rfind('/');
   if (slash == std::string_view::npos) return {};

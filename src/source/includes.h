@@ -10,13 +10,13 @@
 
 namespace kiln {
 
-// The text of an included file: looked for beside the including file, whose path is taken as written, then in each of
-// `directories`. A file that is not well-formed UTF-8 is passed over like one that cannot be read. Absent when no
-// candidate is left.
+// The text of an included file, from the directory of the including file, whose path is taken as written, or else from
+// the first of `directories` that has it. A file that is not well-formed UTF-8 is skipped like one that cannot be read.
+// Absent when there is no such file.
 std::optional<std::string> findInclude(const FileReader& files, const std::vector<std::string>& directories,
                                        std::string_view name, std::string_view includingPath);
 
-// The name in the argument of ".include ": without white space around it and without its quotes or angle brackets.
+// The name in the argument of ".include ": trimmed, without its quotes or angle brackets.
 std::string_view includeName(std::string_view argument);
 
 }  // namespace kiln

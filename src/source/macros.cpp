@@ -9,19 +9,19 @@
 namespace kiln {
 namespace {
 
-// A label is seen before a macro's name only when its colon stands in the first columns.
+// A label before a macro's name is recognised only if its colon is in the first columns.
 constexpr size_t labelColumns = 20;
 
-// What a line takes of the expansion room beside its text, for its place in the list of lines.
+// What a line costs besides its text, for its place in the list of lines.
 constexpr uint64_t lineCost = 16;
-// A search for a parameter takes as much as an eighth of the text in which it searches and some more, and as a short
-// text for each place where it finds one.
+// A search for a parameter costs `searchCost`, and one more for each `searchedPerByte` characters of the line. Each
+// replacement costs `placeCost` besides its text.
 constexpr uint64_t searchCost = 8;
 constexpr uint64_t searchedPerByte = 8;
 constexpr uint64_t placeCost = 16;
 
-// Which parameter of a macro stands first in a line is looked up when the line is read, so that a call need not search
-// for those that do not (a tenth of the time of a source of macro calls); but not for any number of them.
+// Up to this many parameters are searched for in a line of the body when it is read, until one is found. Calls then do
+// not search for the ones that are not there (a tenth of the time of a source of macro calls).
 constexpr size_t lookedUp = 16;
 
 struct Call {
@@ -73,6 +73,8 @@ const Macro* MacroTable::find(std::string_view name) const {
   return at == byName_.end() ? nullptr : &macros_[at->second];
 }
 
+// Appends the lines of the body. Parameters are replaced one after the other, so a later one is also replaced where the
+// argument of an earlier one has its name. Stops when the room is exhausted.
 void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines) {
   values_.clear();
   Fields fields(arguments, ',');
@@ -80,13 +82,13 @@ void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, 
   while (!arguments.empty() && fields.next(value))
     values_.push_back(trim(value));
   for (const Macro::Line& line : macro.body) {
-    const std::string_view made = replaceParameters(macro, line);
-    if (!room_.take(made.size() + lineCost)) return;
-    addMade(made, lines);
+    const std::string_view expanded = replaceParameters(macro, line);
+    if (!room_.take(expanded.size() + lineCost)) return;
+    addExpanded(expanded, lines);
   }
 }
 
-// The line with the arguments in place of the parameters; good until the next call, and of no use when the room is
+// The line with the arguments in place of the parameters; valid until the next call, and incomplete when the room is
 // exhausted.
 std::string_view MacroExpander::replaceParameters(const Macro& macro, const Macro::Line& line) {
   const size_t pairs = std::min(values_.size(), macro.parameters.size());
@@ -107,8 +109,8 @@ std::string_view MacroExpander::replaceParameters(const Macro& macro, const Macr
   return text;
 }
 
-// Writes the text into `replaced_` with the argument for every occurrence of the name, from left to right. The first of
-// them is known. Leaves off when the room is exhausted.
+// Copies the text to `replaced_` with the argument in place of the name, wherever it occurs; `at` is the first place.
+// Stops when the room is exhausted.
 void MacroExpander::replaceAll(std::string_view text, size_t at, std::string_view name, std::string_view argument) {
   replaced_.clear();
   size_t copied = 0;
@@ -123,14 +125,14 @@ void MacroExpander::replaceAll(std::string_view text, size_t at, std::string_vie
   room_.take(cost);
 }
 
-// Lines that are made one after the other are laid down with line ends between them, and so are one piece of the list:
-// a million calls of short macros would else need as much room for the list as for the text.
-void MacroExpander::addMade(std::string_view line, SourceLines& lines) {
-  char* const made = texts_.allocate(line.size() + 1);
-  if (!line.empty()) std::memcpy(made, line.data(), line.size());
-  made[line.size()] = '\n';
-  appendLine(lines, {made, line.size()}, made == nextMade_);
-  nextMade_ = made + line.size() + 1;
+// Lines expanded one after the other are stored with line ends between them, as one piece of the list. Otherwise the
+// list would take as much memory as the text of a million calls of short macros.
+void MacroExpander::addExpanded(std::string_view line, SourceLines& lines) {
+  char* const stored = texts_.allocate(line.size() + 1);
+  if (!line.empty()) std::memcpy(stored, line.data(), line.size());
+  stored[line.size()] = '\n';
+  appendLine(lines, {stored, line.size()}, stored == nextExpanded_);
+  nextExpanded_ = stored + line.size() + 1;
 }
 
 size_t findMacroCall(const MacroTable& macros, const SourceLines& lines, size_t begin, size_t end) {
@@ -146,19 +148,19 @@ void MacroExpander::expand(const MacroTable& macros, SourceLines& lines, size_t 
   const std::vector<SourceLines::Piece> originals = lines.takePieces(begin);
   LineReader reader(originals);
   std::string_view line;
-  bool isKept = false;  // the line before was no call and stands in the list as it was
+  bool isKept = false;  // the line before was no call and is in the list unchanged
   while (reader.next(line)) {
     const Call call = findCall(macros, line);
     if (call.macro == nullptr) {
       appendLine(lines, line, isKept && reader.follows());
       isKept = true;
-      nextMade_ = nullptr;
+      nextExpanded_ = nullptr;
       continue;
     }
     isKept = false;
     if (!call.label.empty()) {
       lines.add(call.label);
-      nextMade_ = nullptr;
+      nextExpanded_ = nullptr;
     }
     instantiate(*call.macro, call.arguments, lines);
     if (room_.isExhausted()) return;

@@ -16,8 +16,8 @@ namespace kiln {
 struct Macro {
   struct Line {
     std::string_view text;  // as written, indentation and comments included
-    size_t parameter;       // none before this one stands in it
-    size_t at;              // where this one does; npos when that is not known
+    size_t parameter;       // no parameter before this one occurs in the text
+    size_t at;              // where this one occurs; npos = unknown
   };
 
   // Appends a line to the body.
@@ -27,16 +27,16 @@ struct Macro {
   std::vector<Line> body;
 };
 
-// All macros of a run. The last definition of a name holds.
+// All macros of a run. The last definition of a name counts.
 class MacroTable {
  public:
-  // The new macro, with an empty body. `head` is the text behind ".macro ": a name, then the parameters.
+  // The new macro, with an empty body. `head` is the text after ".macro ": a name, then the parameters.
   Macro& define(std::string_view head);
 
-  // Letter case counts. Null when there is none.
+  // Case-sensitive. Null when there is none.
   const Macro* find(std::string_view name) const;
 
-  // Definitions so far, repeated ones included: when it has not changed, no line has another meaning than before.
+  // Definitions so far, repeated ones included. While it is unchanged, every line keeps its meaning.
   size_t count() const { return macros_.size(); }
 
  private:
@@ -44,11 +44,11 @@ class MacroTable {
   std::unordered_map<std::string_view, size_t, NameHash> byName_;
 };
 
-// How much macros and includes may still add to the source: a few lines of either can ask for more than any memory
-// holds, and a run shall say so instead of trying.
+// How much text macros and includes may still add to the source. A few lines of either can ask for more than any memory
+// holds, so the run ends with a message when the room is exhausted.
 class ExpansionRoom {
  public:
-  // False when that much is not left; from then on nothing is.
+  // False when less than that is left, which exhausts the room.
   bool take(uint64_t bytes) {
     left_ = has(bytes) ? left_ - bytes : 0;
     return left_ != 0;
@@ -61,35 +61,31 @@ class ExpansionRoom {
   uint64_t left_ = uint64_t{1} << 30;
 };
 
-// Writes macro calls out. Its scratch memory serves call after call.
+// Expands macro calls.
 class MacroExpander {
  public:
-  // `texts` takes the lines that are made, as long as there is `room` for them.
+  // Expanded lines are stored in `texts`, as long as there is `room` for them.
   MacroExpander(TextStore& texts, ExpansionRoom& room) : texts_(texts), room_(room) {}
 
-  // Appends the body lines with each parameter that has an argument replaced by it: one parameter after the other, so
-  // that a later one also applies to what an earlier one brought in. `arguments` is the text behind the macro's name.
-  // Leaves off when the room is exhausted.
-  void instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines);
-
-  // Replaces every line from piece `begin` on that calls a macro. What a macro gives is not looked at again.
-  // Leaves off when the room is exhausted.
+  // Replaces every line from piece `begin` on that calls a macro. The result is not expanded again. Stops when the room
+  // is exhausted.
   void expand(const MacroTable& macros, SourceLines& lines, size_t begin);
 
  private:
+  void instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines);
   std::string_view replaceParameters(const Macro& macro, const Macro::Line& line);
   void replaceAll(std::string_view text, size_t at, std::string_view name, std::string_view argument);
-  void addMade(std::string_view line, SourceLines& lines);
+  void addExpanded(std::string_view line, SourceLines& lines);
 
   TextStore& texts_;
   ExpansionRoom& room_;
-  std::vector<std::string_view> values_;
+  std::vector<std::string_view> values_;  // the arguments of the current call
   std::string line_;
   std::string replaced_;
-  const char* nextMade_ = nullptr;  // where a line must be made to follow the one added last; null when none can
+  const char* nextExpanded_ = nullptr;  // a line stored here follows the last line of the list; null when none can
 };
 
-// The index of the first of pieces [begin, end) that has a line which calls a macro; `end` when none does.
+// The index of the first piece in [begin, end) with a macro call; `end` when there is none.
 size_t findMacroCall(const MacroTable& macros, const SourceLines& lines, size_t begin, size_t end);
 
 }  // namespace kiln
