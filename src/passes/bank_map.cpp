@@ -60,7 +60,7 @@ class BankMapper {
   BankMap map_;
   bool isCloaked_ = false;
   bool inRun_ = false;                // the last main run is still growing
-  bool named_ = false;                // labels belong to the bank of the last ".bank"
+  bool isAfterBank_ = false;          // no origin since the last ".bank", so labels are in its bank
   std::optional<BankValue> current_;  // of the last ".bank"
 };
 
@@ -80,15 +80,12 @@ BankMap BankMapper::run() {
 
 void BankMapper::visit(const AsLine& line, HashedName label) {
   const size_t index = line.lineNumber - 1;
-  if (!label.empty() && named_) map_.symbols[known(label).index] = {true, current_};
+  if (!label.empty() && isAfterBank_) map_.symbols[known(label).index] = {true, current_};
   if (label.text() == stageLabel) map_.stageLine = index;
   switch (line.kind) {
     case Kind::Org:
-      named_ = false;
-      endRun(index);
-      break;
     case Kind::Bank:
-      named_ = true;
+      isAfterBank_ = line.kind == Kind::Bank;
       endRun(index);
       break;
     case Kind::CloakedSegment:
@@ -98,18 +95,7 @@ void BankMapper::visit(const AsLine& line, HashedName label) {
     case Kind::Assign:
       assign(line);
       break;
-    case Kind::Empty:
-    case Kind::LabelOnly:
-    case Kind::Instruction:
-    case Kind::Byte:
-    case Kind::Word:
-    case Kind::Long:
-    case Kind::String:
-    case Kind::Space:
-    case Kind::CodeRegions:
-    case Kind::SpillPoint:
-    case Kind::ShadowRanges:
-    case Kind::ShadowStage:
+    default:
       break;
   }
   walker_.step(line);
