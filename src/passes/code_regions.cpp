@@ -29,7 +29,7 @@
 namespace kiln {
 namespace {
 
-constexpr int64_t reserve = 9;  // no statement may reach into the last bytes of a region: so many, and one more
+constexpr int64_t reserve = 10;  // bytes at the end of a region that no statement may reach into
 constexpr uint32_t bridgeSize = 3;
 
 bool endsExecution(const AsLine* line) {
@@ -112,7 +112,7 @@ void RegionGuard::checkOverflow(const AsLine& line, uint32_t pc) {
 RegionGuard::Spill RegionGuard::spill(const AsLine& line, const AsLine* previous, uint32_t pc) {
   if (!watches(line) || isLast()) return {};
   const int64_t end = regions_.end(current_);
-  if (end < reserve || int64_t{pc} + line.size <= end - reserve) return {};
+  if (end + 1 < reserve || int64_t{pc} + line.size + reserve <= end + 1) return {};
   if (endsExecution(previous) || line.kind == Kind::Space) return {{}, makeOrg(nextStartText(), line.lineNumber)};
   if (previous != nullptr && previous->longBranchMarked) return {};
   if (int64_t{pc} + bridgeSize > end + 1) {

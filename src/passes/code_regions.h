@@ -59,7 +59,8 @@ class RegionGuard {
   // The program counter has been set to the start of the next region, which becomes the current one.
   void enterNext();
   // Code in a cloaked segment is not checked.
-  void suspend(bool suspended) { suspended_ = suspended; }
+  void suspend() { suspended_ = true; }
+  void resume() { suspended_ = false; }
 
   // Reports a statement at `pc` that runs past the last region; once a pass.
   void checkOverflow(const AsLine& line, uint32_t pc);

@@ -128,14 +128,6 @@ void LayoutPass::defineLabel(const AsLine& line, HashedName label) {
 void LayoutPass::layOutByKind(AsLine& line) {
   Evaluator& evaluator = iteration_.evaluator;
   switch (line.kind) {
-    case Kind::Instruction:
-    case Kind::Byte:
-    case Kind::Word:
-    case Kind::Long:
-    case Kind::String:
-    case Kind::Space:
-      pc_ = (pc_ + line.size) & 0xFFFF;
-      break;
     case Kind::Org:
       setOrigin(evaluator.evaluate(line.operand()));
       guard_.locate(pc_);
@@ -145,10 +137,10 @@ void LayoutPass::layOutByKind(AsLine& line) {
       break;
     case Kind::CloakedSegment:
       moveTo(low16(evaluator.evaluate(line.firstItem())));
-      guard_.suspend(true);
+      guard_.suspend();
       break;
     case Kind::CloakedSegmentEnd:
-      guard_.suspend(false);
+      guard_.resume();
       break;
     case Kind::CodeRegions:
       guard_.declare(parseAddressRanges(line.operand(), line.lineNumber, evaluator, diagnostics_));
@@ -163,10 +155,8 @@ void LayoutPass::layOutByKind(AsLine& line) {
     case Kind::Assign:
       assign(line);
       break;
-    case Kind::Empty:
-    case Kind::LabelOnly:
-    case Kind::SpillPoint:
-      break;
+    default:
+      pc_ = (pc_ + line.size) & 0xFFFF;
   }
 }
 
