@@ -71,6 +71,12 @@ std::vector<Call> findCalls(const Iteration& iteration) {
   return calls;
 }
 
+// Lines to be put after a source line.
+struct Addition {
+  size_t line;  // index of the source line
+  std::vector<std::string_view> lines;
+};
+
 class CallStager {
  public:
   CallStager(Iteration& iteration, const SourceLines& lines, const BankedSettings& settings,
@@ -93,7 +99,7 @@ class CallStager {
   size_t targetNumber(std::string_view operand);
   std::string_view editLine(std::string_view line, const Call* begin, const Call* end);
   void putRoutines(size_t firstTarget);
-  size_t choosePlace(uint32_t size, std::vector<std::string_view>& lead);
+  Addition choosePlace(uint32_t size);
   size_t lineBeforeCommon();
   const MainRun* largestRun(uint32_t size) const;
   bool hasRoom(const MainRun& run, uint32_t size, const std::vector<uint32_t>& starts) const;
@@ -215,19 +221,14 @@ LineEdit& CallStager::editAt(size_t line) {
 void CallStager::putRoutines(size_t firstTarget) {
   const BankRegisters bankRegisters = registers();
   const size_t count = state_.stageTargets.operands.size();
-  std::vector<std::string_view> code;
-  size_t place = 0;
-  if (firstTarget == 0) {
-    const uint32_t routineSize = stageRoutineSize(bankRegisters) * static_cast<uint32_t>(count);
-    place = choosePlace(routineSize + stageCommonSize(bankRegisters), code);
-  } else {
-    place = lineBeforeCommon();
-  }
+  const uint32_t routineSize = stageRoutineSize(bankRegisters) * static_cast<uint32_t>(count);
+  Addition code =
+      firstTarget == 0 ? choosePlace(routineSize + stageCommonSize(bankRegisters)) : Addition{lineBeforeCommon(), {}};
   for (size_t i = firstTarget; i < count; ++i)
-    appendStageRoutine(i, bankRegisters, state_.texts, code);
-  if (firstTarget == 0) appendStageCommon(bankRegisters, state_.texts, code);
-  std::vector<std::string_view>& lines = editAt(place).lines;
-  lines.insert(lines.end(), code.begin(), code.end());
+    appendStageRoutine(i, bankRegisters, state_.texts, code.lines);
+  if (firstTarget == 0) appendStageCommon(bankRegisters, state_.texts, code.lines);
+  std::vector<std::string_view>& lines = editAt(code.line).lines;
+  lines.insert(lines.end(), code.lines.begin(), code.lines.end());
 }
 
 // The index of the line before the shared code, which earlier routines end with. The source may have a label of that
@@ -243,20 +244,21 @@ size_t CallStager::lineBeforeCommon() {
   return 0;
 }
 
-// The index of the line after which `size` bytes are put. `lead` gets the lines that have to come first.
-size_t CallStager::choosePlace(uint32_t size, std::vector<std::string_view>& lead) {
+// Where `size` bytes of code are put, with the lines that have to come before them.
+Addition CallStager::choosePlace(uint32_t size) {
   if (map_.stageLine.has_value()) {
     if (!map_.stageInMain) {
       rewrite_.error = {static_cast<uint32_t>(*map_.stageLine) + 1,
                         concat({"'", stageLabel, "' must lie in main memory"})};
     }
-    return *map_.stageLine;
+    return {*map_.stageLine, {}};
   }
-  if (const MainRun* const run = largestRun(size)) return run->lastLine;
+  if (const MainRun* const run = largestRun(size)) return {run->lastLine, {}};
+  std::vector<std::string_view> lead;
   if (map_.endsCloaked) lead.push_back(state_.texts.join({"    .cloaked_segment_end", stageComment}));
   const std::string origin = dollarHex(withDefaults(settings_).mainRegionLow);
   lead.push_back(state_.texts.join({"    .org ", origin, stageComment}));
-  return lineCount_ - 1;
+  return {lineCount_ - 1, std::move(lead)};
 }
 
 // The largest run with room after it, or the largest of all when none has; null when there is no run.

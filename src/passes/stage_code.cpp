@@ -167,11 +167,15 @@ constexpr CodeLine common[] = {
     {">_kxb_bankhigh: .space 128", 128, With::TwoRegisters},
 };
 
+bool isNeeded(const CodeLine& line, const BankRegisters& registers) {
+  return line.with != (registers.high.has_value() ? With::OneRegister : With::TwoRegisters);
+}
+
 template <size_t Count>
 uint32_t sizeOf(const CodeLine (&code)[Count], const BankRegisters& registers) {
   uint32_t size = 0;
   for (const CodeLine& line : code) {
-    if (line.with == (registers.high.has_value() ? With::OneRegister : With::TwoRegisters)) continue;
+    if (!isNeeded(line, registers)) continue;
     const bool longLow = line.text.find("{low}") != std::string_view::npos && registers.low > 0xFF;
     const bool longHigh = line.text.find("{high}") != std::string_view::npos && registers.high.value_or(0) > 0xFF;
     size += line.size + (longLow || longHigh ? 1U : 0U);
@@ -185,7 +189,7 @@ void append(const CodeLine (&code)[Count], const std::string& target, const Bank
   const std::string low = dollarHex(registers.low, 2);
   const std::string high = dollarHex(registers.high.value_or(0), 2);
   for (const CodeLine& line : code) {
-    if (line.with == (registers.high.has_value() ? With::OneRegister : With::TwoRegisters)) continue;
+    if (!isNeeded(line, registers)) continue;
     const size_t open = line.text.find('{');
     if (open == std::string_view::npos) {
       lines.push_back(texts.join({line.text, stageComment}));
