@@ -139,9 +139,12 @@ void CallStager::setSymbols() {
     const BankValue* const bank = bankOf(operands[i]);
     const uint32_t value = bank == nullptr ? 0U : bank->value;
     const int64_t target = iteration_.evaluator.evaluate(operands[i]);
-    iteration_.symbols.set(stageSymbolName(i, 'a', iteration_.texts), wrappingSubtract(target, 1));
-    iteration_.symbols.set(stageSymbolName(i, 'v', iteration_.texts), value & 0xFF);
-    iteration_.symbols.set(stageSymbolName(i, 'h', iteration_.texts), value >> 8);
+    const auto set = [this, i](StageSymbol symbol, int64_t to) {
+      iteration_.symbols.set(stageSymbolName(i, symbol, iteration_.texts), to);
+    };
+    set(StageSymbol::AddressLessOne, wrappingSubtract(target, 1));
+    set(StageSymbol::BankLow, value & 0xFF);
+    set(StageSymbol::BankHigh, value >> 8);
   }
 }
 

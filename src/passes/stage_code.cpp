@@ -6,23 +6,24 @@
 //     the stack on entry          on entry of draw             the ring
 //     $01FD  $4123-1 of bank 2    $01FD  _kxb_return-1         $4123-1, bank 2
 //
-// The RTS of `draw` leads to _kxb_return, which takes the entry back, selects bank 2 and goes on at $4123. Everything
-// above the return address, where arguments may lie, stays where it is.
+// The RTS of `draw` leads to _kxb_return, which takes the entry back, selects bank 2 and continues at $4123. Everything
+// above the return address, where arguments may be, is not moved.
 //
 // A JMP into another bank goes the same way. When the address on top of the stack is that of _kxb_return already, a
 // caller further up is noted and nothing is added: so the target's RTS leads to that caller, and a program that jumps
-// from bank to bank for ever fills nothing. Whatever else is on top of the stack is taken for a return address.
+// from bank to bank without end does not fill the ring. Anything else on top of the stack is taken for a return
+// address.
 //
 // Interrupts may come between any two instructions, and their handlers may make staged calls, as long as they come back
 // with the stack and the ring as they were. An entry is reserved by one INC before anything is written to it; a handler
 // uses the entries above. All temporaries are on the stack. The bank is noted in __bank_current before the register is
-// set: a handler that comes in between puts the register to the noted bank on its way out, which is where it is bound
-// for anyway.
+// set: a handler that comes in between sets the register to the noted bank when it returns, which is the bank to be
+// selected anyway.
 //
 // The stack is reached through X, which steps from byte to byte and so never leaves the page, whatever S is. The ring
 // has 128 entries: when calls nest deeper, the oldest return is lost, and nothing else.
 //
-// With one register in zero page a call takes 278 cycles more than a direct one, and a jump behind a noted return 128
+// With one register in zero page a call takes 278 cycles more than a direct one, and a jump after a noted return 128
 // more. The code takes 17 bytes for each target and 138 once, the data 386 once.
 #include "passes/stage_code.h"
 
@@ -212,8 +213,9 @@ std::string_view stageRoutineName(size_t target, TextStore& texts) {
   return texts.join({"_kxb_", decimal(static_cast<int64_t>(target))});
 }
 
-std::string_view stageSymbolName(size_t target, char part, TextStore& texts) {
-  return texts.join({"_kxb_", decimal(static_cast<int64_t>(target)), std::string_view(&part, 1)});
+std::string_view stageSymbolName(size_t target, StageSymbol symbol, TextStore& texts) {
+  const char letter = static_cast<char>(symbol);
+  return texts.join({"_kxb_", decimal(static_cast<int64_t>(target)), {&letter, 1}});
 }
 
 void appendStageRoutine(size_t target, const BankRegisters& registers, TextStore& texts,
