@@ -20,7 +20,7 @@ BankCounters::BankCounters(const BankedSettings& settings) : settings_(withDefau
 std::optional<BankValue> BankCounters::next(uint32_t start, int32_t bank) {
   if (!isWithin(start, settings_.bankWindowLow, settings_.bankWindowHigh)) return std::nullopt;
   const BankKind kind = kindAt(start);
-  // A segment with its own number uses up a number all the same.
+  // A segment with its own number uses up a number, too.
   const uint16_t counted = counters_[static_cast<size_t>(kind)]++;
   const bool hasOwn = kind == BankKind::Plain && bank >= 0;
   return BankValue{kind, hasOwn ? static_cast<uint16_t>(bank & 0xFFFF) : counted};

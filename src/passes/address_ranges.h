@@ -1,4 +1,4 @@
-// Lists of address ranges as the directives write them: $2000-$2FFF,$4000-$4FFF.
+// Lists of address ranges: $2000-$2FFF,$4000-$4FFF.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,9 @@
 
 namespace kiln {
 
-// Start and end of each range in turn, inclusive, 0..65535. Entries before a malformed one are kept; an invalid range
-// leaves none at all. Both are errors that name the code regions, also where the list is one of shadow ranges.
+// Start and end of each range in turn, inclusive, 0..65535. Reading stops with an error at a malformed entry, which
+// keeps the ranges before it, and at an invalid range, which drops them all. The messages name .code_regions, even for
+// a list of shadow ranges.
 std::vector<uint32_t> parseAddressRanges(std::string_view list, uint32_t lineNumber, Evaluator& evaluator,
                                          Diagnostics& diagnostics);
 

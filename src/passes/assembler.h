@@ -41,13 +41,13 @@ struct Settings {
   BankedSettings banking;           // the bank window is the code window: both ends 0 = none
 };
 
-// What one iteration finds out. Each iteration has its own, so nothing of an earlier one is left in it.
+// The results of one iteration. Each iteration starts with a new one, so nothing is left over from the one before.
 struct Iteration {
   explicit Iteration(MessageList& warnings) : evaluator(symbols, warnings) {}
   Iteration(const Iteration&) = delete;
   Iteration& operator=(const Iteration&) = delete;
 
-  TextStore texts;  // put together while parsing and laying out
+  TextStore texts;  // made by parsing and layout
   SymbolTable symbols;
   Evaluator evaluator;
   Statements statements;
@@ -65,7 +65,7 @@ struct StageTargets {
 // What the rewriters carry from iteration to iteration.
 struct RewriteState {
   TextStore texts;                // the lines that they write
-  uint32_t longBranchLabels = 0;  // how many there are so far
+  uint32_t longBranchLabels = 0;  // used so far
   StageTargets stageTargets;
 };
 
@@ -76,7 +76,7 @@ struct Assembler {
   TextStore texts;
   SourceLines lines;  // the expanded source; the rewriters change it between iterations
   RewriteState rewriteState;
-  ShadowPlan shadowPlan;               // the last directives of any iteration
+  ShadowPlan shadowPlan;               // from the last directives, of any iteration
   std::optional<Iteration> iteration;  // the last one
   std::vector<AsSegment> segments;     // filled by the emission pass
 };

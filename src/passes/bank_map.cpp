@@ -59,7 +59,7 @@ class BankMapper {
   BankCounters counters_;
   BankMap map_;
   bool isCloaked_ = false;
-  bool inRun_ = false;                // the last main run is still growing
+  bool inRun_ = false;                // the next bytes may belong to the last main run
   bool isAfterBank_ = false;          // no origin since the last ".bank", so labels are in its bank
   std::optional<BankValue> current_;  // of the last ".bank"
 };
@@ -101,7 +101,7 @@ void BankMapper::visit(const AsLine& line, HashedName label) {
   walker_.step(line);
 }
 
-// What follows goes somewhere else.
+// The next bytes are somewhere else.
 void BankMapper::endRun(size_t lineIndex) {
   if (inRun_ && map_.mainRuns.back().lastLine == lineIndex) map_.mainRuns.back().isSplit = true;
   inRun_ = false;

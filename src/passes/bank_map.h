@@ -29,7 +29,7 @@ struct MainRun {
   uint32_t start = 0;
   uint64_t size = 0;
   size_t lastLine = 0;   // index of the source line with its last byte
-  bool isSplit = false;  // that line goes on somewhere else, so nothing can be put after it
+  bool isSplit = false;  // that line continues somewhere else, so nothing can be put after it
 };
 
 // Whether a symbol is a label after a ".bank", or a name assigned from one, and its bank then.
@@ -50,7 +50,7 @@ struct BankMap {
 // The label that says where generated code goes.
 inline constexpr std::string_view stageLabel = "__bank_stage";
 
-// Follows the statements once they are laid out. Gives no warnings.
+// The statements must be laid out. Gives no warnings.
 BankMap mapBanks(Iteration& iteration, const BankedSettings& settings, const MainMemory& mainMemory);
 
 }  // namespace kiln

@@ -1,4 +1,4 @@
-// A program whose memory lies in pieces declares them:
+// A program whose memory is in pieces declares them:
 //
 //     .code_regions $2000-$20FF,$3000-$3FFF
 //
@@ -92,7 +92,7 @@ void RegionGuard::enterNext() {
   inRegion_ = true;
 }
 
-// A later list may be shorter than the number reached so far, which then counts as the last region.
+// A later list may have fewer regions than have been passed; its last one is then the current one.
 size_t RegionGuard::current() const { return std::min(current_, regions_.count() - 1); }
 
 bool RegionGuard::watches(const AsLine& line) const {

@@ -62,7 +62,7 @@ class RegionGuard {
   void suspend() { suspended_ = true; }
   void resume() { suspended_ = false; }
 
-  // Reports a statement at `pc` that runs past the last region; once a pass.
+  // Reports a statement at `pc` that runs past the last region, once per pass.
   void checkOverflow(const AsLine& line, uint32_t pc);
 
   // Statements to be inserted: none, the ".org" of the next region, or a bridge and the ".org".

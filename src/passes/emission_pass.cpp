@@ -13,7 +13,7 @@
 namespace kiln {
 namespace {
 
-// Twice the bytes in 65,536 banks of 16 KB. A larger count is a negative number that was meant to be something else.
+// For all ".space" together: twice the bytes of 65,536 banks of 16 KB. A larger count is a negative number by mistake.
 constexpr uint64_t mostSpace = uint64_t{1} << 31;
 
 // The opcode of an instruction, -1 when there is none, and the mode that it is for.
@@ -22,7 +22,7 @@ struct Encoding {
   Mode mode;
 };
 
-// A mode that the mnemonic lacks gives way to its absolute form, whose size then counts even when that is missing, too.
+// A mode that the mnemonic lacks is replaced by its absolute form, whose size counts even if that is missing, too.
 Encoding encodingOf(const AsLine& line) {
   const int opcode = opcodeFor(line.mnemonic, line.mode);
   if (opcode >= 0) return {opcode, line.mode};

@@ -7,8 +7,8 @@
 
 namespace kiln {
 
-// The bytes of all statements. Errors in operands are recorded, and the pass runs to its end all the same.
-// `bankOrigin` is where code begins behind a ".bank", 0..65535.
+// The bytes of all statements. Errors in operands are recorded and do not end the pass. `bankOrigin` is where code
+// begins after a ".bank", 0..65535.
 std::vector<AsSegment> emit(Iteration& iteration, uint32_t bankOrigin, Diagnostics& diagnostics);
 
 }  // namespace kiln

@@ -115,7 +115,7 @@ void LayoutPass::layOutStatement(AsLine& line, HashedName label) {
   layOutByKind(line);
 }
 
-// A label may replace a seed without a message, and nothing else.
+// A label that is not local may replace nothing but a seed.
 void LayoutPass::defineLabel(const AsLine& line, HashedName label) {
   const auto [symbol, isNew] = iteration_.symbols.enter(label);
   if (!isNew && !line.labelLocal && symbol.seed == 0) {
@@ -165,7 +165,7 @@ void LayoutPass::moveTo(uint32_t address) {
   guard_.locate(pc_);
 }
 
-// An origin inside the code window begins a bank of its own, although no name leads to it.
+// An origin inside the code window takes a bank number, although no name refers to that bank.
 void LayoutPass::setOrigin(int64_t address) {
   pc_ = low16(address);
   const uint32_t low = settings_.banking.bankWindowLow;
@@ -192,7 +192,7 @@ void LayoutPass::setStageAddress(const AsLine& line) {
   }
 }
 
-// An alias of a banked label is banked like it.
+// A name assigned from a banked label is in its bank.
 void LayoutPass::assign(const AsLine& line) {
   const int64_t value = iteration_.evaluator.evaluate(line.assignValue());
   const Symbol* const source = iteration_.symbols.find(leadingSymbol(line.assignValue()));

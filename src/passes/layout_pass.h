@@ -5,7 +5,7 @@
 
 namespace kiln {
 
-// Lays out the statements of the iteration; statements that the code regions call for are inserted among them.
+// Lays out the statements of the iteration, and inserts those that the code regions need.
 void layOut(const Settings& settings, Diagnostics& diagnostics, ShadowPlan& shadowPlan, Iteration& iteration);
 
 }  // namespace kiln

@@ -18,7 +18,7 @@ struct LineEdit {
   std::vector<std::string_view> lines;
 };
 
-// What a rewriter wants to change.
+// The changes that a rewriter asks for.
 struct Rewrite {
   struct Error {
     uint32_t line;  // from 1, in the expanded source
@@ -30,7 +30,7 @@ struct Rewrite {
   std::optional<Error> error;   // why it cannot be done
 };
 
-// One sweep, however many edits there are.
+// Makes the edits in one sweep.
 void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits);
 
 }  // namespace kiln

@@ -12,8 +12,8 @@
 // which a code-region spill keeps together), so there are at most as many rewrites as branches; and the pipeline stops
 // after eight iterations in any case.
 //
-// Addresses are counted in a model of their own that knows origins and banks only. Code in cloaked segments therefore
-// has other addresses here than its labels have.
+// Addresses are counted anew here, from origins and banks only. So code in cloaked segments has other addresses here
+// than its labels have.
 #include "passes/long_branches.h"
 
 #include "base/arithmetic.h"

@@ -26,8 +26,7 @@ void parseAndLayOut(Assembler& assembler) {
   layOut(assembler.settings, assembler.diagnostics, assembler.shadowPlan, iteration);
 }
 
-// A progress line is one of the warnings of its iteration, which the next iteration drops: only that of the last
-// iteration is ever printed.
+// A progress line is a warning of its iteration. The next iteration drops it, so only the last one is printed.
 void noteProgress(Assembler& assembler, int round, std::string_view verb, size_t count, std::string_view noun,
                   std::string_view plural) {
   if (!assembler.settings.verbose) return;
@@ -67,7 +66,7 @@ bool assemble(Assembler& assembler) {
       return false;
     }
     if (rewrite.count == 0) break;
-    // After the last round the lines stay as the statements know them.
+    // After the last round the lines must match the statements.
     if (round < iterationLimit) applyEdits(assembler.lines, rewrite.edits);
   }
   // The layout is fixed below this line.

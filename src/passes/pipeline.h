@@ -5,8 +5,8 @@
 
 namespace kiln {
 
-// Assembles the lines. True when no error was recorded, those from before the call included. Afterwards the segments,
-// the last iteration and all messages stand in the assembler.
+// Assembles the lines. False when there are errors, recorded here or before. The segments, the last iteration and all
+// messages are in the assembler afterwards.
 bool assemble(Assembler& assembler);
 
 }  // namespace kiln

@@ -1,5 +1,5 @@
 // Where bytes go. Statements in source order become placements: a segment opens, a gap is filled, a statement's bytes
-// come next, the segment closes. Whatever depends on that order listens to this one walk.
+// come next, the segment closes. Every pass that depends on that order uses this walk.
 #pragma once
 
 #include <cstdint>

@@ -7,7 +7,7 @@
 
 namespace kiln {
 
-// The regions have to outlive it.
+// The regions must outlive it.
 class SegmentCursor {
  public:
   explicit SegmentCursor(const RegionList& regions) : regions_(regions) {}
@@ -22,9 +22,9 @@ class SegmentCursor {
 
   // A new segment at `address`, 0..65535.
   void open(uint32_t address);
-  // No segment from here on.
+  // There is no segment until the next open().
   void close() { isOpen_ = false; }
-  // `size` bytes for the open segment.
+  // Puts `size` bytes into the open segment.
   void advance(uint32_t size);
 
  private:

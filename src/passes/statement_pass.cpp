@@ -17,7 +17,7 @@ void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
 
 void parseStatements(const SourceLines& lines, Iteration& iteration) {
   StatementParser parser(iteration.evaluator, iteration.texts);
-  // One for each line, and some more, unless most lines are empty.
+  // Room for a statement on each line, and a few more; less when most lines are empty.
   iteration.statements.lines.reserve(std::min(lines.count() + lines.count() / 16, lines.size() / 8) + 1);
   LineReader reader(lines.pieces());
   std::string_view line;
