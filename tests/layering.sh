@@ -51,7 +51,7 @@ judge() {
     header=${BASH_REMATCH[1]}
     if [[ -f $header ]]; then
       echo "<$header> is a header of this project: write \"$header\""
-    elif [[ $header == *.h && $folder != host ]]; then
+    elif [[ $header == *.h && $header != emmintrin.h && $folder != host ]]; then
       echo "<$header> is a header of the operating system: only host may include it"
     fi
   else

@@ -133,8 +133,9 @@ TEST(Documents, ListInstructionsAndNames) {
   expectGenerated("instructions", table);
 
   std::set<std::string> names;
-  for (const NamedValue& equate : loadSeeds(MemoryHost(), {})) {
-    const std::string name = (equate.name + "       ").substr(0, 8);
+  const Seeds seeds = loadSeeds(MemoryHost(), {});
+  for (const Symbol& equate : seeds.symbols.symbols()) {
+    const std::string name = (std::string(equate.name) + "       ").substr(0, 8);
     names.insert((name + dollarHex(equate.value, equate.value > 0xFF ? 4 : 2) + "     ").substr(0, 16));
   }
   std::string list;

@@ -262,21 +262,22 @@ TEST(Settings, OfBankingComeFromOptionsAndTheLayout) {
     EXPECT_EQ(settledBanking(host, line), expected) << line;
 }
 
-using Seeds = std::vector<std::pair<std::string, int64_t>>;
+using Names = std::vector<std::pair<std::string, int64_t>>;
 
-Seeds settledSeeds(const MemoryHost& host, const std::string& line) {
+Names settledNames(const MemoryHost& host, const std::string& line) {
   Options options;
-  Seeds seeds;
-  for (const auto& [name, value] : settled(host, line, options).seeds)
-    seeds.emplace_back(name, value);
-  return seeds;
+  const Settings settings = settled(host, line, options);
+  Names names;
+  for (const Symbol& symbol : settings.seeds.symbols.symbols())
+    names.emplace_back(symbol.name, symbol.value);
+  return names;
 }
 
 TEST(Settings, OfNamesComeFromSymbolFiles) {
   MemoryHost host;
-  const Seeds equates = settledSeeds(host, "");
-  EXPECT_NE(std::find(equates.begin(), equates.end(), Seeds::value_type("RTCLOK", 0x12)), equates.end());
-  const std::pair<std::string, Seeds> rows[] = {
+  const Names equates = settledNames(host, "");
+  EXPECT_NE(std::find(equates.begin(), equates.end(), Names::value_type("RTCLOK", 0x12)), equates.end());
+  const std::pair<std::string, Names> rows[] = {
       // clang-format off
       {"RTCLOK = $14 ; clock\nFOO = 20\nBAR\nX = $12ZZ",     {{"RTCLOK", 0x14}, {"X", 0x12}}},
       {"A=$1\nB=$2\nA=$3",                                   {{"A", 3}, {"B", 2}}},
@@ -290,11 +291,11 @@ TEST(Settings, OfNamesComeFromSymbolFiles) {
       {"A=$\nB=$G\nC=$ 1\nD=B=$1\nE=0x10\nF=%1\nG=",         equates},
       // clang-format on
   };
-  for (const auto& [text, seeds] : rows) {
+  for (const auto& [text, names] : rows) {
     host.files["x.sym"] = text;
-    EXPECT_EQ(settledSeeds(host, "-s x.sym"), seeds) << text;
+    EXPECT_EQ(settledNames(host, "-s x.sym"), names) << text;
   }
-  EXPECT_EQ(settledSeeds(host, "-s no.sym"), equates);
+  EXPECT_EQ(settledNames(host, "-s no.sym"), equates);
 }
 
 TEST(Settings, OfNamesComeFromTheToolchain) {
@@ -310,9 +311,9 @@ TEST(Settings, OfNamesComeFromTheToolchain) {
       // clang-format on
   };
   host.directories = {"p/kl", "p/support", "./kl", "p/kl/atari/symbols", "p/kl/generic/symbols"};
-  EXPECT_EQ(settledSeeds(host, "x"), (Seeds{{"A", 1}, {"B", 2}, {"C", 7}}));
+  EXPECT_EQ(settledNames(host, "x"), (Names{{"A", 1}, {"B", 2}, {"C", 7}}));
   host.unreadable = {"p/kl/atari/symbols"};
-  EXPECT_EQ(settledSeeds(host, "x"), (Seeds{{"C", 7}}));
+  EXPECT_EQ(settledNames(host, "x"), (Names{{"C", 7}}));
 }
 
 }  // namespace

@@ -201,6 +201,10 @@ TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
        .line = "-f prg main.asm",
        .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
        .written = {{"main.prg", bytes("F0FF 01020304 05 07 000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
+  expectRun({.source = ".org $2002\nNOP\n.org $2000\nNOP",
+             .line = "-f prg main.asm",
+             .standardError = say("assembled 'main.asm' -> 'main.prg' (2 bytes, 2 segments)"),
+             .written = {{"main.prg", bytes("0020 EA 00 EA")}}});
   expectRun({".org 1", "-f prg main.asm", 1, say("error: cannot write 'main.prg'")});
 }
 

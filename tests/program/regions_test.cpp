@@ -41,6 +41,9 @@ TEST(Regions, SpillBeforeTheirLastTenBytes) {
       {".code_regions 0-9,$100-$102,$3000-$30FF\nNOP",   {{0, "4C0001"}, {0x100, "4C0030"}, {0x3000, "EA"}}},
       // The inverted branch of a long one is not cut off from its jump.
       {regions + "JMP 1\nNOP\nBNE far\nNOP\nfar: NOP",   {{0x2000, "4C0100 EA F003 4C0140 4C0040"}, {0x4000, "EA EA"}}},
+      // Only the line directly before counts: a comment in between brings the bridge back.
+      {regions + "JMP 1\nNOP\nRTS\nLDX #1",             {{0x2000, "4C0100 EA 60"}, {0x4000, "A201"}}},
+      {regions + "JMP 1\nNOP\nRTS\n ; c\nLDX #1",       {{0x2000, "4C0100 EA 60 4C0040"}, {0x4000, "A201"}}},
       // A mark holds the bridge off for one statement, also when it is on a line of its own.
       {regions + "JMP 1\nLDX #1\nINX\n\n; longbr\nINX\nINX", {{0x2000, "4C0100 A201 E8 E8 4C0040"}, {0x4000, "E8"}}},
       {regions + "JMP 1\nLDX #1\nINX\n; longbr\n\nINX",  {{0x2000, "4C0100 A201 E8 4C0040"}, {0x4000, "E8"}}},

@@ -128,11 +128,11 @@ TEST_F(Expression, IsSizedByPlainLiteralsAndKnownNamesOnly) {
       // clang-format on
   };
   for (const auto& [text, value] : rows)
-    EXPECT_EQ(evaluator.evaluateForSize(text, nameHash(text)), value) << text;
+    EXPECT_EQ(evaluator.sizingValue(text, nameHash(text)), value) << text;
   for (const char* other : {"PAGE", "page+1", "(page)", "<page", "0Fh", "later", "-1", ""})
-    EXPECT_EQ(evaluator.evaluateForSize(other, nameHash(other)), 256) << other;
+    EXPECT_EQ(evaluator.sizingValue(other, nameHash(other)), 256) << other;
   symbols.set("12", 300);
-  EXPECT_EQ(evaluator.evaluateForSize("12", 0), 12);
+  EXPECT_EQ(evaluator.sizingValue("12", 0), 12);
   EXPECT_TRUE(warnings.empty());
 }
 

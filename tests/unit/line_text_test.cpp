@@ -1,0 +1,76 @@
+// Physical lines, looked at in blocks of 64 bytes.
+#include "source/line_text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/text_store.h"
+#include "source/data_items.h"
+
+namespace kiln::test {
+namespace {
+
+// Trailing blanks change nothing, but a line longer than a block is looked at in another way.
+TEST(LineShape, IsTheSameForShortAndLongLines) {
+  TextStore texts;
+  const std::string specials[] = {"\"", ";", ":", "=", ",", ".", "\t", "\r", std::string(1, '\0'), " : ", "; longbr"};
+  for (size_t size : {0, 1, 31, 32, 33, 62, 63, 64, 65, 66}) {
+    for (const std::string& special : specials) {
+      for (size_t at = 0; at + special.size() <= size; ++at) {
+        const std::string line = std::string(size, 'a').replace(at, special.size(), special);
+        SCOPED_TRACE(line);
+        const LineShape shape(texts.join({line}));
+        const LineShape longer(texts.join({line, std::string(130, ' ')}));
+        EXPECT_EQ(shape.code(), longer.code());
+        EXPECT_EQ(shape.splits(), longer.splits());
+        EXPECT_EQ(shape.marked(), longer.marked());
+        EXPECT_TRUE(shape.has(Colon) || shape.code().find(':') == std::string_view::npos);
+        EXPECT_TRUE(shape.has(Equals) || shape.code().find('=') == std::string_view::npos);
+        EXPECT_TRUE(shape.has(Dot) || shape.code().find('.') == std::string_view::npos);
+      }
+    }
+  }
+}
+
+TEST(LineShape, KnowsTheBlanksAndCommasInEachPartOfALine) {
+  TextStore texts;
+  const std::string_view line = texts.join({"x: LDA a,\tb ; c, d"});
+  const LineShape shape(line);
+  EXPECT_EQ(shape.specialsIn(line.substr(7, 1)) & (Space | Tab | Comma), 0);
+  EXPECT_EQ(shape.specialsIn(line.substr(7, 2)) & (Space | Tab | Comma), Comma);
+  EXPECT_EQ(shape.specialsIn(line.substr(7, 4)) & (Space | Tab | Comma), Comma | Tab);
+  EXPECT_EQ(shape.specialsIn(line.substr(2, 5)) & (Space | Tab | Comma), Space);
+}
+
+// Empty items count nothing, wherever in a block they are.
+TEST(DataItems, AreCountedInListsOfEveryLength) {
+  TextStore texts;
+  for (size_t items = 1; items < 100; ++items) {
+    std::string list = "1";
+    for (size_t i = 1; i < items; ++i)
+      list += i % 3 == 0 ? ",1" : ",12";
+    EXPECT_EQ(countItems(texts.join({list})), items) << list;
+    for (size_t at = 1; at < list.size(); ++at) {
+      if (list[at] != ',') continue;
+      EXPECT_EQ(countItems(texts.join({list.substr(0, at), ",", list.substr(at)})), items) << at << " in " << list;
+      EXPECT_EQ(countItems(texts.join({list.substr(0, at), ", ", list.substr(at)})), items) << at << " in " << list;
+    }
+  }
+}
+
+// The address sanitizer notices when the padding is missing.
+TEST(TextStore, HasReadablePaddingAfterEachText) {
+  TextStore texts;
+  for (size_t size : {0, 1, 15, 16, 63, 64, 65, 65536, 100000}) {
+    const std::string text(size, 'x');
+    for (std::string_view kept : {texts.own(std::string(text)), texts.join({text})}) {
+      EXPECT_EQ(kept, text);
+      for (size_t i = 0; i < TextStore::padding; ++i)
+        EXPECT_EQ(static_cast<volatile const char*>(kept.data())[size + i], kept.data()[size + i]);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kiln::test
