@@ -51,7 +51,6 @@ struct Iteration {
   SymbolTable symbols;
   Evaluator evaluator;
   Statements statements;
-  size_t definitionCount = 0;                                  // labels and assignments among the statements
   RegionList codeRegions;                                      // as the last ".code_regions" declared them
   std::unordered_map<std::string_view, uint32_t> bankNumbers;  // by the operand of ".bank"
 };

@@ -82,22 +82,9 @@ void BankMapper::visit(const AsLine& line, HashedName label) {
   const size_t index = line.lineNumber - 1;
   if (!label.empty() && isAfterBank_) map_.symbols[known(label).index] = {true, current_};
   if (label.text() == stageLabel) map_.stageLine = index;
-  switch (line.kind) {
-    case Kind::Org:
-    case Kind::Bank:
-      isAfterBank_ = line.kind == Kind::Bank;
-      endRun(index);
-      break;
-    case Kind::CloakedSegment:
-    case Kind::CloakedSegmentEnd:
-      endRun(index);
-      break;
-    case Kind::Assign:
-      assign(line);
-      break;
-    default:
-      break;
-  }
+  if (line.kind == Kind::Assign) assign(line);
+  if (line.kind == Kind::Org || line.kind == Kind::Bank) isAfterBank_ = line.kind == Kind::Bank;
+  if (rowOf(line.kind).moves) endRun(index);
   walker_.step(line);
 }
 

@@ -155,8 +155,18 @@ void LayoutPass::layOutByKind(AsLine& line) {
     case Kind::Assign:
       assign(line);
       break;
-    default:
+    case Kind::Instruction:
+    case Kind::Byte:
+    case Kind::Word:
+    case Kind::Long:
+    case Kind::String:
+    case Kind::Space:
       pc_ = (pc_ + line.size) & 0xFFFF;
+      break;
+    case Kind::Empty:
+    case Kind::LabelOnly:
+    case Kind::SpillPoint:
+      break;
   }
 }
 
@@ -205,7 +215,7 @@ void LayoutPass::assign(const AsLine& line) {
 }  // namespace
 
 void layOut(const Settings& settings, Diagnostics& diagnostics, ShadowPlan& shadowPlan, Iteration& iteration) {
-  iteration.symbols.reserve(iteration.symbols.symbols().size() + iteration.definitionCount);
+  iteration.symbols.reserve(iteration.symbols.symbols().size() + iteration.statements.labels.size());
   LayoutPass(settings, diagnostics, shadowPlan, iteration).run();
 }
 

@@ -24,7 +24,6 @@ void parseStatements(const SourceLines& lines, Iteration& iteration) {
   uint32_t lineNumber = 0;
   while (reader.next(line))
     parser.parseLine(line, ++lineNumber, iteration.statements);
-  iteration.definitionCount = parser.definitionCount();
 }
 
 }  // namespace kiln

@@ -43,6 +43,7 @@ struct KindRow {
   Argument argument;
   uint8_t itemSize;
   bool emits;      // puts bytes into the output
+  bool moves;      // the next bytes are somewhere else
   bool qualifies;  // a reference to a local label in the operand gets the scope in front
 };
 
@@ -50,24 +51,24 @@ struct KindRow {
 // space match longer words too: .spill_pointer is a .spill_point.
 // clang-format off
 inline constexpr std::array kindRows = {
-    //       kind                     spelling                argument          item   emits  qualifies
-    KindRow{Kind::Empty,             "",                     Argument::None,   0,     false, false},
-    KindRow{Kind::LabelOnly,         "",                     Argument::None,   0,     false, false},
-    KindRow{Kind::Instruction,       "",                     Argument::None,   0,     true,  true},
-    KindRow{Kind::Assign,            "",                     Argument::None,   0,     false, false},
-    KindRow{Kind::Org,               ".org ",                Argument::Text,   0,     false, true},
-    KindRow{Kind::Byte,              ".byte ",               Argument::Items,  1,     true,  false},
-    KindRow{Kind::Word,              ".word ",               Argument::Items,  2,     true,  false},
-    KindRow{Kind::Long,              ".long ",               Argument::Items,  4,     true,  false},
-    KindRow{Kind::String,            ".string ",             Argument::Quoted, 0,     true,  false},
-    KindRow{Kind::Space,             ".space ",              Argument::Count,  0,     true,  true},
-    KindRow{Kind::CodeRegions,       ".code_regions ",       Argument::Text,   0,     false, true},
-    KindRow{Kind::Bank,              ".bank ",               Argument::Text,   0,     false, true},
-    KindRow{Kind::SpillPoint,        ".spill_point",         Argument::None,   0,     false, true},
-    KindRow{Kind::ShadowRanges,      ".shadow_ranges ",      Argument::Text,   0,     false, true},
-    KindRow{Kind::ShadowStage,       ".shadow_stage ",       Argument::Text,   0,     false, true},
-    KindRow{Kind::CloakedSegmentEnd, ".cloaked_segment_end", Argument::None,   0,     false, true},
-    KindRow{Kind::CloakedSegment,    ".cloaked_segment",     Argument::Text,   0,     false, true},
+    //       kind                     spelling                argument          item   emits  moves  qualifies
+    KindRow{Kind::Empty,             "",                     Argument::None,   0,     false, false, false},
+    KindRow{Kind::LabelOnly,         "",                     Argument::None,   0,     false, false, false},
+    KindRow{Kind::Instruction,       "",                     Argument::None,   0,     true,  false, true},
+    KindRow{Kind::Assign,            "",                     Argument::None,   0,     false, false, false},
+    KindRow{Kind::Org,               ".org ",                Argument::Text,   0,     false, true,  true},
+    KindRow{Kind::Byte,              ".byte ",               Argument::Items,  1,     true,  false, false},
+    KindRow{Kind::Word,              ".word ",               Argument::Items,  2,     true,  false, false},
+    KindRow{Kind::Long,              ".long ",               Argument::Items,  4,     true,  false, false},
+    KindRow{Kind::String,            ".string ",             Argument::Quoted, 0,     true,  false, false},
+    KindRow{Kind::Space,             ".space ",              Argument::Count,  0,     true,  false, true},
+    KindRow{Kind::CodeRegions,       ".code_regions ",       Argument::Text,   0,     false, false, true},
+    KindRow{Kind::Bank,              ".bank ",               Argument::Text,   0,     false, true,  true},
+    KindRow{Kind::SpillPoint,        ".spill_point",         Argument::None,   0,     false, false, true},
+    KindRow{Kind::ShadowRanges,      ".shadow_ranges ",      Argument::Text,   0,     false, false, true},
+    KindRow{Kind::ShadowStage,       ".shadow_stage ",       Argument::Text,   0,     false, false, true},
+    KindRow{Kind::CloakedSegmentEnd, ".cloaked_segment_end", Argument::None,   0,     false, true,  true},
+    KindRow{Kind::CloakedSegment,    ".cloaked_segment",     Argument::Text,   0,     false, true,  true},
 };
 // clang-format on
 

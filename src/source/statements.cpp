@@ -102,17 +102,13 @@ void StatementParser::parseStatement(std::string_view text, const LineShape& sha
       line.hasLabel = true;
       line.labelLocal = parts.isLocal;
       labels.push_back(openScope(parts.label, parts.isLocal));
-      ++definitionCount_;
     }
   }
   if (text.empty()) {
     line.kind = Kind::LabelOnly;
     return;
   }
-  if (shape.has(Equals) && parseAssignment(text, line)) {
-    ++definitionCount_;
-    return;
-  }
+  if (shape.has(Equals) && parseAssignment(text, line)) return;
   if (!parseDirective(text, evaluator_, line)) parseInstruction(text, shape, line);
   if (shape.has(Dot) && rowOf(line.kind).qualifies) qualifyOperand(line);
 }

@@ -32,9 +32,6 @@ class StatementParser {
   // std::length_error for a line of 4 GB.
   void parseLine(std::string_view line, uint32_t lineNumber, Statements& statements);
 
-  // How many of the statements so far define a label or assign a value.
-  size_t definitionCount() const { return definitionCount_; }
-
  private:
   void parseSeveral(std::string_view code, const LineShape& shape, uint32_t lineNumber, Statements& statements);
   void append(std::string_view text, const LineShape& shape, uint32_t lineNumber, Statements& statements);
@@ -48,7 +45,6 @@ class StatementParser {
   Evaluator& evaluator_;
   TextStore& texts_;
   std::string_view scope_;
-  size_t definitionCount_ = 0;
   std::string scratch_;
 };
 
