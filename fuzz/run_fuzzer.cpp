@@ -65,9 +65,26 @@ std::vector<std::string> splitArguments(std::string_view head) {
   return arguments;
 }
 
-Outcome runOnce(std::string_view input) {
+// How lines are handed to the program. Long ones do not fit the blocks in which short lines are looked at.
+enum class Lines : uint8_t { AsTheyAre, Long };
+
+// Adds blanks to the end of each line that is not empty. They mean nothing, except in a listing.
+std::string lengthened(std::string_view text) {
+  std::string result;
+  Fields lines(text, '\n');
+  std::string_view line;
+  while (lines.next(line))
+    result.append(line).append(line.empty() ? 0 : 70, ' ').append("\n");
+  result.pop_back();
+  return result;
+}
+
+Outcome runOnce(std::string_view input, Lines lines = Lines::AsTheyAre) {
   FuzzHost host;
   const std::vector<std::string> arguments = splitArguments(unpack(input, host));
+  for (auto& [path, text] : host.files) {
+    if (lines == Lines::Long) text = lengthened(text);
+  }
   const MemoryBudget limit(budget);
   const int status = run(host, arguments);
   const bool memoryFailed = limit.wasExceeded();
@@ -176,10 +193,20 @@ void checkFailure(std::string_view input, const Outcome& outcome) {
   require(!isOutOfMemory || outcome.memoryFailed || hasSpace, "out of memory within the budget");
 }
 
+void checkLongLines(std::string_view input, const Outcome& outcome) {
+  const Outcome other = runOnce(input, Lines::Long);
+  if (outcome.memoryFailed || other.memoryFailed) return;
+  require(outcome.status == other.status, "another exit status for longer lines");
+  require(outcome.standardError == other.standardError, "other messages for longer lines");
+  require(outcome.written.empty() || outcome.written.front() == other.written.front(),
+          "another image for longer lines");
+}
+
 void checkRun(std::string_view input) {
   const Outcome outcome = runOnce(input);
   // Only some inputs are run twice, to save time.
   if (input.size() % 4 == 0) require(outcome == runOnce(input), "the same run has another outcome");
+  if (input.size() % 4 == 1) checkLongLines(input, outcome);
   require(outcome.status == 0 || outcome.status == 1, "an undefined exit status");
   checkMessages(outcome.standardError);
   if (outcome.status == 1) {
