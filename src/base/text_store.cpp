@@ -19,7 +19,7 @@ std::string_view TextStore::own(std::string&& text) {
 }
 
 char* TextStore::allocate(size_t size) {
-  if (size > freeSize_) {
+  if (size > freeSize_ || free_ == nullptr) {
     // A large piece gets a block of its own, and the current block goes on serving the small ones.
     if (size > blockSize_ / 4) return addBlock(size);
     free_ = addBlock(blockSize_);
