@@ -1,5 +1,6 @@
 #include "driver/seeds.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -77,23 +78,33 @@ void readDefinition(std::string_view line, SymbolTable& symbols) {
   enterSeed(trimLine(line.substr(0, equals)), static_cast<uint32_t>(takeHex(wording)), symbols);
 }
 
-void readSymbolFile(const FileReader& files, const std::string& path, Seeds& seeds) {
-  std::optional<std::string> text = files.readFile(path);
-  if (!text.has_value() || !isUtf8(*text)) return;
-  Fields lines(seeds.texts.own(std::move(*text)), '\n');
-  std::string_view line;
-  while (lines.next(line))
-    readDefinition(line, seeds.symbols);
+// The texts of the symbol files that can be used.
+std::vector<std::string_view> readSymbolFiles(const FileReader& files, const std::vector<std::string>& paths,
+                                              TextStore& store) {
+  std::vector<std::string_view> texts;
+  for (const std::string& path : paths) {
+    std::optional<std::string> text = files.readFile(path);
+    if (text.has_value() && isUtf8(*text)) texts.push_back(store.own(std::move(*text)));
+  }
+  return texts;
 }
 
 }  // namespace
 
 Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles) {
   Seeds seeds;
-  for (const std::string& path : symbolFiles)
-    readSymbolFile(files, path, seeds);
+  const std::vector<std::string_view> texts = readSymbolFiles(files, symbolFiles, seeds.texts);
+  size_t lineCount = equates.size();
+  for (std::string_view text : texts)
+    lineCount += static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+  seeds.symbols.reserve(lineCount);
+  for (std::string_view text : texts) {
+    Fields lines(text, '\n');
+    std::string_view line;
+    while (lines.next(line))
+      readDefinition(line, seeds.symbols);
+  }
   if (!seeds.symbols.symbols().empty()) return seeds;
-  seeds.symbols.reserve(equates.size());
   for (const Equate& equate : equates)
     enterSeed(equate.name, equate.value, seeds.symbols);
   return seeds;
