@@ -35,7 +35,7 @@ class TextStore {
   size_t freeSize_ = 0;
   // Of the next one: few texts need little, and many are quicker in few large blocks.
   size_t blockSize_ = size_t{64} * 1024;
-  size_t left_ = (size_t{1} << 32) - 1;  // so that 32 bits tell the length of every piece
+  size_t left_ = (size_t{1} << 32) - 1;  // so that 32 bits hold the length of every piece
 };
 
 }  // namespace kiln

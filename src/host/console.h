@@ -1,7 +1,10 @@
 // Where messages go.
 #pragma once
 
+#include <initializer_list>
 #include <string_view>
+
+#include "base/format.h"
 
 namespace kiln {
 
@@ -14,5 +17,11 @@ class Console {
   // Writes the text to standard output, which is for the version line only.
   virtual void printOutput(std::string_view text) = 0;
 };
+
+// Prints a message, given in pieces, to standard error. Always false, the result of a writer that fails.
+inline bool fail(Console& console, std::initializer_list<std::string_view> pieces) {
+  console.printError(concat(pieces));
+  return false;
+}
 
 }  // namespace kiln

@@ -22,7 +22,6 @@
 
 #include "base/format.h"
 #include "output/atari_records.h"
-#include "output/fail.h"
 #include "output/pieces.h"
 #include "output/preload.h"
 #include "output/shadow.h"

@@ -19,7 +19,6 @@
 
 #include "base/format.h"
 #include "output/atari_records.h"
-#include "output/fail.h"
 
 namespace kiln {
 namespace {

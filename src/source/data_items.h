@@ -5,8 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "base/hex.h"
 #include "base/text.h"
-#include "source/literals.h"
 
 namespace kiln {
 
@@ -36,26 +36,20 @@ class DataItems {
   // Takes the next item when it is a "$" with 1 to 15 hexadecimal digits, or 1 to 15 decimal digits, without blanks
   // around it: its value. Otherwise takes nothing, and is -1. Most items are literals (a fifth of the time of a source
   // of data lists).
-  int64_t takeLiteral() {
-    if (at_ == end_) return -1;
-    return *at_ == '$' ? takeDigits<16>(at_ + 1) : takeDigits<10>(at_);
-  }
+  int64_t takeLiteral() { return isHex() ? takeHexLiteral() : takeDigitsOf(at_, 10); }
   // The same for a literal with a "$" alone.
-  int64_t takeHexLiteral() { return at_ != end_ && *at_ == '$' ? takeDigits<16>(at_ + 1) : -1; }
+  int64_t takeHexLiteral() { return isHex() ? takeDigitsOf(at_ + 1, 16) : -1; }
 
  private:
-  template <int Radix>
-  int64_t takeDigits(const char* const digits) {
-    const char* at = digits;
-    uint64_t number = 0;
-    for (; at != end_; ++at) {
-      const int digit = digitValues[static_cast<unsigned char>(*at)];
-      if (digit < 0 || digit >= Radix) break;
-      number = number * Radix + static_cast<unsigned>(digit);
-    }
-    if (at == digits || at - digits > 15 || (at != end_ && *at != ',')) return -1;
-    at_ = at == end_ ? at : at + 1;
-    return static_cast<int64_t>(number);
+  bool isHex() const { return at_ != end_ && *at_ == '$'; }
+
+  int64_t takeDigitsOf(const char* digits, unsigned radix) {
+    std::string_view rest(digits, static_cast<size_t>(end_ - digits));
+    const uint64_t value = takeDigits(rest, radix);
+    const auto count = rest.data() - digits;
+    if (count == 0 || count > 15 || (!rest.empty() && rest.front() != ',')) return -1;
+    at_ = rest.empty() ? end_ : rest.data() + 1;
+    return static_cast<int64_t>(value);
   }
 
   const char* at_;

@@ -33,7 +33,7 @@ class Preprocessor {
     std::string_view text;
     size_t next = 0;             // where in the text the next line begins; past the end when there is none
     size_t firstPiece = 0;       // where its lines begin among all
-    bool follows = false;        // the line before the next one stands in the list as it is
+    bool follows = false;        // the next line comes directly after the last one in the list
     Macro* openMacro = nullptr;  // being defined
   };
 

@@ -42,11 +42,6 @@ bool parseAssignment(std::string_view text, AsLine& line) {
   return true;
 }
 
-bool isShift(Mnemonic mnemonic) {
-  return mnemonic == Mnemonic::ASL || mnemonic == Mnemonic::LSR || mnemonic == Mnemonic::ROL ||
-         mnemonic == Mnemonic::ROR;
-}
-
 }  // namespace
 
 std::string_view writtenOperand(std::string_view statement) {
@@ -122,7 +117,7 @@ void StatementParser::parseInstruction(std::string_view text, const LineShape& s
   const std::string_view words = trimLeft(text.substr(3));
   if (!words.empty()) {
     parseOperand(words, shape.specialsIn(words), line);
-  } else if (isShift(line.mnemonic)) {
+  } else if (opcodeFor(line.mnemonic, Mode::Accumulator) >= 0) {
     line.mode = Mode::Accumulator;
   }
   line.size = instructionSize(line.mode);

@@ -40,7 +40,7 @@ struct Symbol {
   uint32_t index = 0;      // its place in symbols()
 };
 
-// Names are views: whoever enters one keeps its text alive. A pointer to a symbol is valid until the next enter().
+// Names are views: their texts have to outlive the table. A pointer to a symbol is valid until the next enter().
 class SymbolTable {
  public:
   // Makes room for `count` names in all.
