@@ -25,18 +25,20 @@ constexpr bool isHexDigit(char c) { return hexDigitValue(c) >= 0; }
 
 // Takes the digits of a radix up to 16 off the front of the text. The result is their value modulo 2^64, 0 without
 // digits.
-constexpr uint64_t takeDigits(std::string_view& text, unsigned radix) {
+template <unsigned radix>
+constexpr uint64_t takeDigits(std::string_view& text) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
   uint64_t value = 0;
-  size_t count = 0;
-  for (; count < text.size(); ++count) {
-    const unsigned digit = static_cast<unsigned>(hexDigitValue(text[count]));
-    if (digit >= radix) break;  // or no digit at all
-    value = value * radix + digit;
+  for (; at != end; ++at) {
+    const int digit = hexDigitValue(*at);
+    if (digit < 0 || digit >= static_cast<int>(radix)) break;
+    value = value * radix + static_cast<unsigned>(digit);
   }
-  text.remove_prefix(count);
+  text = {at, static_cast<size_t>(end - at)};
   return value;
 }
 
-constexpr uint64_t takeHex(std::string_view& text) { return takeDigits(text, 16); }
+constexpr uint64_t takeHex(std::string_view& text) { return takeDigits<16>(text); }
 
 }  // namespace kiln

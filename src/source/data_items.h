@@ -36,16 +36,17 @@ class DataItems {
   // Takes the next item when it is a "$" with 1 to 15 hexadecimal digits, or 1 to 15 decimal digits, without blanks
   // around it: its value. Otherwise takes nothing, and is -1. Most items are literals (a fifth of the time of a source
   // of data lists).
-  int64_t takeLiteral() { return isHex() ? takeHexLiteral() : takeDigitsOf(at_, 10); }
+  int64_t takeLiteral() { return isHex() ? takeHexLiteral() : takeDigitsOf<10>(at_); }
   // The same for a literal with a "$" alone.
-  int64_t takeHexLiteral() { return isHex() ? takeDigitsOf(at_ + 1, 16) : -1; }
+  int64_t takeHexLiteral() { return isHex() ? takeDigitsOf<16>(at_ + 1) : -1; }
 
  private:
   bool isHex() const { return at_ != end_ && *at_ == '$'; }
 
-  int64_t takeDigitsOf(const char* digits, unsigned radix) {
+  template <unsigned radix>
+  int64_t takeDigitsOf(const char* digits) {
     std::string_view rest(digits, static_cast<size_t>(end_ - digits));
-    const uint64_t value = takeDigits(rest, radix);
+    const uint64_t value = takeDigits<radix>(rest);
     const auto count = rest.data() - digits;
     if (count == 0 || count > 15 || (!rest.empty() && rest.front() != ',')) return -1;
     at_ = rest.empty() ? end_ : rest.data() + 1;

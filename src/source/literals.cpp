@@ -29,7 +29,7 @@ int64_t parseRadix(std::string_view text, unsigned radix) {
   while (text.starts_with('0'))
     text.remove_prefix(1);
   const size_t size = text.size();
-  const int64_t value = static_cast<int64_t>(takeDigits(text, radix));
+  const int64_t value = static_cast<int64_t>(radix == 16 ? takeHex(text) : takeDigits<2>(text));
   if (size - text.size() > (radix == 16 ? 16 : 64)) return -1;
   return negative ? wrappingSubtract(0, value) : value;
 }
