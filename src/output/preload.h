@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 
 #include "output/bank_values.h"
 #include "output/image.h"
@@ -24,7 +23,7 @@ class BankPreload {
   uint32_t registerFor(BankKind kind) const;
 
   BankedSettings settings_;
-  std::optional<uint8_t> highByte_;  // in the data register, in plain banking; absent = unknown
+  int32_t highByte_ = -1;  // in the data register, in plain banking; -1 = unknown
 };
 
 }  // namespace kiln

@@ -1,5 +1,6 @@
 #include "passes/emission_pass.h"
 
+#include <algorithm>
 #include <new>
 
 #include "base/arithmetic.h"
@@ -113,6 +114,10 @@ uint32_t Emission::encode(const AsLine& line, uint32_t pc) {
                 diagnostics_, bytes());
   return size;
 }
+
+// The sizes for which emitItems() has a case.
+static_assert(std::all_of(kindRows.begin(), kindRows.end(),
+                          [](const KindRow& row) { return row.itemSize <= 2 || row.itemSize == 4; }));
 
 void Emission::emitItems(const AsLine& line) {
   switch (rowOf(line.kind).itemSize) {
