@@ -15,6 +15,11 @@ BankedSettings withDefaults(BankedSettings settings) {
   return settings;
 }
 
+uint32_t bankRegister(const BankedSettings& settings, BankKind kind) {
+  if (kind == BankKind::Regc) return settings.regcRegisterLow;
+  return kind == BankKind::DataHalf ? settings.dataBankRegister : settings.codeBankRegister;
+}
+
 BankCounters::BankCounters(const BankedSettings& settings) : settings_(withDefaults(settings)) {}
 
 std::optional<BankValue> BankCounters::next(uint32_t start, int32_t bank) {

@@ -34,6 +34,9 @@ struct BankValue {
   uint16_t value;  // what the registers must hold
 };
 
+// The register that shows a bank of this kind: it takes the low byte of the bank's value.
+uint32_t bankRegister(const BankedSettings& settings, BankKind kind);
+
 // Numbers the segments of a program. Call next() for every segment that is not cloaked, empty ones too, in list order.
 class BankCounters {
  public:

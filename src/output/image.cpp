@@ -43,15 +43,12 @@ void appendBytes(Image& image, std::span<const uint8_t> bytes) {
 }
 
 void appendHexText(Image& image, std::string_view text) {
-  for (size_t i = 0; i + 1 < text.size();) {
+  for (size_t i = 0; i + 1 < text.size(); ++i) {
     const int high = hexDigitValue(text[i]);
     const int low = hexDigitValue(text[i + 1]);
-    if (high < 0 || low < 0) {
-      ++i;
-      continue;
-    }
+    if (high < 0 || low < 0) continue;
     appendByte(image, static_cast<uint32_t>(high * 16 + low));
-    i += 2;
+    ++i;
   }
 }
 

@@ -31,7 +31,7 @@ void BankPreload::appendSelect(Image& image, BankValue bank) {
   const uint8_t high = highByte(bank.value);
   Image routine;
   appendLoad(routine, lowByte(bank.value));
-  appendStore(routine, registerFor(bank.kind));
+  appendStore(routine, bankRegister(settings_, bank.kind));
   if (bank.kind == BankKind::Regc && settings_.regcRegisterHigh != 0) {
     appendLoad(routine, high);
     appendStore(routine, settings_.regcRegisterHigh);
@@ -48,7 +48,7 @@ void BankPreload::appendSelect(Image& image, BankValue bank) {
 void BankPreload::appendReset(Image& image, BankKind kind) {
   Image routine;
   appendLoad(routine, 0);
-  appendStore(routine, registerFor(kind));
+  appendStore(routine, bankRegister(settings_, kind));
   if (kind == BankKind::Regc && settings_.regcRegisterHigh != 0) {
     appendStore(routine, settings_.regcRegisterHigh);
   }
@@ -58,11 +58,6 @@ void BankPreload::appendReset(Image& image, BankKind kind) {
   }
   appendReturn(routine);
   appendPreloadInit(image, routine);
-}
-
-uint32_t BankPreload::registerFor(BankKind kind) const {
-  if (kind == BankKind::Regc) return settings_.regcRegisterLow;
-  return kind == BankKind::DataHalf ? settings_.dataBankRegister : settings_.codeBankRegister;
 }
 
 }  // namespace kiln

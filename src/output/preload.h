@@ -20,8 +20,6 @@ class BankPreload {
   void appendReset(Image& image, BankKind kind);
 
  private:
-  uint32_t registerFor(BankKind kind) const;
-
   BankedSettings settings_;
   int32_t highByte_ = -1;  // in the data register, in plain banking; -1 = unknown
 };

@@ -152,20 +152,11 @@ void CallStager::setSymbols() {
 BankRegisters CallStager::registers() const {
   BankCounters counters(settings_);
   const std::optional<BankValue> bank = counters.next(low16(settings_.bankWindowLow), -1);
-  const std::optional<uint32_t> none;
-  switch (bank.has_value() ? bank->kind : BankKind::Plain) {
-    case BankKind::Regc: {
-      const bool hasHigh = settings_.regcRegisterHigh != 0;
-      return {settings_.regcRegisterLow, hasHigh ? std::optional(settings_.regcRegisterHigh) : none};
-    }
-    case BankKind::DataHalf:
-      return {settings_.dataBankRegister, none};
-    case BankKind::CodeHalf:
-      return {settings_.codeBankRegister, none};
-    case BankKind::Plain:
-      break;
-  }
-  return {settings_.codeBankRegister, map_.usesHighByte ? std::optional(settings_.dataBankRegister) : none};
+  const BankKind kind = bank.has_value() ? bank->kind : BankKind::Plain;
+  BankRegisters registers{bankRegister(settings_, kind), {}};
+  if (kind == BankKind::Regc && settings_.regcRegisterHigh != 0) registers.high = settings_.regcRegisterHigh;
+  if (kind == BankKind::Plain && map_.usesHighByte) registers.high = settings_.dataBankRegister;
+  return registers;
 }
 
 size_t CallStager::targetNumber(std::string_view operand) {
