@@ -18,9 +18,8 @@ std::string_view lastComponent(std::string_view path);
 // The normalised path without its last component: "/" for "/a", empty for "a".
 std::string directoryPart(std::string_view path);
 
-// The text after the last "." of the last component. Empty when there is no ".", when the component begins with its
-// only
-// ".", and when the text has a blank.
+// The text after the last "." of the last component. Empty when there is none, when the "." comes first, and when the
+// text has a blank.
 std::string_view pathExtension(std::string_view path);
 
 // The normalised path without its extension and the "." before it.

@@ -5,11 +5,11 @@
 
 #include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "base/format.h"
 #include "base/paths.h"
@@ -111,7 +111,23 @@ std::string resolveInclude(const FileReader& files, const std::string& including
 
 // The same text for all spellings of a path, such as "a", "./a" and "b/../a". An include cycle through "." or ".." has
 // a longer path in each round.
-std::string identityOf(const std::string& path) { return std::filesystem::path(path).lexically_normal().string(); }
+std::string identityOf(std::string_view path) {
+  std::vector<std::string_view> names;
+  Fields fields(path, '/');
+  std::string_view name;
+  while (fields.next(name)) {
+    if (name.empty() || name == ".") continue;
+    if (name == ".." && !names.empty() && names.back() != "..") {
+      names.pop_back();
+    } else if (name != ".." || !path.starts_with('/')) {
+      names.push_back(name);
+    }
+  }
+  std::string identity(path.substr(0, path.starts_with('/') ? 1 : 0));
+  for (std::string_view part : names)
+    identity.append(part).push_back('/');
+  return identity;
+}
 
 // An unfinished file. It must not move, as `lines` points into `text`.
 struct OpenLayout {

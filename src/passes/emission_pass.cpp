@@ -137,7 +137,8 @@ void Emission::emitItemsOf(const AsLine& line) {
   const bool decimalsMayBeNames = iteration_.symbols.hasDigitNames();
   DataItems items(line.operand());
   while (true) {
-    int64_t value = decimalsMayBeNames ? items.takeHexLiteral() : items.takeLiteral();
+    int64_t value = items.takeHexOf<2 * ItemSize>();
+    if (value < 0) value = decimalsMayBeNames ? items.takeHexLiteral() : items.takeLiteral();
     if (value < 0) {
       const std::optional<std::string_view> item = items.next();
       if (!item.has_value()) return;

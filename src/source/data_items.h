@@ -33,6 +33,22 @@ class DataItems {
     return std::nullopt;
   }
 
+  // Takes the next item when it is a "$", exactly `count` hexadecimal digits and a comma: its value, else -1. The usual
+  // items of a list are so (a tenth of the time of a source of data lists).
+  template <int count>
+  int64_t takeHexOf() {
+    if (end_ - at_ < count + 2 || at_[0] != '$' || at_[count + 1] != ',') return -1;
+    int64_t value = 0;
+    int anyInvalid = 0;
+    for (int i = 1; i <= count; ++i) {
+      anyInvalid |= hexDigitValue(at_[i]);
+      value = value * 16 + hexDigitValue(at_[i]);
+    }
+    if (anyInvalid < 0) return -1;
+    at_ += count + 2;
+    return value;
+  }
+
   // Takes the next item when it is a "$" with 1 to 15 hexadecimal digits, or 1 to 15 decimal digits, without blanks
   // around it: its value. Otherwise takes nothing, and is -1. Most items are literals (a fifth of the time of a source
   // of data lists).

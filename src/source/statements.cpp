@@ -15,9 +15,9 @@ namespace {
 constexpr size_t longestLine = 0xFFFFFFFF;
 
 struct LabelledText {
-  std::string_view label;  // without the ">" of a local one; empty when there is none
-  bool isLocal = false;    // written with a leading "." or ">"
-  std::string_view rest;   // trimmed
+  std::string_view label = {};  // without the ">" of a local one; empty when there is none
+  bool isLocal = false;         // written with a leading "." or ">"
+  std::string_view rest = {};   // trimmed
 };
 
 // Only the first character before the colon is tested, so everything up to the first colon is the label, blanks and
