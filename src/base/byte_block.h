@@ -3,67 +3,44 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #if defined(__SSE2__) && !defined(KILN_NO_VECTOR)
 #include <emmintrin.h>
+#define KILN_HAS_VECTOR
 #endif
 
 namespace kiln {
 
-#if defined(__SSE2__) && !defined(KILN_NO_VECTOR)
-
+#ifdef KILN_HAS_VECTOR
 inline constexpr bool hasFastBlocks = true;
+#else
+inline constexpr bool hasFastBlocks = false;  // walking along the text is quicker
+#endif
 
 // The 16 * Parts bytes from `at` on; all of them must be readable.
-template <int Parts>
+template <size_t Parts>
 class ByteBlock {
  public:
-  static constexpr size_t size = 16 * Parts;
-
-  explicit ByteBlock(const char* at) {
-    for (size_t i = 0; i < Parts; ++i)
-      parts_[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + 16 * i));
-  }
+  explicit ByteBlock(const char* at) : at_(at) {}
 
   // One bit for each byte that is `c`, the first byte's at the lower end.
   uint64_t equalTo(char c) const {
+    uint64_t bits = 0;
+#ifdef KILN_HAS_VECTOR
     const __m128i wanted = _mm_set1_epi8(c);
-    uint64_t bits = 0;
     for (size_t i = 0; i < Parts; ++i) {
-      const auto part = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(parts_[i], wanted)));
-      bits |= uint64_t{part} << (16 * i);
+      const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at_ + 16 * i));
+      bits |= uint64_t{static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(part, wanted)))} << (16 * i);
     }
-    return bits;
-  }
-
- private:
-  __m128i parts_[Parts];  // an array type would drop the alignment
-};
-
 #else
-
-// Without vector instructions, walking along the text is quicker than these blocks.
-inline constexpr bool hasFastBlocks = false;
-
-template <int Parts>
-class ByteBlock {
- public:
-  static constexpr size_t size = 16 * Parts;
-
-  explicit ByteBlock(const char* at) { std::memcpy(bytes_, at, size); }
-
-  uint64_t equalTo(char c) const {
-    uint64_t bits = 0;
-    for (size_t i = 0; i < size; ++i)
-      bits |= uint64_t{bytes_[i] == c} << i;
+    for (size_t i = 0; i < 16 * Parts; ++i)
+      bits |= uint64_t{at_[i] == c} << i;
+#endif
     return bits;
   }
 
  private:
-  char bytes_[size];
+  const char* at_;
 };
-
-#endif
 
 // The lowest `count` bits, 0..64.
 constexpr uint64_t lowestBits(size_t count) { return count >= 64 ? ~uint64_t{0} : (uint64_t{1} << count) - 1; }

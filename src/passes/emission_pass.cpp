@@ -134,11 +134,11 @@ template <size_t ItemSize>
 void Emission::emitItemsOf(const AsLine& line) {
   appendZeros(line.size);
   uint8_t* to = bytes().data() + (bytes().size() - line.size);
-  const bool decimalsMayBeNames = iteration_.symbols.hasDigitNames();
+  const bool digitsMayBeNames = iteration_.symbols.hasDigitNames();
   DataItems items(line.operand());
   while (true) {
     int64_t value = items.takeHexOf<2 * ItemSize>();
-    if (value < 0) value = decimalsMayBeNames ? items.takeHexLiteral() : items.takeLiteral();
+    if (value < 0 && !digitsMayBeNames) value = items.takeLiteral();
     if (value < 0) {
       const std::optional<std::string_view> item = items.next();
       if (!item.has_value()) return;

@@ -52,13 +52,9 @@ class DataItems {
   // Takes the next item when it is a "$" with 1 to 15 hexadecimal digits, or 1 to 15 decimal digits, without blanks
   // around it: its value. Otherwise takes nothing, and is -1. Most items are literals (a fifth of the time of a source
   // of data lists).
-  int64_t takeLiteral() { return isHex() ? takeHexLiteral() : takeDigitsOf<10>(at_); }
-  // The same for a literal with a "$" alone.
-  int64_t takeHexLiteral() { return isHex() ? takeDigitsOf<16>(at_ + 1) : -1; }
+  int64_t takeLiteral() { return at_ != end_ && *at_ == '$' ? takeDigitsOf<16>(at_ + 1) : takeDigitsOf<10>(at_); }
 
  private:
-  bool isHex() const { return at_ != end_ && *at_ == '$'; }
-
   template <unsigned radix>
   int64_t takeDigitsOf(const char* digits) {
     std::string_view rest(digits, static_cast<size_t>(end_ - digits));

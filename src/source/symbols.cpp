@@ -27,6 +27,11 @@ bool hasNameIgnoringCase(const Symbol& symbol, std::string_view name, const Name
 
 }  // namespace
 
+SymbolTable::SymbolTable(const SymbolTable& other) : slots_(other.slots_), hasDigitNames_(other.hasDigitNames_) {
+  symbols_.reserve(other.symbols_.size() + 256);
+  symbols_ = other.symbols_;
+}
+
 void SymbolTable::reserve(size_t count) {
   symbols_.reserve(count);
   size_t slotCount = 64;

@@ -43,6 +43,13 @@ struct Symbol {
 // Names are views: their texts have to outlive the table. A pointer to a symbol is valid until the next enter().
 class SymbolTable {
  public:
+  SymbolTable() = default;
+  // A copy with room for some more names: most programs have few, and a large table is not copied once more for them.
+  SymbolTable(const SymbolTable& other);
+  SymbolTable(SymbolTable&&) = default;
+  SymbolTable& operator=(const SymbolTable&) = delete;
+  SymbolTable& operator=(SymbolTable&&) = default;
+
   // Makes room for `count` names in all.
   void reserve(size_t count);
 
