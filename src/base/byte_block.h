@@ -33,7 +33,7 @@ class ByteBlock {
     }
 #else
     for (size_t i = 0; i < 16 * Parts; ++i)
-      bits |= uint64_t{at_[i] == c} << i;
+      bits |= (at_[i] == c ? uint64_t{1} : 0) << i;
 #endif
     return bits;
   }
