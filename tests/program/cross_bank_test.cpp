@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "support/machine.h"
+#include "machine/machine.h"
 #include "support/program.h"
 
 namespace kiln::test {

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "host/real_host.h"
-#include "support/machine.h"
+#include "machine/machine.h"
 #include "support/program.h"
 
 namespace kiln::test {

@@ -1,8 +1,8 @@
 // Code regions: what moves to the next region and how it is joined, the messages, and that it all still runs.
 #include <gtest/gtest.h>
 
+#include "machine/machine.h"
 #include "passes/code_regions.h"
-#include "support/machine.h"
 #include "support/program.h"
 
 namespace kiln::test {

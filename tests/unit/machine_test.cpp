@@ -1,5 +1,5 @@
 // The machine that other tests run programs on: the faults that it must report. Its other faults show in their results.
-#include "support/machine.h"
+#include "machine/machine.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 
 #include <regex>
 
-#include "support/machine.h"
+#include "machine/machine.h"
 #include "support/program.h"
 
 namespace kiln::test {

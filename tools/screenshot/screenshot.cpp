@@ -1,6 +1,6 @@
 // Draws the screen that a program shows, as a PNG file:
 //   screenshot PROGRAM.xex PICTURE.png [STEPS]
-// The program runs on the small 6502 of the tests until it returns, jumps to itself for ever or has made its steps;
+// The program runs on the small 6502 of machine/ until it returns, jumps to itself for ever or has made its steps;
 // meanwhile frames are counted for it. Then one frame is drawn from what it left: the display list at SDLSTL, the bytes
 // that the list points to and the colours; interrupts of the display list are called as the beam reaches them. Text
 // modes 2, 6 and 7 are known.
@@ -16,13 +16,11 @@
 #include <vector>
 
 #include "font.h"
+#include "machine/machine.h"
 #include "png.h"
-#include "support/machine.h"
 
 namespace kiln::screenshot {
 namespace {
-
-using test::Machine;
 
 constexpr size_t width = 352;  // in points as small as those of mode 2; the playfield is the middle
 constexpr size_t playfieldWidth = 320;

@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace kiln::test {
+namespace kiln {
 
 // The addresses low..high show the bank whose number the registers hold: the byte at registerLow, and 256 times that
 // at registerHigh when there is one. Registers are plain memory; several windows may share one.
@@ -90,4 +90,4 @@ class Machine {
   std::unordered_map<uint32_t, uint8_t> memory_ = {{0xD301, 0xFF}};
 };
 
-}  // namespace kiln::test
+}  // namespace kiln

@@ -1,4 +1,4 @@
-#include "support/machine.h"
+#include "machine/machine.h"
 
 #include <array>
 #include <span>
@@ -7,7 +7,7 @@
 #include "base/format.h"
 #include "isa/opcodes.h"
 
-namespace kiln::test {
+namespace kiln {
 namespace {
 
 constexpr uint16_t runVector = 0x02E0;
@@ -299,4 +299,4 @@ void Machine::nmi(uint16_t handler) {
   pc = handler;
 }
 
-}  // namespace kiln::test
+}  // namespace kiln
