@@ -33,7 +33,7 @@ struct Instruction {
   Mode mode = Implied;
 };
 
-// The program's own table serves here as well: its test spells every opcode by hand.
+// The program's own table serves here as well: a test compares it with the manual.
 const std::array<Instruction, 256> decodeTable = [] {
   std::array<Instruction, 256> table;
   for (const OpcodeRow& row : std::span(opcodeRows(), opcodeRowCount))
