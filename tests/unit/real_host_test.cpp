@@ -53,12 +53,12 @@ TEST_F(RealFiles, AreNeitherReadNorWrittenWhereNoFileCanBe) {
 }
 
 TEST_F(RealFiles, StayAsTheyWereWhenTheNewTextDoesNotFit) {
-  EXPECT_TRUE(writeFile(file, "old"));
+  writeFile(file, "old");
   rlimit limit{};
-  const bool isLimited = ::getrlimit(RLIMIT_FSIZE, &limit) == 0;
+  EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
   const rlimit small{1000, limit.rlim_max};
-  const bool isWritten = ::setrlimit(RLIMIT_FSIZE, &small) != 0 || writeFile(file, large);
-  EXPECT_TRUE(::setrlimit(RLIMIT_FSIZE, &limit) == 0 && isLimited && !isWritten);
+  EXPECT_TRUE(::setrlimit(RLIMIT_FSIZE, &small) == 0 && !writeFile(file, large));
+  EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
   EXPECT_EQ(host.readFile(file), "old");
   EXPECT_EQ(host.listDirectory(root), std::vector<std::string>{".file"});
 }
@@ -67,10 +67,12 @@ TEST_F(RealFiles, KeepTheirOtherNamesAndTheLinksToThem) {
   EXPECT_TRUE(writeFile(file, "old"));
   fs::create_hard_link(file, root + "/link");
   EXPECT_TRUE(writeFile(root + "/link", large) && host.readFile(file) == large);
+  fs::create_symlink("new", root + "/dangling");
+  EXPECT_TRUE(writeFile(root + "/dangling", "new") && host.readFile(root + "/new") == "new");
   // The device has no room for anything.
   fs::create_symlink("/dev/full", root + "/full");
-  EXPECT_FALSE(fs::is_character_file(root + "/full") && writeFile(root + "/full", "x"));
-  EXPECT_TRUE(fs::is_symlink(root + "/full"));
+  EXPECT_FALSE(writeFile(root + "/full", "x"));
+  EXPECT_TRUE(fs::is_symlink(root + "/full") && fs::is_symlink(root + "/dangling"));
 }
 
 TEST_F(RealFiles, MayBePipesWhoseLengthIsUnknown) {
@@ -82,15 +84,14 @@ TEST_F(RealFiles, MayBePipesWhoseLengthIsUnknown) {
 // As a user who owns neither folder nor file: root may write everywhere.
 TEST_F(RealFiles, AreWrittenInPlaceWhereTheFolderForbidsANewFileOrItsRenaming) {
   constexpr uid_t nobody = 65534;
+  const uid_t user = ::geteuid();
   for (const unsigned folderMode : {0555u, 01777u}) {
-    if (folderMode == 01777u && ::geteuid() != 0) break;  // only a sticky folder of somebody else forbids
-    EXPECT_TRUE(writeFile(file, "the old text"));
+    if (folderMode == 01777u && user != 0) break;  // only a sticky folder of somebody else forbids
+    writeFile(file, "the old text");
     fs::permissions(file, fs::perms(0666));
     fs::permissions(root, fs::perms(folderMode));
-    const uid_t user = ::geteuid();
     EXPECT_EQ(user == 0 ? ::seteuid(nobody) : 0, 0);
-    EXPECT_TRUE(writeFile(file, "new"));
-    EXPECT_EQ(writeFile(root + "/other", "new"), folderMode == 01777u);
+    EXPECT_TRUE(writeFile(file, "new") && writeFile(root + "/other", "new") == (folderMode == 01777u));
     EXPECT_EQ(user == 0 ? ::seteuid(0) : 0, 0);
     fs::permissions(root, fs::perms(0755));
     fs::remove(root + "/other");
