@@ -45,11 +45,10 @@ MemoryHost hostWithSources() {
   host.files = {
       // clang-format off
       {"nop",       " .org $2000\n NOP"},        {"lines",   ".macro M\n a\n b\n.include \"i\"\nM\nx:\nx:"},
-      {"bank",      " .org $4000\n NOP"},        {"twice",   "X:\n__bank_code_reg:\n__bank_data_reg:"},
+      {"bad",       "\xFF"},                      {"twice",   "X:\n__bank_code_reg:\n__bank_data_reg:"},
       {"huge",      " NOP\n .space $80000001"},  {"missing", ".include no\na = y\nb = z\nx:\nx:\n NOP #1"},
-      {"itself",    ".include itself"},          {"equate",  " .org $77\nRTCLOK: LDA RTCLOK"},
-      {"lax",       "\n;\xED\xA0\x80"},          {"bad",     "\xFF"},
-      {"s/i",       "NOP\n\n"},                  {"bad.lnk", "main=1"},
+      {"lax",       "\n;\xED\xA0\x80"},          {"bad.lnk", "main=1"},
+      {"s/i",       "NOP\n\n"},
       {"names",     " .byte A,B,C,D,E,F,G,ata,RTCLOK,__bank_code_reg,__bank_data_reg,H"},
       {"s/g.a.asm", " .org $20\n NOP\ny=$77\nbig=$12345\n .org $5000\n .org $4000\n.include \"i\""},
       // clang-format on
@@ -74,11 +73,9 @@ void expectOutcome(const std::string& line, int status, const std::string& error
 TEST(Driver, ShowsItsUsageAndItsVersion) {
   expectOutcome("none -h -x", 0, usage);
   expectOutcome("-V -o x -D", 1, say("no input files") + usage);
-  for (const char* line : {"none -v -x", "--version"}) {
-    MemoryHost host;
-    EXPECT_EQ(runLine(host, line), 0);
-    EXPECT_EQ(host.standardError + host.standardOutput, "kiln-as 0.61\n");
-  }
+  MemoryHost host;
+  EXPECT_EQ(runLine(host, "none -v -x") + runLine(host, "--version"), 0);
+  EXPECT_EQ(host.standardOutput + host.standardError, "kiln-as 0.61\nkiln-as 0.61\n");
 }
 
 TEST(Driver, ChoosesTheFormatByTheOptionOrTheExtension) {
@@ -113,8 +110,6 @@ TEST(Driver, RunsTheProgramAtTheEntryOrAtTheFirstSegment) {
   for (const auto& [line, address] : rows)
     expectOutcome(line, 0, say("assembled 's/g.a.asm' -> 's/g.a.xex' (2 bytes, 3 segments)"), "s/g.a.xex",
                   xex({{0x20, "EA"}, {0x4000, "EA"}}, address));
-  expectOutcome("equate", 0, say("assembled 'equate' -> 'equate.xex' (2 bytes, 1 segment)"), "equate.xex",
-                xex({{0x77, "A5 77"}}, 0x77));
 }
 
 TEST(Driver, DefinesNames) {
@@ -126,49 +121,43 @@ TEST(Driver, DefinesNames) {
 }
 
 TEST(Driver, SaysWhyItFails) {
-  const std::string bank =
-                        "banked output requires a code bank register from the layout (registers = <code>, <data>); "
-                        "none set — there is no $82 default",
-                    locked = "The file “locked” couldn’t be opened because you don’t have permission to view it.",
-                    encoding = "The file “bad” couldn’t be opened using text encoding Unicode (UTF-8).";
+  const std::string next = "\nkiln-as: ";
   const Pairs rows = {
       // clang-format off
       {"-o full -l a nop",      "error: cannot write 'full'"},
       {"-o  nop",               "error: cannot write ''"},
       {" nop",                  "error: cannot write '(null)'"},
-      {"/",                     "error: cannot write '(null)'"},
-      {"-f prg lax",            "error: cannot write 'lax.prg'"},
+      {"-o nop nop",            "error: cannot write 'nop'"},
+      {"-l nop nop",            "error: cannot write 'nop'"},
       {"huge",                  "error: out of memory"},
       {"-I s -I t lines",       "error: lines:7: duplicate label 'x'"},
-      {"itself",                "error: Cannot include 'itself': it includes itself"},
-      {"a/b none",              "cannot read 'a/b': The file “b” couldn’t be opened because there is no such file."},
       {"folder",                "cannot read 'folder': The file “folder” couldn’t be opened."},
-      {"locked",                "cannot read 'locked': " + locked},
-      {"nop bad -L no",         "cannot read 'bad': " + encoding},
+      {"locked",
+       "cannot read 'locked': The file “locked” couldn’t be opened because you don’t have permission to view it."},
+      {"nop bad -L no",
+       "cannot read 'bad': The file “bad” couldn’t be opened using text encoding Unicode (UTF-8)."},
+      {"-DX -code-reg 1 lax twice",
+       "error: lax:3: duplicate label 'X'" + next + "error: lax:4: duplicate label '__bank_code_reg'"},
+      {"missing",
+       "warning: " + undefined({"y"})[0] + next + "warning: " + undefined({"z"})[0] + next +
+       "error: Cannot find include file 'no'" + next + "error: missing:4: duplicate label 'x'"},
       {"-L bad.lnk missing",    "cannot read layout 'bad.lnk': bad.lnk:1: key 'main' outside any section"},
       {"-x none -h",            "unknown option '-x'"},
-      {"--data-window 1 -x",    "--data-window expects START:END"},
       {"--data-window 1:2:3",   "--data-window expects START:END"},
       {"--data-window 1:",      "--data-window bad hex ''"},
       {"--data-window 0XG:h",   "--data-window bad hex 'G'"},
-      {"--data-window $1:7FFG", "--data-window bad hex '7FFG'"},
       {"--data-window $0x1:2",  "--data-window bad hex '0x1'"},
       {"--data-window \t1:2",   "--data-window bad hex '\t1'"},
       // clang-format on
   };
   for (const auto& [line, message] : rows)
     expectOutcome(line, 1, say(message));
-  expectOutcome("-DX -code-reg 1 lax twice", 1,
-                say("error: lax:3: duplicate label 'X'") + say("error: lax:4: duplicate label '__bank_code_reg'"));
-  expectOutcome("missing", 1,
-                say("warning: undefined symbol 'y', using 0") + say("warning: undefined symbol 'z', using 0") +
-                    say("error: Cannot find include file 'no'") + say("error: missing:4: duplicate label 'x'"));
-  expectOutcome("-b bank", 1, say(bank) + say("error: cannot write 'bank.xex'"));
   // Options without their argument are unknown ones, too.
   for (const std::string& option : words("-x --help - -H -bV -splitbank --split --code-reg=1 -L -f -s -o -l -I -e "
                                          "--data-window -code-window -data-window -code-reg -data-reg"))
     expectOutcome("none -b " + option, 1, say("unknown option '" + option + "'"));
 }
+
 // Has no toolchain, and keeps where it is looked for.
 struct BareHost final : MemoryHost {
   bool exists(const std::string& path) const override { return places += path + " ", false; }
@@ -188,8 +177,6 @@ TEST(Home, IsNamedByVariablesOrIsBesideTheProgramOrInAUsualPlace) {
   const Pairs rows = {
       // clang-format off
       {"\t\"C:\\a b \" ", "C:/a b "},
-      {"\"a",             "\"a"},
-      {"a\"",             "a\""},
       {"\"",              "\""},
       {"\"\"",            "."},
       {" \t",             "."},
@@ -307,7 +294,6 @@ TEST(Settings, OfNamesComeFromTheToolchain) {
       {"p/kl/generic/symbols/a.sym", "C=$7"},
       {"p/kl/atari/symbols/z.SYM",   "Z=$8"},
       {"p/kl/atari/symbols/.sym",    "Z=$8"},
-      {"p/kl/atari/symbols/z.sym.z", "Z=$8"},
       // clang-format on
   };
   host.directories = {"p/kl", "p/support", "./kl", "p/kl/atari/symbols", "p/kl/generic/symbols"};

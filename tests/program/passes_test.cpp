@@ -4,7 +4,6 @@
 #include <array>
 #include <numeric>
 
-#include "base/format.h"
 #include "output/pieces.h"
 #include "passes/pipeline.h"
 #include "support/program.h"
@@ -15,22 +14,29 @@ namespace {
 const std::string window = "-code-window 4000-7FFF";
 const std::pair<unsigned, std::string> bank = {0x4000, ""};
 
-// The warnings of these names, one letter each.
-std::vector<std::string> undefined(const std::string& names) {
-  std::vector<std::string> warnings;
-  for (char name : names)
-    warnings.push_back(std::string("undefined symbol '") + name + "', using 0");
-  return warnings;
+struct Row {
+  std::string source;
+  Contents segments;
+  std::string options = "";
+};
+
+void expectRows(const std::vector<Row>& rows) {
+  for (const auto& [source, segments, options] : rows)
+    expectCode(source, segments, {}, options);
 }
 
+// clang-format off
 TEST(Segments, OpenWhereNoShortGapCanBeFilled) {
-  expectCode("NOP\n.org 2\nNOP\n.org $102\nINX\n.org $203\nINY\n.org $204\nNOP\n.org $204\nCLC",
-             {{0, "EA 00 EA" + zeros(255) + "E8"}, {0x203, "C8 EA"}, {0x204, "18"}});
-  expectCode("NOP\n.org $2000\n.byte ,\n.org $12000\n.org $2002\nINX", {{0, "EA"}, {0x2000, ""}, {0x2000, "0000 E8"}});
-  expectCode(".org $FFFF\n.byte 1,2\nNOP\n.org 4\nINX", {{0xFFFF, "01 02 EA 0000 E8"}});
-  expectCode(".cloaked_segment 99\nINX\n.cloaked_segment_end\nINY\n.cloaked_segment 9\n.cloaked_segment_end\n.org 10",
-             {{99, "E8"}, {100, "C8"}, {9, ""}, {10, ""}});
+  expectRows({
+      {"NOP\n.org 2\nNOP\n.org $102\nINX",                        {{0, "EA 00 EA" + zeros(255) + "E8"}}},
+      {"NOP\n.org $101\nINY\n.org $102\nNOP\n.org $102\nCLC",    {{0, "EA"}, {0x101, "C8 EA"}, {0x102, "18"}}},
+      {"NOP\n.org $2000\n.byte ,\n.org $12000\n.org $2002\nINX", {{0, "EA"}, {0x2000, ""}, {0x2000, "0000 E8"}}},
+      {".org $FFFF\n.byte 1,2\nNOP\n.org 4\nINX",                {{0xFFFF, "01 02 EA 0000 E8"}}},
+      {".cloaked_segment 99\nINX\n.cloaked_segment_end\nINY",    {{99, "E8"}, {100, "C8"}}},
+      {".cloaked_segment 9\n.cloaked_segment_end\n.org 10",      {{9, ""}, {10, ""}}},
+  });
 }
+// clang-format on
 
 TEST(Segments, CarryTheirBankAndTheirCloak) {
   Assembler assembler;
@@ -40,15 +46,13 @@ TEST(Segments, CarryTheirBankAndTheirCloak) {
       ".cloaked_segment : .cloaked_segment 1, : .org 0 : .shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage "
       "$FFFF");
   ASSERT_TRUE(assemble(assembler));
-  struct Row {
-    int64_t start, bank, isCloaked, cloakedId;
-    bool operator==(const Row&) const = default;
-  };
-  std::vector<Row> found;
+  // Each segment's address, bank (-1: none), cloak and id.
+  using Rows = std::vector<std::array<int64_t, 4>>;
+  Rows found;
   for (const AsSegment& segment : assembler.segments)
     found.push_back({segment.start, segment.bank, segment.cloaked, segment.cloaked ? segment.cloakedId : 0});
   // clang-format off
-  EXPECT_EQ(found, (std::vector<Row>{
+  EXPECT_EQ(found, (Rows{
       {0x0000, -1, false, 0},
       {0x4000, 1,  false, 0},
       {0x4000, 2,  false, 0},
@@ -64,25 +68,19 @@ TEST(Segments, CarryTheirBankAndTheirCloak) {
   EXPECT_EQ(assembler.shadowPlan.stageAddress, 0xFFFFu);
 }
 
+// clang-format off
 TEST(Banks, AreNumberedInTheOrderInWhichTheyAreMet) {
   const std::string abc = ".bank a\n.bank b\n.bank c\n.byte __bank_a,__bank_b,__bank_c";
-  const struct {
-    std::string source;
-    Contents segments;
-    std::string options;
-  } rows[] = {
-      // clang-format off
-      {abc,                              {{0, ""}, {0, ""}, {0, "01 02 03"}},                       ""},
-      {".bank b\n.bank c\n" + abc,       {bank, bank, bank, bank, {0x4000, "03 01 02"}},            window},
+  expectRows({
+      {abc,                              {{0, ""}, {0, ""}, {0, "01 02 03"}}},
+      {".bank b\n.bank c\n" + abc,       {bank, bank, bank, bank, {0x4000, "03 01 02"}},                 window},
       // An origin in the window takes a number, too.
       {".org $7FFF\n.org $3FFF\n" + abc, {{0x7FFF, ""}, {0x3FFF, ""}, bank, bank, {0x4000, "02 03 04"}}, window},
-      {".org $8000\n.org $4000\n" + abc, {{0x8000, ""}, bank, bank, bank, {0x4000, "02 03 04"}},    window},
-      {".org 9\n" + abc,                 {{9, ""}, {0, ""}, {0, ""}, {0, "02 03 04"}},              "-code-window 0-9"},
-      // clang-format on
-  };
-  for (const auto& [source, segments, options] : rows)
-    expectCode(source, segments, {}, options);
+      {".org $8000\n.org $4000\n" + abc, {{0x8000, ""}, bank, bank, bank, {0x4000, "02 03 04"}},         window},
+      {".org 9\n" + abc,                 {{9, ""}, {0, ""}, {0, ""}, {0, "02 03 04"}},                   "-code-window 0-9"},
+  });
 }
+// clang-format on
 
 TEST(DuplicateLabels, AreReportedWithBadStageAddressesBeforeOperandsAreChecked) {
   const std::string twice = ": duplicate label ", stage = ": invalid .shadow_stage address ";
@@ -92,39 +90,38 @@ TEST(DuplicateLabels, AreReportedWithBadStageAddressesBeforeOperandsAreChecked) 
       {"Cannot find include file 'no'", "main.asm:3" + twice + "'x'", "main.asm:4" + twice + "'D'",
        "main.asm:6" + twice + "'v'", "main.asm:7" + twice + "'x'", "main.asm:8" + twice + "'__bank_code_reg'",
        "main.asm:10" + twice + "'__bank_b'", "main.asm:11" + stage + "'$10000'", "main.asm:13" + stage + "'v + 0'"},
-      {undefined("y")[0], "undefined symbol '__bank_b.q', using 0"}, "-DD -code-reg 82");
+      undefined({"y", "__bank_b.q"}), "-DD -code-reg 82");
   expectCode("NOP\nCH: NOP\nCH: NOP\n>l:\n>l:\n.l:\n.l:\nx:\nx = 9\nRTCLOK:\n.word CH,l,CH.l,x",
              {{0, "EAEAEA0200030003000900"}}, {}, "-DRTCLOK");
 }
 
+// clang-format off
 TEST(LongBranches, BecomeJumpsWhereTheTargetIsOutOfReach) {
-  const std::pair<std::string, std::string> rows[] = {
-      // clang-format off
-      {"BNE $281",         "D0 7F"},
-      {"BNE $282",         "F0 03 4C 82 02"},
-      {"BNE $182",         "D0 80"},
-      {"BNE $181",         "F0 03 4C 81 01"},
-      {"BRA $281",         "80 7F"},
-      {"BRA $282",         "4C 82 02"},
-      {"BNE $10182",       "D0 80"},
-      {"bcc $400",         "B0 03 4C 00 04"},
-      {"BEQ x : NOP : x:", "F0 01 EA"},
-      // clang-format on
-  };
-  for (const auto& [source, bytes] : rows)
-    expectCode(".org $200\n" + source, {{0x200, bytes}});
-  expectCode(".bank b\n.byte 1\nx: BNE x", {{0x4000, "01 D0 FE"}}, {}, window);
-  // Each rewritten branch may push another one out of reach, in the next iteration.
-  expectCode(".org $2000\nBNE t\n.space 100\nBEQ u\n.space 25\nt: .space 103\nu: RTS",
-             {{0x2000, "F0 03 4C 87 20" + zeros(100) + "D0 03 4C EE 20" + zeros(128) + "60"}}, {}, "-V");
+  const std::string at200 = ".org $200\n";
+  expectRows({
+      {at200 + "BNE $281",           {{0x200, "D0 7F"}}},
+      {at200 + "BNE $282",           {{0x200, "F0 03 4C 82 02"}}},
+      {at200 + "BNE $182",           {{0x200, "D0 80"}}},
+      {at200 + "BNE $181",           {{0x200, "F0 03 4C 81 01"}}},
+      {at200 + "BRA $282",           {{0x200, "4C 82 02"}}},
+      {at200 + "BNE $10182",         {{0x200, "D0 80"}}},
+      {at200 + "bcc $400",           {{0x200, "B0 03 4C 00 04"}}},
+      {at200 + "BEQ x : NOP : x:",   {{0x200, "F0 01 EA"}}},
+      {".bank b\n.byte 1\nx: BNE x", {{0x4000, "01 D0 FE"}}, window},
+      // Each rewritten branch may push another one out of reach, in the next iteration.
+      {".org $2000\nBNE t\n.space 100\nBEQ u\n.space 25\nt: .space 103\nu: RTS",
+       {{0x2000, "F0 03 4C 87 20" + zeros(100) + "D0 03 4C EE 20" + zeros(128) + "60"}}, "-V"},
+  });
 }
+// clang-format on
 
 // Cloaked code never settles: its branches are judged at another address than its own, the inverted ones as well.
 TEST(LongBranches, AreRewrittenInNoMoreThanEightIterations) {
-  const std::string code = "F0 03 4C 08 30 4C 0B 30 4C 0E 30 4C 11 30 4C 14 30 4C 17 30 4C 00 30";
-  expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}});
-  expectCode(".cloaked_segment $3000\nx:\nBNE x", {{0x3000, code}}, {"iteration 8: rewrote 1 long branch"}, "-V");
-  expectCode(".cloaked_segment $3000\nx:\nBNE x\n.cloaked_segment $5000\ny:\nBVC y",
+  const std::string source = ".cloaked_segment $3000\nx:\nBNE x",
+                    code = "F0 03 4C 08 30 4C 0B 30 4C 0E 30 4C 11 30 4C 14 30 4C 17 30 4C 00 30";
+  expectCode(source, {{0x3000, code}});
+  expectCode(source, {{0x3000, code}}, {"iteration 8: rewrote 1 long branch"}, "-V");
+  expectCode(source + "\n.cloaked_segment $5000\ny:\nBVC y",
              {{0x3000, code}, {0x5000, "70 03 4C 08 50 4C 0B 50 4C 0E 50 4C 11 50 4C 14 50 4C 17 50 4C 00 50"}},
              {"iteration 8: rewrote 2 long branches"}, "-V");
 }
@@ -183,7 +180,7 @@ NOP)";
                                 0);
   expectRun({.source = source,
              .line = "main.asm -l a.lst",
-             .standardError = say("warning: " + undefined("l")[0]) +
+             .standardError = say("warning: " + undefined({"l"})[0]) +
                               say("assembled 'main.asm' -> 'main.xex' (26 bytes, 6 segments)"),
              .written = {{"main.xex", image}, {"a.lst", listing}}});
 }
@@ -201,10 +198,6 @@ TEST(Prg, IsMemoryFromTheLowestSegmentOn) {
        .line = "-f prg main.asm",
        .standardError = say("assembled 'main.asm' -> 'main.prg' (10 bytes, 7 segments)"),
        .written = {{"main.prg", bytes("F0FF 01020304 05 07 000000 06" + zeros(8) + "0809" + zeros(65535) + "0A")}}});
-  expectRun({.source = ".org $2002\nNOP\n.org $2000\nNOP",
-             .line = "-f prg main.asm",
-             .standardError = say("assembled 'main.asm' -> 'main.prg' (2 bytes, 2 segments)"),
-             .written = {{"main.prg", bytes("0020 EA 00 EA")}}});
   expectRun({".org 1", "-f prg main.asm", 1, say("error: cannot write 'main.prg'")});
 }
 
@@ -224,21 +217,6 @@ TEST(Pieces, AreCutAtTheShadowRangesThatTouchTheSegment) {
   };
   EXPECT_EQ(rows(pieces.plain), (Rows{{257, 1, 15}, {281, 25, 230}}));
   EXPECT_EQ(rows(pieces.shadow), (Rows{{256, 0, 1}, {272, 16, 16}, {272, 16, 8}, {280, 24, 1}, {511, 255, 1}}));
-}
-
-// More symbols than fit into a cache near the processor are fetched some statements before they are looked up. Each
-// word holds the address of another label, spelled in upper case every second time.
-TEST(Names, AreFoundAmongFortyThousand) {
-  constexpr unsigned count = 40000;
-  std::string source = ".org $2000\n", words;
-  for (unsigned i = 0; i < count; ++i) {
-    const unsigned target = i * 7919 % count;
-    source +=
-        "label" + std::to_string(i) + ": .word " + (i % 2 == 0 ? "label" : "LABEL") + std::to_string(target) + "\n";
-    const unsigned address = (0x2000 + target * 2) & 0xFFFF;
-    appendHex(words, (address & 0xFF) << 8 | address >> 8, 4);
-  }
-  expectCode(source, {{0x2000, words}});
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 namespace kiln::test {
 namespace {
 
-std::string undefined(const std::string& name) { return say("warning: undefined symbol '" + name + "', using 0"); }
+std::string unknown(const std::string& name) { return say("warning: " + undefined({name})[0]); }
 
 std::string ambiguous(const std::string& name, const std::string& digits) {
   return say("warning: label '" + name +
@@ -34,7 +34,7 @@ void expectStandardError(const std::vector<Program>& programs) {
 }
 
 TEST(WarningOrder, FollowsTheOperandThroughThePasses) {
-  const std::string u = undefined("u"), v = undefined("v");
+  const std::string u = unknown("u"), v = unknown("v");
   expectStandardError({
       // Parsing evaluates counts, before the layout evaluates anything.
       {" .org u\n .space v", v + u + u + u + assembled("0 bytes, 1 segment")},
@@ -55,7 +55,7 @@ TEST(WarningOrder, FollowsTheOperandThroughThePasses) {
 }
 
 TEST(WarningOrder, HasAllOriginsBeforeAnyBranchInTheLongBranchRewriter) {
-  const std::string u = undefined("u"), v = undefined("v"), w = undefined("w"), z = undefined("z");
+  const std::string u = unknown("u"), v = unknown("v"), w = unknown("w"), z = unknown("z");
   expectStandardError({
       // Layout, rewriter, emission.
       {" BNE u\n .org v", v + (v + u) + (u + v) + assembled("2 bytes, 2 segments")},
@@ -69,7 +69,7 @@ TEST(WarningOrder, HasAllOriginsBeforeAnyBranchInTheLongBranchRewriter) {
 }
 
 TEST(WarningOrder, HasTheAmbiguityOfANameOnce) {
-  const std::string u = undefined("u"), v = undefined("v");
+  const std::string u = unknown("u"), v = unknown("v");
   expectStandardError({
       {" BNE u\n>0Ah: NOP\n .org 0Ah\n .byte 0Ah,v",
        ambiguous("0Ah", "0A") + u + u + v + assembled("5 bytes, 2 segments")},

@@ -42,6 +42,20 @@ std::string range(const std::string& name, uint32_t low, uint32_t high) {
 
 std::string say(const std::string& text) { return "kiln-as: " + text + "\n"; }
 
+std::vector<std::string> undefined(const std::vector<std::string>& names) {
+  std::vector<std::string> warnings;
+  for (const std::string& name : names)
+    warnings.push_back("undefined symbol '" + name + "', using 0");
+  return warnings;
+}
+
+std::vector<std::string> texts(const MessageList& messages) {
+  std::vector<std::string> list;
+  for (size_t i = 0; i < messages.size(); ++i)
+    list.emplace_back(messages[i]);
+  return list;
+}
+
 std::vector<std::string> words(std::string_view line) {
   std::vector<std::string> result;
   Fields fields(line, ' ');
@@ -71,8 +85,6 @@ std::string messages(const std::string& kind, const std::vector<std::string>& te
   return lines;
 }
 
-std::string withMain(const std::string& options) { return options.empty() ? "main.asm" : options + " main.asm"; }
-
 }  // namespace
 
 void expectCode(const std::string& source, const Contents& segments, const std::vector<std::string>& warnings,
@@ -82,7 +94,7 @@ void expectCode(const std::string& source, const Contents& segments, const std::
     size += bytes(hex).size();
   const std::string count = std::to_string(segments.size()) + (segments.size() == 1 ? " segment)" : " segments)");
   expectRun({.source = source,
-             .line = withMain(options),
+             .line = options + (options.empty() ? "main.asm" : " main.asm"),
              .standardError = messages("warning", warnings) +
                               say("assembled 'main.asm' -> 'main.xex' (" + std::to_string(size) + " bytes, " + count),
              .written = {{"main.xex", xex(segments, segments.empty() ? 0x3400 : segments.front().first)}}});
@@ -91,7 +103,7 @@ void expectCode(const std::string& source, const Contents& segments, const std::
 void expectErrors(const std::string& source, const std::vector<std::string>& errors,
                   const std::vector<std::string>& warnings, const std::string& options) {
   expectRun({.source = source,
-             .line = withMain(options),
+             .line = options + (options.empty() ? "main.asm" : " main.asm"),
              .status = 1,
              .standardError = messages("warning", warnings) + messages("error", errors)});
 }

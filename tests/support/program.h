@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/diagnostics.h"
 #include "support/memory_host.h"
 
 namespace kiln::test {
@@ -39,6 +40,12 @@ std::string range(const std::string& name, uint32_t low, uint32_t high);
 
 // "kiln-as: " and the text, as a line.
 std::string say(const std::string& text);
+
+// "undefined symbol 'name', using 0" for each of the names.
+std::vector<std::string> undefined(const std::vector<std::string>& names);
+
+// All messages of a list.
+std::vector<std::string> texts(const MessageList& messages);
 
 // The arguments of a command line: between two spaces is an empty one.
 std::vector<std::string> words(std::string_view line);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <regex>
 
 #include "base/format.h"
 #include "layout/layout_parser.h"
@@ -35,22 +35,22 @@ AsLayout parsed(const std::string& text) {
   return layout;
 }
 
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
 // Each text sets these fields when it follows the header.
-void expectFields(const std::string& header, std::initializer_list<std::pair<std::string, std::string>> rows) {
+void expectFields(const std::string& header, const Pairs& rows) {
   for (const auto& [text, fields] : rows)
     EXPECT_EQ(shown(parsed(header + text)), fields) << text;
 }
 
 // clang-format off
 TEST(LayoutNumbers, AreDollarHexadecimalOrDecimal) {
-  const std::pair<const char*, uint32_t> rows[] = {
-      {" 12\t",      12},
-      {"$aF",        0xAF},
-      {"4294967298", 2},
-      {"$123456789", 0x23456789},
-  };
-  for (const auto& [text, number] : rows)
-    EXPECT_EQ(parseLayoutNumber(text), number) << text;
+  expectFields("[banking]\ncodereg = ", {
+      {" 12\t",      "banking registers $C-$0"},
+      {"$aF",        "banking registers $AF-$0"},
+      {"4294967298", "banking registers $2-$0"},
+      {"$123456789", "banking registers $23456789-$0"},
+  });
   for (const char* other : {"", "$", "$G", "$1 2", "1a", "-1", "0x1"})
     EXPECT_FALSE(parseLayoutNumber(other).has_value()) << other;
 }
@@ -133,11 +133,9 @@ TEST(CloakedEntries, NameTheirIds) {
       {"bank = 2147483646-2147483647\nid = <n>",                                "'2147483646' '2147483647'"},
   });
   EXPECT_EQ(parsed("[cloaked]\nbank = 7").cloakedBankLo, 7);
-  for (const char* noBank : {"bank = 5-3\nbank = none", "bank = 5-3\n[cloaked]\nid = a"}) {
-    const AsLayout layout = parsed(concat({"[cloaked]\n", noBank}));
-    EXPECT_EQ(layout.cloakedBankLo, -1);
-    EXPECT_EQ(layout.cloakedBankHi, -1);
-  }
+  EXPECT_EQ(parsed("[cloaked]\nbank = 0-999999\nid = <n>").cloakedIds.back(), "999999");
+  for (const char* noBank : {"bank = 5-3\nbank = none", "bank = 5-3\n[cloaked]\nid = a"})
+    EXPECT_EQ(parsed(concat({"[cloaked]\n", noBank})).cloakedBankLo, -1) << noBank;
 }
 
 TEST(CloakedEntries, AreRefusedWhenTheirIdsAreTooManyOrNotDistinct) {
@@ -145,7 +143,7 @@ TEST(CloakedEntries, AreRefusedWhenTheirIdsAreTooManyOrNotDistinct) {
                     noPlaceholder = " (range) needs '<n>' placeholder in id (e.g. `id = ext<n>`); got 'lib'",
                     repeated = "' (check for overlapping `bank = N-M` ranges or repeated `id = ` lines)",
                     tooLong = " (range) is too long";
-  const std::pair<std::string, std::string> rows[] = {
+  for (const auto& [text, error] : Pairs{
       {"bank = 1-2\nbank = none\nid = <n>",                            "id '<n>" + notRange},
       {"[cloaked]\nid = <n>",                                          "id '<n>" + notRange},
       {"bank = 3-5\n[memory]\nx",                                      "bank = 3-5" + noPlaceholder},
@@ -154,8 +152,7 @@ TEST(CloakedEntries, AreRefusedWhenTheirIdsAreTooManyOrNotDistinct) {
       {"bank = $80000000-$7FFFFFFF\nid = <n>",                         "bank = -2147483648-2147483647" + tooLong},
       {"bank = 0-999998\nid = a<n>\n[cloaked]\nbank = 1-2\nid = b<n>", "bank = 1-2" + tooLong},
       {"bank = 0-500000\nid = <n>" + std::string(61, 'x'),             "bank = 0-500000" + tooLong},
-  };
-  for (const auto& [text, error] : rows)
+  })
     EXPECT_EQ(shown(parsed("[cloaked]\n" + text)), "d/t.lnk: [cloaked] " + error) << text;
   expectFields("[cloaked]\n", {
       {"bank = 3-5\nx", "d/t.lnk:3: expected 'key = value'"},
@@ -173,10 +170,10 @@ struct Includes {
 };
 
 void expectIncludes(const std::vector<Includes>& rows) {
-  for (const auto& [files, fields] : rows) {
-    test::MemoryHost reader;
-    reader.files = files;
-    EXPECT_EQ(shown(loadLayout(reader, "t/x.lnk")), fields) << files.at("t/x.lnk");
+  test::MemoryHost reader;
+  for (const Includes& row : rows) {
+    reader.files = row.files;
+    EXPECT_EQ(shown(loadLayout(reader, "t/x.lnk")), row.fields) << reader.files["t/x.lnk"];
   }
 }
 
@@ -185,25 +182,17 @@ TEST(LayoutIncludes, AreReadBeforeTheFileThatNamesThem) {
   const std::string main12 = "[memory]\nmain = $1-$2";
   expectIncludes({
       // The file's own lines come last, wherever its "#include" is; the first include wins.
-      {{{"t/x.lnk", "[banking]\ncodereg = 1\ncodereg = x\n #include \"a.lnk\" \r\n"
-                   "#include \"b.lnk\"\n[memory]\nmain = $5-$6"},
-        {"t/a.lnk", "[banking]\ncodereg = 2\ndatareg = 3\n[memory]\nmain = $1-$2\n[cloaked]"},
-        {"t/b.lnk", "[banking]\ndatareg = 4\nwindow = $7-$8\n[cloaked]"}},
-       "banking window $7-$8 main $5-$6 registers $1-$3"},
-      {{{"t/x.lnk", "[banking]\ncodewindow = $1-$2\n#include \"a.lnk\""},
-        {"t/a.lnk", "[banking]\ndatawindow = $3-$4"}},
+      {{{"t/x.lnk", "[banking]\ncodereg = 1\ncodereg = x\n #include \"a\" \r\n#include \"b\"\n[memory]\nmain = $5-$6"},
+        {"t/a", "[banking]\ncodereg = 2\ndatareg = 3\n[memory]\nmain = $1-$2\n[cloaked]"},
+        {"t/b", "[banking]\ndatareg = 4\nwindow = $7-$8\n[cloaked]"}}, "banking window $7-$8 main $5-$6 registers $1-$3"},
+      {{{"t/x.lnk", "[banking]\ncodewindow = $1-$2\n#include \"a\""}, {"t/a", "[banking]\ndatawindow = $3-$4"}},
        "banking window $1-$4 split half $1-$2 data $3-$4"},
       // The name reaches from the first quote to the last; it is relative to the file that holds the line.
-      {{{"t/x.lnk", "#include\n#include \"\n#includes \"s//a.lnk\" # of all"},
-        {"t/s/a.lnk",        "#include \"a\"b\""},
-        {"t/s/layouts/a\"b", "#include \"c.lnk\""},
-        {"t/s/layouts/c.lnk", main12}},
-       "main $1-$2"},
+      {{{"t/x.lnk", "#include\n#include \"\n#includes \"s//a.lnk\" # of all"}, {"t/s/a.lnk", "#include \"a\"b\""},
+        {"t/s/layouts/a\"b", "#include \"c.lnk\""}, {"t/s/layouts/c.lnk", main12}}, "main $1-$2"},
       {{{"t/x.lnk", "#include \"a\""}, {"t/a", main12}, {"t/layouts/a", "x"}}, "main $1-$2"},
-      {{{"t/x.lnk", "#include \"b\"\n#include \"a\"\n#include \"b\""},
-        {"t/a", main12},
-        {"t/b", "#include \"a\"\n[memory]\nmain = none"}},
-       "main $1-$2"},
+      {{{"t/x.lnk", "#include \"b\"\n#include \"a\"\n#include \"b\""}, {"t/a", main12},
+        {"t/b", "#include \"a\"\n[memory]\nmain = none"}}, "main $1-$2"},
   });
 }
 
@@ -215,15 +204,10 @@ TEST(LayoutIncludes, FailWithTheFirstError) {
        "t/c:2: expected 'key = value'"},
       {{{"t/x.lnk", "#include \"d/x.lnk\""}, {"x.lnk", ""}},
        "The file “x.lnk” couldn’t be opened because there is no such file."},
-      {{{"t/x.lnk", "\xFF"}},
-       "The file “x.lnk” couldn’t be opened using text encoding Unicode (UTF-8)."},
+      {{{"t/x.lnk", "\xFF"}}, "The file “x.lnk” couldn’t be opened using text encoding Unicode (UTF-8)."},
       // Circles, however the path is written.
-      {{{"t/x.lnk", "#include \"x.lnk\""}},
-       "t/x.lnk: #include of 'x.lnk' never ends"},
-      {{{"t/x.lnk", "#include \"./x.lnk\""}, {"t/./x.lnk", ""}},
-       "t/x.lnk: #include of './x.lnk' never ends"},
-      {{{"t/x.lnk", "#include \"./a\""}, {"t/./a", "#include \"a\""}},
-       "t/./a: #include of 'a' never ends"},
+      {{{"t/x.lnk", "#include \"./x.lnk\""}, {"t/./x.lnk", ""}}, "t/x.lnk: #include of './x.lnk' never ends"},
+      {{{"t/x.lnk", "#include \"./a\""}, {"t/./a", "#include \"a\""}}, "t/./a: #include of 'a' never ends"},
       {{{"t/x.lnk", "#include \"s/a\""}, {"t/s/a", "#include \"../x.lnk\""}, {"t/s/../x.lnk", ""}},
        "t/s/a: #include of '../x.lnk' never ends"},
   });
@@ -231,41 +215,23 @@ TEST(LayoutIncludes, FailWithTheFirstError) {
 // clang-format on
 
 TEST(LayoutMerging, FillsEachFieldThatIsNotSet) {
-  const std::string everyKey =
+  const std::string keys =
       "[banking]\ndatawindow = $14-$15\ncodewindow = $12-$13\nwindow = $10-$11\nregisters = $16, $17\n"
       "regcwindow = $18-$19\nregcpagesize = $1A\nregcreg = $1B-$1C\n[memory]\nmain = $1-$2\n";
-  const std::string everyField =
+  const std::string fields =
       "banking window $10-$11 main $1-$2 split half $12-$13 data $14-$15 registers $16-$17 regc regcWindow $18-$19 "
       "regcPage $1A-$0 regcReg $1B-$1C";
-  std::string otherKeys = everyKey + "[cloaked]\nid = a";
-  std::replace(otherKeys.begin(), otherKeys.end(), '1', '2');
   AsLayout filled;
-  mergeLayout(filled, parsed(everyKey));
-  EXPECT_EQ(shown(filled), everyField);
-  AsLayout other = parsed(otherKeys);
+  mergeLayout(filled, parsed(keys));
+  EXPECT_EQ(shown(filled), fields);
+  AsLayout other = parsed(std::regex_replace(keys, std::regex("1"), "2") + "[cloaked]\nid = a");
   other.error = "e";
   mergeLayout(filled, other);
   mergeLayout(filled, AsLayout{});
-  EXPECT_EQ(shown(filled), everyField);
+  EXPECT_EQ(shown(filled), fields);
   parseLayout(filled, test::MemoryHost{}, "t", "[banking]\ncodereg = 0");
   EXPECT_EQ(filled.codeReg, 0u);
   EXPECT_EQ(filled.dataReg, 0x17u);
-}
-
-TEST(Layout, MayBeDeepAndLong) {
-  test::MemoryHost reader;  // a chain of 20,000 files, each of which includes the next one twice
-  for (int i = 0; i < 20'000; ++i) {
-    const std::string line = concat({"#include \"", decimal(i + 1), "\"\n"});
-    reader.files[decimal(i)] = line + line;
-  }
-  reader.files["20000"] = "[memory]\nmain = $1-$2";
-  EXPECT_EQ(shown(loadLayout(reader, "0")), "main $1-$2");
-
-  const std::string dollars(10'000'000, '$');
-  reader.files["0"] = "[banking]\nwindow = " + dollars + "1-$2\nregisters = " + dollars;
-  EXPECT_EQ(shown(loadLayout(reader, "0")), "banking window $1-$2");
-  reader.files["0"] = "[cloaked]\nbank = 0-999999\nid = <n>";
-  EXPECT_EQ(loadLayout(reader, "0").cloakedIds.back(), "999999");
 }
 
 }  // namespace

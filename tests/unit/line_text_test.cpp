@@ -25,22 +25,11 @@ TEST(LineShape, IsTheSameForShortAndLongLines) {
         EXPECT_EQ(shape.code(), longer.code());
         EXPECT_EQ(shape.splits(), longer.splits());
         EXPECT_EQ(shape.marked(), longer.marked());
-        EXPECT_TRUE(shape.has(Colon) || shape.code().find(':') == std::string_view::npos);
-        EXPECT_TRUE(shape.has(Equals) || shape.code().find('=') == std::string_view::npos);
-        EXPECT_TRUE(shape.has(Dot) || shape.code().find('.') == std::string_view::npos);
+        for (const auto& [flag, character] : {std::pair(Colon, ':'), {Equals, '='}, {Dot, '.'}})
+          EXPECT_TRUE(shape.has(flag) || shape.code().find(character) == std::string_view::npos);
       }
     }
   }
-}
-
-TEST(LineShape, KnowsTheBlanksAndCommasInEachPartOfALine) {
-  TextStore texts;
-  const std::string_view line = texts.join({"x: LDA a,\tb ; c, d"});
-  const LineShape shape(line);
-  EXPECT_EQ(shape.specialsIn(line.substr(7, 1)) & (Space | Tab | Comma), 0);
-  EXPECT_EQ(shape.specialsIn(line.substr(7, 2)) & (Space | Tab | Comma), Comma);
-  EXPECT_EQ(shape.specialsIn(line.substr(7, 4)) & (Space | Tab | Comma), Comma | Tab);
-  EXPECT_EQ(shape.specialsIn(line.substr(2, 5)) & (Space | Tab | Comma), Space);
 }
 
 // Empty items count nothing, wherever in a block they are.
@@ -55,19 +44,6 @@ TEST(DataItems, AreCountedInListsOfEveryLength) {
       if (list[at] != ',') continue;
       EXPECT_EQ(countItems(texts.join({list.substr(0, at), ",", list.substr(at)})), items) << at << " in " << list;
       EXPECT_EQ(countItems(texts.join({list.substr(0, at), ", ", list.substr(at)})), items) << at << " in " << list;
-    }
-  }
-}
-
-// The address sanitizer notices when the padding is missing.
-TEST(TextStore, HasReadablePaddingAfterEachText) {
-  TextStore texts;
-  for (size_t size : {0, 1, 15, 16, 63, 64, 65, 65536, 100000}) {
-    const std::string text(size, 'x');
-    for (std::string_view kept : {texts.own(std::string(text)), texts.join({text})}) {
-      EXPECT_EQ(kept, text);
-      for (size_t i = 0; i < TextStore::padding; ++i)
-        EXPECT_EQ(static_cast<volatile const char*>(kept.data())[size + i], kept.data()[size + i]);
     }
   }
 }

@@ -26,15 +26,4 @@ TEST(Machine, RefusesFilesThatDoNotLoadOrReturn) {
   }
 }
 
-TEST(Machine, HidesMemoryBehindItsRom) {
-  Machine m;  // STA $C000 : DEC $D301 : STA $C001 : LDX $C001 : INC $D301 : LDY $C001 : JSR $E456 (an RTS in ROM) : RTS
-  m.osRom = true;
-  m.a = 0x42;
-  ASSERT_TRUE(m.loadXex(xex({{0x600, "8D00C0 CE01D3 8D01C0 AE01C0 EE01D3 AC01C0 2056E4 60"}}, 0x600)) && m.run());
-  EXPECT_EQ(m.x, 0x42);
-  EXPECT_EQ(m.y, 0x60);
-  m.osRom = false;
-  EXPECT_EQ(m.peekWord(0xC000), 0x4200);
-}
-
 }  // namespace kiln::test
