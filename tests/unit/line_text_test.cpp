@@ -48,5 +48,16 @@ TEST(DataItems, AreCountedInListsOfEveryLength) {
   }
 }
 
+// The address sanitizer notices when the padding is missing.
+TEST(TextStore, HasReadablePaddingAfterEachText) {
+  for (size_t size : {0, 1, 64, 65536, 100000}) {
+    TextStore texts;
+    const std::string text(size, 'x');
+    for (std::string_view kept : {texts.join({text}), texts.own(std::string(text))})
+      for (size_t i = 0; i < TextStore::padding; ++i)
+        EXPECT_EQ(static_cast<volatile const char*>(kept.data())[size + i], kept.data()[size + i]);
+  }
+}
+
 }  // namespace
 }  // namespace kiln::test
