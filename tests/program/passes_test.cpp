@@ -41,10 +41,10 @@ TEST(Segments, OpenWhereNoShortGapCanBeFilled) {
 TEST(Segments, CarryTheirBankAndTheirCloak) {
   Assembler assembler;
   assembler.settings.banking.bankWindowLow = 0x14000;
-  assembler.lines.add(
-      "NOP : .bank b : .bank c : .bank b : .cloaked_segment $5000 , 3+4 : NOP : .cloaked_segment $15001, NONE : "
-      ".cloaked_segment : .cloaked_segment 1, : .org 0 : .shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage "
-      "$FFFF");
+  assembler.lines.add(assembler.texts.join(
+      {"NOP : .bank b : .bank c : .bank b : .cloaked_segment $5000 , 3+4 : NOP : .cloaked_segment $15001, NONE : "
+       ".cloaked_segment : .cloaked_segment 1, : .org 0 : .shadow_ranges $C000-$CFFF, $D800-$1FFFF : .shadow_stage "
+       "$FFFF"}));
   ASSERT_TRUE(assemble(assembler));
   // Each segment's address, bank (-1: none), cloak and id.
   using Rows = std::vector<std::array<int64_t, 4>>;
