@@ -19,16 +19,4 @@ bool SegmentCursor::crossesRegions(uint32_t target) const {
   return from >= 0 && from < regions_.find(target);
 }
 
-void SegmentCursor::open(uint32_t address) {
-  pc_ = address;
-  start_ = address;
-  isOpen_ = true;
-  isEmpty_ = true;
-}
-
-void SegmentCursor::advance(uint32_t size) {
-  pc_ = (pc_ + size) & 0xFFFF;
-  if (size != 0) isEmpty_ = false;
-}
-
 }  // namespace kiln

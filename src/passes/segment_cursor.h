@@ -21,11 +21,17 @@ class SegmentCursor {
   bool splitsAt(uint32_t target) const;
 
   // A new segment at `address`, 0..65535.
-  void open(uint32_t address);
+  void open(uint32_t address) {
+    pc_ = start_ = address;
+    isOpen_ = isEmpty_ = true;
+  }
   // There is no segment until the next open().
   void close() { isOpen_ = false; }
   // Puts `size` bytes into the open segment.
-  void advance(uint32_t size);
+  void advance(uint32_t size) {
+    pc_ = (pc_ + size) & 0xFFFF;
+    isEmpty_ = isEmpty_ && size == 0;
+  }
 
  private:
   bool crossesRegions(uint32_t target) const;

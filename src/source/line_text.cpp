@@ -135,11 +135,8 @@ uint8_t LineShape::specialsIn(std::string_view part) const {
     return all;
   }
   const uint64_t in = lowestBits(part.size()) << (part.data() - masked_);
-  const auto add = [&](uint64_t mask, Special c) { all = static_cast<uint8_t>(all | ((mask & in) != 0 ? c : 0)); };
-  add(masks_.spaces, Space);
-  add(masks_.tabs, Tab);
-  add(masks_.commas, Comma);
-  return all;
+  return static_cast<uint8_t>(((masks_.spaces & in) != 0 ? Space : 0) | ((masks_.tabs & in) != 0 ? Tab : 0) |
+                              ((masks_.commas & in) != 0 ? Comma : 0));
 }
 
 std::optional<std::string_view> StatementTexts::next() {
