@@ -31,7 +31,7 @@ Mode firstSpelled(std::string_view operand) {
 }  // namespace
 
 std::string_view withoutCommaSpaces(std::string_view operand, std::string& scratch) {
-  if (operand.find(" ,") == std::string_view::npos && operand.find(", ") == std::string_view::npos) return operand;
+  if (operand.find(' ') == std::string_view::npos || operand.find(',') == std::string_view::npos) return operand;
   scratch.clear();
   for (size_t i = 0; i < operand.size();) {
     if (operand[i] != ' ') {
