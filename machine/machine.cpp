@@ -168,7 +168,7 @@ void Processor::execute(Mnemonic operation) {
     case TXS: m.s = m.x; break;             case TAX: load(m.x, m.a); break;      case TAY: load(m.y, m.a); break;
     case TSX: load(m.x, m.s); break;        case TXA: load(m.a, m.x); break;      case TYA: load(m.a, m.y); break;
     case CLC: set(carry, false); break;            case SEC: set(carry, true); break;
-    case CLD: set(decimal, false); break;          case SED: set(decimal, true); break;
+    case CLD: set(decimalMode, false); break;      case SED: set(decimalMode, true); break;
     case CLI: set(interruptsOff, false); break;    case SEI: set(interruptsOff, true); break;
     case CLV: set(overflow, false); break;         case BRA: branch(true); break;
     case BCC: branch(!has(carry)); break;          case BCS: branch(has(carry)); break;

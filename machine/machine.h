@@ -28,7 +28,7 @@ class Machine {
   // The flags of p.
   // clang-format off
   enum Flag : uint8_t {
-    carry = 0x01, zero = 0x02, interruptsOff = 0x04, decimal = 0x08,
+    carry = 0x01, zero = 0x02, interruptsOff = 0x04, decimalMode = 0x08,
     breakMark = 0x10, alwaysSet = 0x20, overflow = 0x40, negative = 0x80
   };
   // clang-format on

@@ -15,7 +15,7 @@ namespace {
 TEST(LineShape, IsTheSameForShortAndLongLines) {
   TextStore texts;
   const std::string specials[] = {"\"", ";", ":", "=", ",", ".", "\t", "\r", std::string(1, '\0'), " : ", "; longbr"};
-  for (size_t size : {0, 1, 31, 32, 33, 62, 63, 64, 65, 66}) {
+  for (size_t size : {0u, 1u, 31u, 32u, 33u, 62u, 63u, 64u, 65u, 66u}) {
     for (const std::string& special : specials) {
       for (size_t at = 0; at + special.size() <= size; ++at) {
         const std::string line = std::string(size, 'a').replace(at, special.size(), special);
@@ -50,7 +50,7 @@ TEST(DataItems, AreCountedInListsOfEveryLength) {
 
 // The address sanitizer notices when the padding is missing.
 TEST(TextStore, HasReadablePaddingAfterEachText) {
-  for (size_t size : {0, 1, 64, 65536, 100000}) {
+  for (size_t size : {0u, 1u, 64u, 65536u, 100000u}) {
     TextStore texts;
     const std::string text(size, 'x');
     for (std::string_view kept : {texts.join({text}), texts.own(std::string(text))})
