@@ -4,7 +4,7 @@
 
 namespace kiln {
 
-// The one place for it: CMake reads it here, and tests/version.sh checks the pages that repeat it.
+// The one place for it: CMake reads it here, and a test checks the pages that repeat it.
 inline constexpr std::string_view version = "0.61";
 
 }  // namespace kiln

@@ -17,7 +17,7 @@ uint32_t walkItems(DataItems items) {
 }  // namespace
 
 // Every comma is between two items unless it is first, last, or before a blank or another comma. Without such a comma,
-// counting the commas is enough (7 % of the time of a source of data lists).
+// counting the commas is enough (a seventh of the time of a source of data lists).
 uint32_t countItems(std::string_view list) {
   uint64_t gaps = list.front() == ',' || list.back() == ',' ? 1 : 0;
   uint32_t count = 1;

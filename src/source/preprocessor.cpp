@@ -40,8 +40,8 @@ std::string_view argumentOf(std::string_view start, std::string_view word) {
 }
 
 // The begin of the first line, at or after `from`, that may be a .macro or an .include; past the end of the text when
-// there is none. `from` is where a line begins. Looking for the dots is quicker than looking at each line (an eighth of
-// the preprocessing of a plain source is left).
+// there is none. `from` is where a line begins. Looking for the dots is quicker than looking at each line (a tenth of
+// the time of a million plain lines).
 size_t findDirective(std::string_view text, size_t from) {
   for (size_t dot = text.find('.', from); dot != std::string_view::npos; dot = text.find('.', dot + 1)) {
     const char second = dot + 1 < text.size() ? toLower(text[dot + 1]) : '\n';
