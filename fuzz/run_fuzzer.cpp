@@ -196,7 +196,6 @@ void checkFailure(std::string_view input, const Outcome& outcome) {
 void checkLongLines(std::string_view input, const Outcome& outcome) {
   const Outcome other = runOnce(input, Lines::Long);
   if (outcome.memoryFailed || other.memoryFailed) return;
-  require(outcome.status == other.status, "another exit status for longer lines");
   require(outcome.standardError == other.standardError, "other messages for longer lines");
   require(outcome.written.empty() || outcome.written.front() == other.written.front(),
           "another image for longer lines");
@@ -206,8 +205,10 @@ void checkRun(std::string_view input) {
   const Outcome outcome = runOnce(input);
   // Only some inputs are run twice, to save time.
   if (input.size() % 4 == 0) require(outcome == runOnce(input), "the same run has another outcome");
-  // A colon at the end of a line separates statements only when blanks follow it.
-  if (input.size() % 4 == 1 && input.find(" :") == std::string_view::npos) checkLongLines(input, outcome);
+  // A colon at the end of a line, which a macro may put there, separates statements only when blanks follow it.
+  const bool mayEndInColon =
+      input.find(" :") != std::string_view::npos || toLower(input).find(".macro") != std::string::npos;
+  if (input.size() % 4 == 1 && !mayEndInColon) checkLongLines(input, outcome);
   require(outcome.status == 0 || outcome.status == 1, "an undefined exit status");
   checkMessages(outcome.standardError);
   if (outcome.status == 1) {
