@@ -66,7 +66,7 @@ std::vector<std::string> listSymbolFiles(const Host& host, const std::string& su
     if (!names.has_value()) continue;
     std::sort(names->begin(), names->end());
     for (const std::string& name : *names) {
-      if (pathExtension(name) == "sym") paths.push_back(joinPaths(directory, name));
+      if (pathExtension(name) == "sym") paths.push_back(concat({directory, "/", name}));
     }
   }
   return paths;

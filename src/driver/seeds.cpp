@@ -1,6 +1,5 @@
 #include "driver/seeds.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -51,6 +50,9 @@ constexpr std::array<Equate, 147> equates = {{
 }};
 // clang-format on
 
+// The length of "NAME = $1234", a line end and a short comment.
+constexpr size_t usualDefinition = 16;
+
 void enterSeed(std::string_view name, uint32_t value, SymbolTable& symbols) {
   Symbol& symbol = symbols.enter(HashedName(name)).symbol;
   symbol.value = value;
@@ -94,10 +96,10 @@ std::vector<std::string_view> readSymbolFiles(const FileReader& files, const std
 Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles) {
   Seeds seeds;
   const std::vector<std::string_view> texts = readSymbolFiles(files, symbolFiles, seeds.texts);
-  size_t lineCount = equates.size();
+  size_t expectedCount = equates.size();
   for (std::string_view text : texts)
-    lineCount += static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
-  seeds.symbols.reserve(lineCount);
+    expectedCount += text.size() / usualDefinition;
+  seeds.symbols.reserve(expectedCount);
   for (std::string_view text : texts) {
     Fields lines(text, '\n');
     std::string_view line;
