@@ -15,7 +15,9 @@ declare -A mayInclude=(
   [output]='base/|host/console\.h|isa/|source/|output/'
   [passes]='base/|host/|isa/|layout/|source/|output/|passes/'
   [driver]='base/|host/|isa/|layout/|source/|output/|passes/|driver/'
+  [inspect]='base/|host/|isa/|layout/|source/|output/|passes/|driver/|inspect/'
   [main.cpp]='.*/'
+  [check_main.cpp]='.*/'
 )
 
 # Prints "file:line:directive" for every #include below the current folder.

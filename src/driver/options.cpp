@@ -1,8 +1,5 @@
 #include "driver/options.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "base/format.h"
 #include "base/hex.h"
 #include "base/text.h"
@@ -101,7 +98,7 @@ std::optional<int> setSplitDataWindow(const std::string& value, Console& console
   const std::string_view text = value;
   const size_t colon = text.find(':');
   if (colon == std::string_view::npos || text.find(':', colon + 1) != std::string_view::npos) {
-    console.printError("kiln-as: --data-window expects START:END\n");
+    console.printError(concat({options.program, ": --data-window expects START:END\n"}));
     return 1;
   }
   const std::string_view start = withoutHexPrefix(text.substr(0, colon));
@@ -109,14 +106,15 @@ std::optional<int> setSplitDataWindow(const std::string& value, Console& console
   const std::optional<uint32_t> startAddress = parseStrictHex(start);
   const std::optional<uint32_t> endAddress = parseStrictHex(end);
   if (!startAddress.has_value() || !endAddress.has_value()) {
-    console.printError(concat({"kiln-as: --data-window bad hex '", startAddress.has_value() ? end : start, "'\n"}));
+    console.printError(
+        concat({options.program, ": --data-window bad hex '", startAddress.has_value() ? end : start, "'\n"}));
     return 1;
   }
   options.splitDataWindow = {*startAddress, *endAddress};
   return std::nullopt;
 }
 
-constexpr OptionRow rows[] = {
+constexpr OptionRow<Options> rows[] = {
     {"-h", OptionValue::None, printUsage},
     {"-v", OptionValue::None, printVersion},
     {"--version", OptionValue::None, printVersion},
@@ -139,38 +137,42 @@ constexpr OptionRow rows[] = {
     {"-data-reg", OptionValue::Next, set<&Options::dataRegister>},
 };
 
-bool matches(const OptionRow& row, std::string_view argument, bool isLast) {
-  if (row.value == OptionValue::JoinedOrNext) return argument.starts_with(row.spelling);
-  return argument == row.spelling && !(row.value == OptionValue::Next && isLast);
-}
-
 }  // namespace
 
-std::span<const OptionRow> optionRows() { return rows; }
+std::span<const OptionRow<Options>> optionRows() { return rows; }
 
 std::string_view usageText() { return usage; }
 
+bool ArgumentReader::matches(std::string_view spelling, OptionValue value) const {
+  const bool isJoined = value == OptionValue::Joined || value == OptionValue::JoinedOrNext;
+  if (isJoined) return argument().starts_with(spelling);
+  const bool isLast = next_ + 1 == arguments_.size();
+  return argument() == spelling && !(value == OptionValue::Next && isLast);
+}
+
+std::string ArgumentReader::takeValue(std::string_view spelling, OptionValue value) {
+  const std::string& option = arguments_[next_++];
+  if (option.size() > spelling.size()) return option.substr(spelling.size());
+  const bool isNext = value == OptionValue::Next || value == OptionValue::JoinedOrNext;
+  return isNext && !atEnd() ? arguments_[next_++] : "";
+}
+
+std::optional<int> takeArgument(ArgumentReader& arguments, Console& console, Options& options) {
+  std::optional<int> status;
+  if (arguments.takeOption(optionRows(), console, options, status)) return status;
+  if (arguments.argument().starts_with('-')) {
+    console.printError(concat({options.program, ": unknown option '", arguments.argument(), "'\n"}));
+    return 1;
+  }
+  options.inputs.push_back(arguments.argument());
+  arguments.skip();
+  return std::nullopt;
+}
+
 std::optional<int> scanArguments(std::span<const std::string> arguments, Console& console, Options& options) {
-  for (size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    const bool isLast = i + 1 == arguments.size();
-    const auto isMatch = [&](const OptionRow& row) { return matches(row, argument, isLast); };
-    const auto row = std::find_if(std::begin(rows), std::end(rows), isMatch);
-    if (row == std::end(rows)) {
-      if (!argument.starts_with('-')) {
-        options.inputs.push_back(argument);
-        continue;
-      }
-      console.printError(concat({"kiln-as: unknown option '", argument, "'\n"}));
-      return 1;
-    }
-    std::string value;
-    if (argument.size() > row->spelling.size()) {
-      value = argument.substr(row->spelling.size());
-    } else if (row->value != OptionValue::None && !isLast) {
-      value = arguments[++i];
-    }
-    if (const std::optional<int> status = row->apply(value, console, options)) return status;
+  ArgumentReader reader(arguments);
+  while (!reader.atEnd()) {
+    if (const std::optional<int> status = takeArgument(reader, console, options)) return status;
   }
   return std::nullopt;
 }

@@ -46,25 +46,60 @@ struct Options {
   Window splitDataWindow;  // "--data-window", each end 0..65535
   uint32_t codeRegister = 0;
   uint32_t dataRegister = 0;
+  std::string_view program = "kiln-as";  // which complains
 };
 
-// Where an option has its value: in the next argument, or joined to the option itself.
-enum class OptionValue : uint8_t { None, Next, JoinedOrNext };
+// Where an option has its value: in the next argument, joined to the option itself, or either.
+enum class OptionValue : uint8_t { None, Next, Joined, JoinedOrNext };
 
+// An option that changes a Target.
+template <typename Target>
 struct OptionRow {
   std::string_view spelling;
   OptionValue value;
   // Applies the option; the value is empty when there is none. The result is the exit status if the run ends here.
-  std::optional<int> (*apply)(const std::string& value, Console& console, Options& options);
+  std::optional<int> (*apply)(const std::string& value, Console& console, Target& target);
 };
 
 // All options, in the order in which an argument is compared with them.
-std::span<const OptionRow> optionRows();
+std::span<const OptionRow<Options>> optionRows();
 
 std::string_view usageText();
 
-// Reads the arguments after the program's path, left to right, up to the first that ends the run. The result is then
-// the exit status, and the message has been printed; absent when the run continues.
+// Walks the arguments after the program's path, left to right.
+class ArgumentReader {
+ public:
+  explicit ArgumentReader(std::span<const std::string> arguments) : arguments_(arguments) {}
+
+  bool atEnd() const { return next_ == arguments_.size(); }
+  const std::string& argument() const { return arguments_[next_]; }
+  void skip() { ++next_; }
+
+  // Takes the argument, and its value, if it is an option of the table. The result of its apply() goes to `status`.
+  template <typename Target>
+  bool takeOption(std::span<const OptionRow<Target>> rows, Console& console, Target& target,
+                  std::optional<int>& status) {
+    for (const OptionRow<Target>& row : rows) {
+      if (!matches(row.spelling, row.value)) continue;
+      status = row.apply(takeValue(row.spelling, row.value), console, target);
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  bool matches(std::string_view spelling, OptionValue value) const;
+  std::string takeValue(std::string_view spelling, OptionValue value);
+
+  std::span<const std::string> arguments_;
+  size_t next_ = 0;
+};
+
+// Takes an option of kiln-as or an input. The result is the exit status if the run ends here, and the message has been
+// printed; absent when the run continues.
+std::optional<int> takeArgument(ArgumentReader& arguments, Console& console, Options& options);
+
+// Reads the arguments after the program's path up to the first that ends the run, likewise.
 std::optional<int> scanArguments(std::span<const std::string> arguments, Console& console, Options& options);
 
 }  // namespace kiln

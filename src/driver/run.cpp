@@ -7,55 +7,19 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
-#include "base/paths.h"
-#include "base/text.h"
+#include "driver/load.h"
 #include "driver/options.h"
-#include "driver/settings.h"
 #include "output/banked.h"
 #include "output/listing.h"
 #include "output/prg.h"
 #include "output/xex.h"
 #include "passes/pipeline.h"
-#include "source/preprocessor.h"
 
 namespace kiln {
 namespace {
 
 // The start address of a program without bytes.
 constexpr uint32_t defaultRunAddress = 0x3400;
-
-// The path from "-o", or the first input's with another extension; absent when that input has no file name.
-std::optional<std::string> chooseOutputPath(const Options& options) {
-  if (options.output.has_value()) return options.output;
-  const std::string stem = pathStem(options.inputs.front());
-  if (stem.empty() || stem == "/") return std::nullopt;
-  return stem + (options.format == Format::Prg ? ".prg" : ".xex");
-}
-
-Format chooseFormat(const Options& options, const std::optional<std::string>& outputPath) {
-  if (options.format.has_value()) return *options.format;
-  const bool isPrg = outputPath.has_value() && equalIgnoringCase(pathExtension(*outputPath), "prg");
-  return isPrg ? Format::Prg : Format::Xex;
-}
-
-// The inputs joined, with a line end after each. Prints why one cannot be read; absent then.
-std::optional<std::string> readInputs(Host& host, const std::vector<std::string>& inputs) {
-  std::string source;
-  for (const std::string& path : inputs) {
-    TextFile file = readTextFile(host, path);
-    if (!file.error.empty()) {
-      host.printError(concat({"kiln-as: cannot read '", path, "': ", file.error, "\n"}));
-      return std::nullopt;
-    }
-    if (source.empty()) {
-      source = std::move(file.text);
-    } else {
-      source += file.text;
-    }
-    source.push_back('\n');
-  }
-  return source;
-}
 
 void printMessages(Console& console, const MessageList& messages) {
   for (const std::string& lines : messages.lines())
@@ -116,20 +80,12 @@ int assembleFiles(Host& host, std::span<const std::string> arguments) {
     host.printError(concat({"kiln-as: no input files\n", usageText()}));
     return 1;
   }
-  const std::optional<std::string> outputPath = chooseOutputPath(options);
-  std::optional<std::string> source = readInputs(host, options.inputs);
-  if (!source.has_value()) return 1;
-
   Assembler assembler;
-  assembler.diagnostics.mainSourcePath = options.inputs.front();
-  const std::string layoutError = settle(host, arguments, options, assembler.settings);
-  if (!layoutError.empty()) {
-    host.printError(concat({"kiln-as: cannot read layout '", *options.layout, "': ", layoutError, "\n"}));
+  const std::string error = load(host, arguments, options, assembler);
+  if (!error.empty()) {
+    host.printError(concat({"kiln-as: ", error, "\n"}));
     return 1;
   }
-  // The settings are fixed below this line.
-  Preprocessor preprocessor(host, options.includePaths, assembler.texts, assembler.diagnostics.errors);
-  assembler.lines = preprocessor.run(assembler.texts.own(std::move(*source)), options.inputs.front());
   const bool assembled = assemble(assembler);
   printMessages(host, assembler.diagnostics.warnings);
   if (!assembled) {
@@ -137,6 +93,7 @@ int assembleFiles(Host& host, std::span<const std::string> arguments) {
     return 1;
   }
 
+  const std::optional<std::string> outputPath = chooseOutputPath(options);
   const std::optional<Image> image = buildImage(host, options, assembler, chooseFormat(options, outputPath));
   if (!writeFiles(host, options, outputPath, image, assembler)) return 1;
   printSummary(host, options.inputs.front(), *outputPath, assembler.segments);

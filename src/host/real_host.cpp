@@ -210,4 +210,6 @@ void RealHost::printError(std::string_view text) { (void)writeAll(STDERR_FILENO,
 
 void RealHost::printOutput(std::string_view text) { (void)writeAll(STDOUT_FILENO, {&text, 1}); }
 
+bool RealHost::isOnTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
 }  // namespace kiln

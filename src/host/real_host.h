@@ -26,6 +26,9 @@ class RealHost final : public Host {
   void printError(std::string_view text) override;
   void printOutput(std::string_view text) override;
 
+  // True when standard output is a terminal.
+  static bool isOnTerminal();
+
  private:
   mutable std::vector<std::pair<dev_t, ino_t>> filesRead_;
 };

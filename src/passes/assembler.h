@@ -17,6 +17,7 @@
 #include "source/expression.h"
 #include "source/line.h"
 #include "source/source_lines.h"
+#include "source/source_notes.h"
 #include "source/symbols.h"
 
 namespace kiln {
@@ -73,7 +74,8 @@ struct Assembler {
   Settings settings;
   Diagnostics diagnostics;
   TextStore texts;
-  SourceLines lines;  // the expanded source; the rewriters change it between iterations
+  SourceLines lines;             // the expanded source; the rewriters change it between iterations
+  SourceNotes* notes = nullptr;  // where its lines come from; null when that is not wanted
   RewriteState rewriteState;
   ShadowPlan shadowPlan;               // from the last directives, of any iteration
   std::optional<Iteration> iteration;  // the last one

@@ -2,7 +2,7 @@
 
 namespace kiln {
 
-void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits) {
+void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits, SourceNotes* notes) {
   SourceLines edited;
   LineReader reader(source.pieces());
   std::string_view line;
@@ -14,8 +14,10 @@ void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits) {
       isKept = true;
       continue;
     }
-    for (std::string_view replacement : edit->lines)
+    for (std::string_view replacement : edit->lines) {
       edited.add(replacement);
+      if (notes != nullptr) notes->made.push_back({.text = replacement, .origin = line, .pattern = {}});
+    }
     isKept = false;
     ++edit;
   }

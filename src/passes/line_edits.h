@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "source/source_lines.h"
+#include "source/source_notes.h"
 
 namespace kiln {
 
@@ -30,7 +31,7 @@ struct Rewrite {
   std::optional<Error> error;   // why it cannot be done
 };
 
-// Makes the edits in one sweep.
-void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits);
+// Makes the edits in one sweep. `notes` may be null.
+void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits, SourceNotes* notes);
 
 }  // namespace kiln

@@ -67,7 +67,7 @@ bool assemble(Assembler& assembler) {
     }
     if (rewrite.count == 0) break;
     // After the last round the lines must match the statements.
-    if (round < iterationLimit) applyEdits(assembler.lines, rewrite.edits);
+    if (round < iterationLimit) applyEdits(assembler.lines, rewrite.edits, assembler.notes);
   }
   // The layout is fixed below this line.
   assembler.segments = emit(*assembler.iteration, bankOrigin, diagnostics);

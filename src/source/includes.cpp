@@ -1,5 +1,7 @@
 #include "source/includes.h"
 
+#include <utility>
+
 #include "base/format.h"
 #include "base/text.h"
 #include "base/utf8.h"
@@ -14,22 +16,22 @@ std::string_view directoryAsWritten(std::string_view path) {
   return path.substr(0, slash == 0 ? 1 : slash);
 }
 
-std::optional<std::string> readWellFormed(const FileReader& files, std::string_view directory, std::string_view name) {
-  std::optional<std::string> text =
-      files.readFile(directory.empty() ? std::string(name) : concat({directory, "/", name}));
-  if (text.has_value() && !isStrictUtf8(*text)) text.reset();
-  return text;
+std::optional<IncludedFile> readWellFormed(const FileReader& files, std::string_view directory, std::string_view name) {
+  std::string path = directory.empty() ? std::string(name) : concat({directory, "/", name});
+  std::optional<std::string> text = files.readFile(path);
+  if (!text.has_value() || !isStrictUtf8(*text)) return std::nullopt;
+  return IncludedFile{std::move(path), std::move(*text)};
 }
 
 }  // namespace
 
-std::optional<std::string> findInclude(const FileReader& files, const std::vector<std::string>& directories,
-                                       std::string_view name, std::string_view includingPath) {
-  std::optional<std::string> text = readWellFormed(files, directoryAsWritten(includingPath), name);
-  for (size_t i = 0; !text.has_value() && i < directories.size(); ++i) {
-    text = readWellFormed(files, directories[i], name);
+std::optional<IncludedFile> findInclude(const FileReader& files, const std::vector<std::string>& directories,
+                                        std::string_view name, std::string_view includingPath) {
+  std::optional<IncludedFile> file = readWellFormed(files, directoryAsWritten(includingPath), name);
+  for (size_t i = 0; !file.has_value() && i < directories.size(); ++i) {
+    file = readWellFormed(files, directories[i], name);
   }
-  return text;
+  return file;
 }
 
 std::string_view includeName(std::string_view argument) {

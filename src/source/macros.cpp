@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/text.h"
+#include "source/source_notes.h"
 #include "source/statements.h"
 
 namespace kiln {
@@ -56,8 +57,9 @@ void Macro::addLine(std::string_view text) {
 }
 
 Macro& MacroTable::define(std::string_view head) {
-  const std::string_view name = takeWord(head);
   Macro& macro = macros_.emplace_back();
+  macro.head = head;
+  const std::string_view name = takeWord(head);
   Fields parameters(head, ',');
   std::string_view parameter;
   while (parameters.next(parameter)) {
@@ -75,7 +77,9 @@ const Macro* MacroTable::find(std::string_view name) const {
 
 // Appends the lines of the body. Parameters are replaced one after the other, so a later one is also replaced where the
 // argument of an earlier one has its name. Stops when the room is exhausted.
-void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines) {
+void MacroExpander::instantiate(const Macro& macro, std::string_view call, std::string_view arguments,
+                                SourceLines& lines) {
+  if (notes_ != nullptr) notes_->calls.push_back({call, macro.head, arguments});
   values_.clear();
   Fields fields(arguments, ',');
   std::string_view value;
@@ -84,7 +88,8 @@ void MacroExpander::instantiate(const Macro& macro, std::string_view arguments, 
   for (const Macro::Line& line : macro.body) {
     const std::string_view expanded = replaceParameters(macro, line);
     if (!room_.take(expanded.size() + lineCost)) return;
-    addExpanded(expanded, lines);
+    const std::string_view made = addExpanded(expanded, lines);
+    if (notes_ != nullptr) notes_->made.push_back({made, call, line.text});
   }
 }
 
@@ -127,12 +132,14 @@ void MacroExpander::replaceAll(std::string_view text, size_t at, std::string_vie
 
 // Lines expanded one after the other are stored with line ends between them, as one piece of the list. Otherwise the
 // list would take as much memory as the text of a million calls of short macros.
-void MacroExpander::addExpanded(std::string_view line, SourceLines& lines) {
+std::string_view MacroExpander::addExpanded(std::string_view line, SourceLines& lines) {
   char* const stored = texts_.allocate(line.size() + 1);
   if (!line.empty()) std::memcpy(stored, line.data(), line.size());
   stored[line.size()] = '\n';
-  appendLine(lines, {stored, line.size()}, stored == nextExpanded_);
+  const std::string_view expanded(stored, line.size());
+  appendLine(lines, expanded, stored == nextExpanded_);
   nextExpanded_ = stored + line.size() + 1;
+  return expanded;
 }
 
 size_t findMacroCall(const MacroTable& macros, const SourceLines& lines, size_t begin, size_t end) {
@@ -162,7 +169,7 @@ void MacroExpander::expand(const MacroTable& macros, SourceLines& lines, size_t 
       lines.add(call.label);
       nextExpanded_ = nullptr;
     }
-    instantiate(*call.macro, call.arguments, lines);
+    instantiate(*call.macro, line, call.arguments, lines);
     if (room_.isExhausted()) return;
   }
 }

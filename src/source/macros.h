@@ -13,6 +13,8 @@
 
 namespace kiln {
 
+struct SourceNotes;
+
 struct Macro {
   struct Line {
     std::string_view text;  // as written, indentation and comments included
@@ -23,6 +25,7 @@ struct Macro {
   // Appends a line to the body.
   void addLine(std::string_view text);
 
+  std::string_view head;  // its definition after ".macro "
   std::vector<std::string_view> parameters;
   std::vector<Line> body;
 };
@@ -38,6 +41,9 @@ class MacroTable {
 
   // Definitions so far, repeated ones included. While it is unchanged, every line keeps its meaning.
   size_t count() const { return macros_.size(); }
+
+  // All definitions, in order.
+  const std::vector<Macro>& all() const { return macros_; }
 
  private:
   std::vector<Macro> macros_;
@@ -64,21 +70,23 @@ class ExpansionRoom {
 // Expands macro calls.
 class MacroExpander {
  public:
-  // Expanded lines are stored in `texts`, as long as there is `room` for them.
-  MacroExpander(TextStore& texts, ExpansionRoom& room) : texts_(texts), room_(room) {}
+  // Expanded lines are stored in `texts`, as long as there is `room` for them. `notes` may be null.
+  MacroExpander(TextStore& texts, ExpansionRoom& room, SourceNotes* notes)
+      : texts_(texts), room_(room), notes_(notes) {}
 
   // Replaces every line from piece `begin` on that calls a macro. The result is not expanded again. Stops when the room
   // is exhausted.
   void expand(const MacroTable& macros, SourceLines& lines, size_t begin);
 
  private:
-  void instantiate(const Macro& macro, std::string_view arguments, SourceLines& lines);
+  void instantiate(const Macro& macro, std::string_view call, std::string_view arguments, SourceLines& lines);
   std::string_view replaceParameters(const Macro& macro, const Macro::Line& line);
   void replaceAll(std::string_view text, size_t at, std::string_view name, std::string_view argument);
-  void addExpanded(std::string_view line, SourceLines& lines);
+  std::string_view addExpanded(std::string_view line, SourceLines& lines);
 
   TextStore& texts_;
   ExpansionRoom& room_;
+  SourceNotes* notes_;
   std::vector<std::string_view> values_;  // the arguments of the current call
   std::string line_;
   std::string replaced_;

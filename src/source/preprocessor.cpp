@@ -80,6 +80,7 @@ SourceLines Preprocessor::run(std::string_view text, std::string_view path) {
     file.next = end + 1;
     readLine(file, line);
   }
+  if (notes_ != nullptr) notes_->macros = std::move(macros_);
   return std::move(lines_);
 }
 
@@ -127,26 +128,34 @@ void Preprocessor::readLine(OpenFile& file, std::string_view line) {
     file.follows = follows;
     keepLines(file, line);
   } else {
-    include(includeArgument, file.path);
+    include(includeArgument, line, file.path);
   }
 }
 
-void Preprocessor::include(std::string_view argument, std::string_view includingPath) {
+void Preprocessor::include(std::string_view argument, std::string_view line, std::string_view includingPath) {
   const std::string_view name = includeName(argument);
-  std::optional<std::string> found = findInclude(files_, includePaths_, name, includingPath);
+  std::optional<IncludedFile> found = findInclude(files_, includePaths_, name, includingPath);
   if (!found.has_value()) {
     errors_.add({"Cannot find include file '", name, "'"});
-    return;
+    return noteError(line);
   }
   const auto same = openTexts_.find(name);
-  if (same != openTexts_.end() && std::find(same->second.begin(), same->second.end(), *found) != same->second.end()) {
+  if (same != openTexts_.end() &&
+      std::find(same->second.begin(), same->second.end(), found->text) != same->second.end()) {
     errors_.add({"Cannot include '", name, "': it includes itself"});
-    return;
+    return noteError(line);
   }
   if (includesLeft_ == 0) return giveUp("it includes more than 2,097,152 files");
   --includesLeft_;
-  if (room_.take(found->size())) open(texts_.own(std::move(*found)), name);
+  if (room_.take(found->text.size())) {
+    open(texts_.own(std::move(found->text)), name);
+    if (notes_ != nullptr) notes_->files.push_back({openFiles_.back().text, std::move(found->path), line});
+  }
   giveUpIfExhausted();
+}
+
+void Preprocessor::noteError(std::string_view line) {
+  if (notes_ != nullptr) notes_->errorLines.push_back(line);
 }
 
 void Preprocessor::open(std::string_view text, std::string_view path) {
@@ -168,7 +177,7 @@ void Preprocessor::expandFrom(size_t begin) {
     settled_.pop_back();
   if (call > begin) settled_.push_back({begin, call, macros_.count()});
   if (call == lines_.pieces().size()) return;
-  MacroExpander(texts_, room_).expand(macros_, lines_, call);
+  MacroExpander(texts_, room_, notes_).expand(macros_, lines_, call);
   giveUpIfExhausted();
 }
 
@@ -178,6 +187,7 @@ void Preprocessor::giveUpIfExhausted() {
 
 void Preprocessor::giveUp(std::string_view reason) {
   errors_.add({"The source is too large: ", reason});
+  noteError({});
   openFiles_.clear();
   lines_ = {};
 }

@@ -11,6 +11,7 @@
 #include "host/file_reader.h"
 #include "source/macros.h"
 #include "source/source_lines.h"
+#include "source/source_notes.h"
 
 namespace kiln {
 
@@ -18,10 +19,10 @@ class Preprocessor {
  public:
   // `texts` takes the included files; the lines are views into it. Files that are not found, or never end, are errors,
   // and so are macros and includes that make a source of more than a gigabyte, and more than two million includes: then
-  // there are no lines.
+  // there are no lines. `notes` is null when they are not wanted.
   Preprocessor(const FileReader& files, const std::vector<std::string>& includePaths, TextStore& texts,
-               MessageList& errors)
-      : files_(files), includePaths_(includePaths), texts_(texts), errors_(errors) {}
+               MessageList& errors, SourceNotes* notes = nullptr)
+      : files_(files), includePaths_(includePaths), texts_(texts), errors_(errors), notes_(notes) {}
 
   // The lines of a source; `path` is where its own includes are looked for first. N line ends give N + 1 lines.
   SourceLines run(std::string_view text, std::string_view path);
@@ -47,7 +48,8 @@ class Preprocessor {
   bool keepPlainLines(OpenFile& file);
   void readLine(OpenFile& file, std::string_view line);
   void keepLines(OpenFile& file, std::string_view lines);
-  void include(std::string_view argument, std::string_view includingPath);
+  void include(std::string_view argument, std::string_view line, std::string_view includingPath);
+  void noteError(std::string_view line);
   void open(std::string_view text, std::string_view path);
   void closeFile();
   void giveUpIfExhausted();
@@ -59,6 +61,7 @@ class Preprocessor {
   const std::vector<std::string>& includePaths_;
   TextStore& texts_;
   MessageList& errors_;
+  SourceNotes* notes_;
   MacroTable macros_;
   std::vector<OpenFile> openFiles_;
   std::unordered_map<std::string_view, std::vector<std::string_view>> openTexts_;  // by path

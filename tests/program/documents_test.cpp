@@ -7,6 +7,9 @@
 // the summary may be left out. A program without ```messages assembles in silence. ```file NAME is a file for all later
 // programs of the document.
 //
+// ```kiln-check is a program that is checked as main.asm, with options after the word, and ```findings what is printed
+// on standard output; without it, nothing is.
+//
 // Lists that are made from the program's own tables are between markers. KILN_UPDATE_DOCS=1 rewrites them.
 #include <gtest/gtest.h>
 
@@ -22,6 +25,8 @@
 #include "driver/run.h"
 #include "driver/seeds.h"
 #include "host/real_host.h"
+#include "inspect/check_run.h"
+#include "inspect/checks.h"
 #include "isa/opcodes.h"
 #include "source/kinds.h"
 #include "support/program.h"
@@ -57,6 +62,7 @@ std::string flatFile(const std::string& block) {
 struct Examples {
   std::map<std::string, std::string> files;
   std::string file, listing, said;  // what is said on standard error, as long as it was not expected
+  std::string found;                // by kiln-check, likewise
 
   void assemble(const std::string& options) {
     expectMessages("");
@@ -67,18 +73,29 @@ struct Examples {
     listing = replaced(host.written["~"], " +(?=\n)");
     file = host.written.begin()->second;  // empty when there is none, for then there is no listing either
   }
+  void check(const std::string& options) {
+    expectFindings("");
+    MemoryHost host;
+    host.files = files;
+    runCheck(host, findAll("kiln-check " + options + " main.asm", "([^ ]+)"), false);
+    found = host.standardOutput;
+    EXPECT_EQ(host.standardError, "");
+  }
+  void expectFindings(const std::string& text) { EXPECT_EQ(std::exchange(found, ""), text); }
   void expectMessages(const std::string& text) {
     const bool hasSummary = text.find("kiln-as: assembled ") != std::string::npos;
     EXPECT_EQ(replaced(std::exchange(said, ""), hasSummary ? "^$" : "kiln-as: assembled [^\n]*\n"), text);
   }
   void read(const std::string& word, const std::string& argument, const std::string& text) {
     const std::string data = replaced(text, " *;[^\n]*");
-    if (word == "file" || word == "kiln-as") files[word == "file" ? argument : "main.asm"] = text;
+    if (word == "findings") expectFindings(text);
+    if (word == "file" || word == "kiln-as" || word == "kiln-check") files[word == "file" ? argument : "main.asm"] = text;
     if (word == "kiln-as") assemble(argument);
+    if (word == "kiln-check") check(argument);
     if (word == "messages") expectMessages(text);
     if (word == "listing" && listing.find(text) == std::string::npos) ADD_FAILURE() << listing;
     EXPECT_EQ(hex(file), hex(word == "bytes" ? flatFile(data) : word == "image" ? bytes(data) : file));
-    const std::regex known("file|kiln-as|messages|listing|bytes|image|text|sh");
+    const std::regex known("file|kiln-as|kiln-check|findings|messages|listing|bytes|image|text|sh|make|json");
     EXPECT_TRUE(files.empty() || std::regex_match(word, known)) << word;
   }
 };
@@ -100,6 +117,7 @@ TEST(Documents, ShowWhatIsAssembled) {
       examples.read(replaced(head, " .*"), replaced(head, "^[^ ]* ?"), document.substr(line + 1, end - line));
     }
     examples.expectMessages("");
+    examples.expectFindings("");
   }
 }
 
@@ -150,7 +168,8 @@ TEST(Documents, ExplainEveryMessage) {
   const std::string document = read(root / "docs/messages.md");
   const std::regex severalWords("^(?!    | *[.;>]).*([a-z]{2}.* | .*[a-z]{2})");
   for (const auto& entry : std::filesystem::recursive_directory_iterator(root / "src")) {
-    if (entry.path().extension() != ".cpp") continue;
+    const bool isOfChecker = entry.path().parent_path().filename() == "inspect";
+    if (entry.path().extension() != ".cpp" || isOfChecker) continue;
     // Without comments, quotes as characters, the usage text, line ends, and where a text continues in the next line.
     const std::string code = replaced(read(entry.path()), R"--(//[^\n]*|'"'|R"\([^"]*\)"|\\n|"\s*")--");
     for (const std::string& text : findAll(code, R"--("([^"\n]*)")--"))
@@ -158,9 +177,21 @@ TEST(Documents, ExplainEveryMessage) {
   }
 }
 
+// docs/check.md shows a finding of every check, and its table is the program's own.
+TEST(Documents, ShowEveryCheck) {
+  const std::string document = read(root / "docs/check.md");
+  for (const CheckRow& row : checkRows) {
+    const std::string name(row.name);
+    EXPECT_NE(document.find("\n### " + name + "\n"), std::string::npos) << name << " has no section";
+    EXPECT_NE(document.find(" [" + name + "]\n"), std::string::npos) << "no finding of " << name << " is shown";
+    const std::string line = "| `" + name + "` | " + (row.isExtra ? "extra | " : "| ") + std::string(row.summary) + " |";
+    EXPECT_NE(document.find(line), std::string::npos) << line;
+  }
+}
+
 std::set<std::string> options() {
   std::set<std::string> spellings;
-  for (const OptionRow& row : optionRows())
+  for (const OptionRow<Options>& row : optionRows())
     spellings.emplace(row.spelling);
   return spellings;
 }

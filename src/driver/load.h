@@ -1,0 +1,24 @@
+// From the command line to the expanded source: what the programs do alike before they assemble.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "driver/options.h"
+#include "host/host.h"
+#include "passes/assembler.h"
+
+namespace kiln {
+
+// The path from "-o", or the first input's with another extension; absent when that input has no file name.
+std::optional<std::string> chooseOutputPath(const Options& options);
+
+Format chooseFormat(const Options& options, const std::optional<std::string>& outputPath);
+
+// Reads the inputs, symbol files and layout that the options name; there is at least one input. Afterwards the settings
+// are fixed and the expanded source is in `assembler.lines`. `arguments` begins with the program's own path. The result
+// is empty, or says what cannot be read and why.
+std::string load(const Host& host, std::span<const std::string> arguments, Options& options, Assembler& assembler);
+
+}  // namespace kiln

@@ -1,0 +1,51 @@
+#include "inspect/check_run.h"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+#include "base/format.h"
+#include "inspect/check_options.h"
+#include "inspect/checker.h"
+#include "inspect/program.h"
+#include "inspect/report.h"
+
+namespace kiln {
+namespace {
+
+constexpr int foundNothing = 0;
+constexpr int foundSomething = 1;
+constexpr int failure = 2;
+
+int complain(Console& console, std::string_view text) {
+  console.printError(concat({"kiln-check: ", text, "\n"}));
+  return failure;
+}
+
+int check(Host& host, std::span<const std::string> arguments, bool isTerminal) {
+  CheckOptions options;
+  const std::span<const std::string> afterProgram = arguments.subspan(arguments.empty() ? 0 : 1);
+  if (const std::optional<int> status = scanCheckArguments(afterProgram, host, options)) return *status;
+  if (options.assembler.inputs.empty()) return complain(host, "no input files");
+  const std::unique_ptr<Program> program = assembleProgram(host, arguments, options.assembler);
+  if (!program->error.empty()) return complain(host, program->error);
+  const std::vector<Finding> findings = checkProgram(*program, options.levels);
+  const bool inColour = isTerminal && host.environment("NO_COLOR").value_or("").empty();
+  host.printOutput(renderText(findings, *program->map, inColour));
+  if (!program->isAssembled) return failure;
+  return findings.empty() ? foundNothing : foundSomething;
+}
+
+}  // namespace
+
+int runCheck(Host& host, std::span<const std::string> arguments, bool isTerminal) {
+  try {
+    return check(host, arguments, isTerminal);
+  } catch (const std::bad_alloc&) {
+    return complain(host, "out of memory");
+  } catch (const std::length_error&) {
+    return complain(host, "out of memory");
+  }
+}
+
+}  // namespace kiln

@@ -1,0 +1,33 @@
+#include "inspect/checker.h"
+
+#include "inspect/line_checks.h"
+#include "inspect/macro_checks.h"
+#include "inspect/memory_checks.h"
+#include "inspect/messages.h"
+#include "inspect/name_checks.h"
+#include "inspect/statement_walk.h"
+#include "inspect/value_checks.h"
+
+namespace kiln {
+
+std::vector<Finding> checkProgram(const Program& program, const CheckLevels& levels) {
+  Findings findings(*program.map, levels);
+  LineChecks lines(program, findings);
+  NameChecks names(program, findings);
+  ValueChecks values(program, findings);
+  StatementWalk walk(program.assembler);
+  Statement statement;
+  while (walk.next(statement)) {
+    lines.visit(statement);
+    names.visit(statement);
+    values.visit(statement);
+  }
+  names.finish();
+  checkMacros(program, findings);
+  checkMemory(program, findings);
+  // Last, as the others explain some of the messages.
+  reportMessages(program, findings);
+  return findings.take();
+}
+
+}  // namespace kiln

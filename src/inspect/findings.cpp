@@ -1,0 +1,86 @@
+#include "inspect/findings.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+#include "base/text.h"
+#include "source/line_text.h"
+
+namespace kiln {
+namespace {
+
+constexpr std::string_view allowPrefix = "check: allow ";
+
+// True when the line's comment allows the check: "; check: allow NAME, NAME".
+bool allows(std::string_view line, std::string_view name) {
+  const std::string_view comment = line.substr(withoutComment(line).size());
+  const size_t at = comment.find(allowPrefix);
+  if (at == std::string_view::npos) return false;
+  Fields names(comment.substr(at + allowPrefix.size()), ',');
+  std::string_view field;
+  while (names.next(field)) {
+    if (takeWord(field) == name) return true;
+  }
+  return false;
+}
+
+// Orders files as they were opened.
+auto orderOf(const Finding& finding) {
+  const Place& place = finding.place;
+  return std::make_tuple(place.file, place.line, place.column, finding.check);
+}
+
+bool areSame(const Finding& a, const Finding& b) { return orderOf(a) == orderOf(b) && a.text == b.text; }
+
+}  // namespace
+
+CheckLevels::CheckLevels() {
+  for (const CheckRow& row : checkRows)
+    isOn[static_cast<size_t>(row.check)] = !row.isExtra;
+}
+
+void Findings::add(Check check, Report report) {
+  const bool isError = levels_.isError[static_cast<size_t>(check)];
+  if (wants(check)) add(check, std::move(report), isError ? Severity::Error : Severity::Warning);
+}
+
+void Findings::add(Check check, Report report, Severity severity) {
+  const SourceNotes::Made* const made = map_.madeLine(report.at);
+  if (made != nullptr && allows(made->text, rowOf(check).name)) return;
+  Finding finding = resolve(check, std::move(report));
+  finding.severity = severity;
+  if (finding.place.line != 0 && severity == Severity::Warning && allows(lineOf(finding.place), rowOf(check).name)) {
+    return;
+  }
+  findings_.push_back(std::move(finding));
+}
+
+Finding Findings::resolve(Check check, Report report) const {
+  Finding finding;
+  finding.check = check;
+  finding.text = std::move(report.text);
+  std::string_view at = report.at;
+  while (const SourceNotes::Made* const made = map_.madeLine(at)) {
+    if (made->pattern.data() != nullptr) {
+      report.notes.emplace_back(trim(made->pattern), "in this line of the macro");
+    }
+    at = trim(withoutComment(made->origin));
+    report.fix.clear();
+  }
+  finding.place = map_.placeOf(at);
+  for (auto& [text, words] : report.notes)
+    finding.notes.push_back({map_.placeOf(text), std::move(words)});
+  for (auto& [text, words] : report.fix)
+    finding.fix.push_back({map_.placeOf(text), std::move(words)});
+  return finding;
+}
+
+std::vector<Finding> Findings::take() {
+  std::stable_sort(findings_.begin(), findings_.end(),
+                   [](const Finding& a, const Finding& b) { return orderOf(a) < orderOf(b); });
+  findings_.erase(std::unique(findings_.begin(), findings_.end(), areSame), findings_.end());
+  return std::move(findings_);
+}
+
+}  // namespace kiln

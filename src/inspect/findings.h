@@ -1,0 +1,87 @@
+// What the checks find, with places.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "inspect/checks.h"
+#include "inspect/source_map.h"
+
+namespace kiln {
+
+enum class Severity : uint8_t { Warning, Error };
+
+struct Note {
+  Place place;  // line 0: none
+  std::string text;
+};
+
+// A replacement of the text at the place.
+struct Edit {
+  Place place;
+  std::string text;
+};
+
+struct Finding {
+  Check check = Check::Assembler;
+  Severity severity = Severity::Warning;
+  Place place;  // line 0: none
+  std::string text;
+  std::vector<Note> notes;
+  std::vector<Edit> fix;  // empty: none
+};
+
+// Which checks are on, and what they are worth.
+struct CheckLevels {
+  CheckLevels();
+
+  std::array<bool, checkRows.size()> isOn;
+  std::array<bool, checkRows.size()> isError{};
+};
+
+// Collects findings. A finding about a line that a macro or a rewriter made is reported at the line it stands for.
+class Findings {
+ public:
+  Findings(const SourceMap& map, const CheckLevels& levels) : map_(map), levels_(levels) {}
+
+  // A finding as the checks report it: `at` and the texts in notes and fix are views into the expanded source, with
+  // null data for no place.
+  struct Report {
+    std::string_view at = {};
+    std::string text = {};
+    std::vector<std::pair<std::string_view, std::string>> notes = {};
+    std::vector<std::pair<std::string_view, std::string>> fix = {};
+  };
+
+  // True when the check is on. Ask before work that is done for it alone.
+  bool wants(Check check) const { return levels_.isOn[static_cast<size_t>(check)]; }
+
+  // Keeps the finding unless its check is off, or a comment "; check: allow NAME" in its line allows it.
+  void add(Check check, Report report);
+  // Says that a finding explains this message of the assembler, which is not reported then. The text is the message as
+  // recorded, without "kiln-as: warning: ".
+  void explain(std::string message) { explained_.insert(std::move(message)); }
+  bool isExplained(std::string_view message) const { return explained_.contains(std::string(message)); }
+  // An error of the assembler.
+  void addError(Report report) { add(Check::Assembler, std::move(report), Severity::Error); }
+
+  // In the order of the files and lines, each once; those without a place come first.
+  std::vector<Finding> take();
+
+ private:
+  void add(Check check, Report report, Severity severity);
+  Finding resolve(Check check, Report report) const;
+  std::string_view lineOf(const Place& place) const { return map_.lineOf(*place.file, place.line); }
+
+  const SourceMap& map_;
+  const CheckLevels& levels_;
+  std::vector<Finding> findings_;
+  std::unordered_set<std::string> explained_;
+};
+
+}  // namespace kiln

@@ -1,0 +1,22 @@
+// What can be seen in a line alone: words that vanish, colons, quotes, texts.
+#pragma once
+
+#include "inspect/findings.h"
+#include "inspect/program.h"
+#include "inspect/statement_walk.h"
+
+namespace kiln {
+
+class LineChecks {
+ public:
+  LineChecks(const Program& program, Findings& findings);
+
+  // To be called once for each statement, in order.
+  void visit(const Statement& statement);
+
+ private:
+  const Program& program_;
+  Findings& findings_;
+};
+
+}  // namespace kiln

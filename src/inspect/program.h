@@ -1,0 +1,31 @@
+// A program that has been assembled to be looked at.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "driver/options.h"
+#include "host/host.h"
+#include "inspect/source_map.h"
+#include "passes/assembler.h"
+
+namespace kiln {
+
+struct Program {
+  Options options;
+  Assembler assembler;
+  SourceNotes notes;
+  std::optional<SourceMap> map;  // of the notes, once they are complete
+  std::string error;             // what cannot be read and why; empty when all can
+  bool isAssembled = false;      // without errors: the layout is final, and there are segments
+
+  // The last iteration; there is one unless something cannot be read.
+  const Iteration& iteration() const { return *assembler.iteration; }
+};
+
+// Reads and assembles what the options name, as kiln-as does. `arguments` begins with the program's own path.
+std::unique_ptr<Program> assembleProgram(const Host& host, std::span<const std::string> arguments, Options options);
+
+}  // namespace kiln
