@@ -22,6 +22,21 @@ int complain(Console& console, std::string_view text) {
   return failure;
 }
 
+// By convention any value but an empty one refuses.
+bool refusesColour(const Host& host) { return !host.environment("NO_COLOR").value_or("").empty(); }
+
+std::string render(const std::vector<Finding>& findings, const Program& program, ReportFormat format, bool inColour) {
+  switch (format) {
+    case ReportFormat::Text:
+      break;
+    case ReportFormat::Json:
+      return renderJson(findings);
+    case ReportFormat::Sarif:
+      return renderSarif(findings, *program.map);
+  }
+  return renderText(findings, *program.map, inColour);
+}
+
 int check(Host& host, std::span<const std::string> arguments, bool isTerminal) {
   CheckOptions options;
   const std::span<const std::string> afterProgram = arguments.subspan(arguments.empty() ? 0 : 1);
@@ -30,8 +45,7 @@ int check(Host& host, std::span<const std::string> arguments, bool isTerminal) {
   const std::unique_ptr<Program> program = assembleProgram(host, arguments, options.assembler);
   if (!program->error.empty()) return complain(host, program->error);
   const std::vector<Finding> findings = checkProgram(*program, options.levels);
-  const bool inColour = isTerminal && host.environment("NO_COLOR").value_or("").empty();
-  host.printOutput(renderText(findings, *program->map, inColour));
+  host.printOutput(render(findings, *program, options.report, isTerminal && !refusesColour(host)));
   if (!program->isAssembled) return failure;
   return findings.empty() ? foundNothing : foundSomething;
 }
