@@ -17,6 +17,9 @@ from images import difference
 DIRECTORY = Path("build/bench")
 PROGRAM = os.environ.get("KILN_AS", "build/kiln-as")
 
+# kiln-check of the same build.
+CHECKER = str(Path(PROGRAM).with_name("kiln-check"))
+
 # An earlier kiln-as to compare with.
 BEFORE = os.environ.get("KILN_AS_BEFORE")
 
@@ -27,6 +30,10 @@ GROWTH_LIMIT = 11
 MEMORY_LIMITS = {"plain": 3.9, "macro": 10, "undefined": 8}
 WORDS_LIMIT = 1.5
 BEFORE_LIMITS = {"undefined": 0.60}
+
+# kiln-check: time against kiln-as, and milliseconds for a program of 10,000 lines.
+CHECK_RATIO_LIMITS = {"plain": 2.5, "data": 2.5, "macro": 2.5}
+CHECK_LINES, CHECK_LIMIT = 10_000, 30
 
 # Programs whose size does not grow with the others.
 SHORT = {"start-up": 10, "home": 200}
@@ -202,6 +209,27 @@ class Benchmark:
         return (workload, milliseconds(earlier.time), milliseconds(now.time), f"{ratio:.2f}", f"{limit}",
                 f"{now.work / earlier.work:.2f}")
 
+    def check(self, workload):
+        """One row of the table of kiln-check and kiln-as."""
+        note(f"{workload}, {self.lines} and {CHECK_LINES} lines, kiln-check")
+        folder, small = program_for(workload, self.lines), program_for(workload, CHECK_LINES)
+        command, small_command = kiln_command(workload, folder), kiln_command(workload, small)
+        checked, assembled = time_in_turn([[CHECKER, *command[1:]], command], self.pair_rounds)
+        [quick] = time_in_turn([[CHECKER, *small_command[1:]]], self.pair_rounds, 10)
+        ratio, limit = checked.time / assembled.time, CHECK_RATIO_LIMITS[workload]
+        self.expect(f"{workload}, time of kiln-check against kiln-as", ratio, limit)
+        self.expect(f"{workload}, milliseconds to check {CHECK_LINES} lines", quick.time * 1000, CHECK_LIMIT)
+        return (workload, milliseconds(assembled.time), milliseconds(checked.time), f"{ratio:.2f}", f"{limit}",
+                milliseconds(quick.time), f"{CHECK_LIMIT} ms")
+
+    def run_checks(self):
+        workloads = [workload for workload in CHECK_RATIO_LIMITS if self.wanted(workload)]
+        if workloads and not Path(CHECKER).exists():
+            print(f"kiln-check is not measured: there is no {CHECKER}\n")
+        elif workloads:
+            table(("kiln-check", f"kiln-as, {self.lines:,} lines", "kiln-check", "ratio", "at most",
+                   f"{CHECK_LINES:,} lines", "at most"), [self.check(workload) for workload in workloads])
+
     def run(self):
         results = [self.compare(workload) for workload in RATIO_LIMITS if self.wanted(workload)]
         if results:
@@ -214,6 +242,7 @@ class Benchmark:
             table(("kiln-as alone", f"{self.lines // 10:,} lines", f"{self.lines:,} lines", "factor", "at most",
                    "of processor time", "speed", "peak", "of source", "at most"), rows)
         self.run_before()
+        self.run_checks()
         for miss in self.missed:
             print("missed: " + miss)
 

@@ -9,11 +9,21 @@ install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING REGEX "\\.(md|png|asm|inc|lnk|sym|sh)$")
 
-install(FILES completions/kiln-as.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kiln-as)
 # Below /usr/local and elsewhere zsh looks into the first folder, Debian's looks into the second one below /usr.
-install(FILES completions/_kiln-as DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES completions/_kiln-as DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
-install(FILES completions/kiln-as.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+function(installCompletions program)
+  install(FILES completions/${program}.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME ${program})
+  install(FILES completions/_${program} DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES completions/_${program} DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+  install(FILES completions/${program}.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endfunction()
+installCompletions(kiln-as)
+
+if(TARGET kiln-check)
+  install(TARGETS kiln-check RUNTIME)
+  install(FILES man/kiln-check.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  installCompletions(kiln-check)
+endif()
 
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
 install(DIRECTORY editors/textmate DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
@@ -29,6 +39,7 @@ set(CPACK_PACKAGE_DESCRIPTION
 files (XEX) and Commodore program files (PRG). It repairs branches that lead
 too far, spreads code over several regions of memory, places code under the
 operating system's ROM and calls subroutines from one memory bank to another.
+kiln-check finds mistakes in programs.
 The package holds the manual, examples, completions for bash, zsh and fish,
 and syntax files for editors.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,6 +13,8 @@
 #include "check.h"
 #include "driver/options.h"
 #include "driver/run.h"
+#include "inspect/check_options.h"
+#include "inspect/checker.h"
 #include "memory_budget.h"
 #include "packed_input.h"
 
@@ -200,8 +203,48 @@ void checkLongLines(std::string_view input, const Outcome& outcome) {
   require(outcome.written.empty() || outcome.written.front() == other.written.front(), "another image");
 }
 
+std::string_view lineOf(std::string_view text, uint32_t number) {
+  Fields lines(text, '\n');
+  std::string_view line;
+  for (uint32_t i = 0; i < number; ++i)
+    require(lines.next(line), "a place in a line that does not exist");
+  return line;
+}
+
+void checkPlace(const Place& place, const FuzzHost& host) {
+  if (place.line == 0) return;
+  const auto file = host.files.find(place.file->path);
+  require(file != host.files.end(), "a place in a file that does not exist");
+  const size_t size = lineOf(file->second, place.line).size();
+  require(place.column >= 1 && place.column <= place.endColumn, "a place that ends before it begins");
+  require(place.endColumn <= size + 1, "a place that ends after its line");
+}
+
+// kiln-check on the same command line: findings are in lines that exist, and it assembles what kiln-as assembles.
+void checkFindings(std::string_view input, const Outcome& outcome) {
+  FuzzHost host;
+  const std::vector<std::string> arguments = splitArguments(unpack(input, host));
+  CheckOptions options;
+  options.levels.isOn.fill(true);
+  if (scanCheckArguments(std::span(arguments).subspan(1), host, options).has_value()) return;
+  if (options.assembler.inputs.empty()) return;
+  const std::unique_ptr<Program> program = assembleProgram(host, arguments, options.assembler);
+  require(program->isAssembled || outcome.status == 1, "kiln-check does not assemble what kiln-as does");
+  if (!program->error.empty()) return;
+  for (const Finding& finding : checkProgram(*program, options.levels)) {
+    checkPlace(finding.place, host);
+    for (const Note& note : finding.notes)
+      checkPlace(note.place, host);
+    for (const Edit& edit : finding.fix)
+      checkPlace(edit.place, host);
+  }
+}
+
 void checkRun(std::string_view input) {
   const Outcome outcome = runOnce(input);
+  // kiln-check says itself that memory is exhausted, above the functions that are called here.
+  const bool needsMuch = outcome.memoryFailed || outcome.standardError.ends_with("out of memory\n");
+  if (input.size() % 4 == 2 && !needsMuch) checkFindings(input, outcome);
   // Only some inputs are run twice, to save time.
   if (input.size() % 4 == 0) require(outcome == runOnce(input), "the same run has another outcome");
   // A colon at the end of a line, which a macro may put there, separates statements only when blanks follow it.
