@@ -12,7 +12,7 @@ constexpr std::string_view usage = R"(kiln-check — checks programs for kiln-as
 Usage: kiln-check [options] [options of kiln-as] <input.asm ...>
 Assembles the inputs as kiln-as would, writes no program, and prints what may be a mistake.
 Options:
-  -Wno-NAME              Switch a check off
+  -WNAME, -Wno-NAME      Switch a check on, off
   -Wall                  All checks but the extra ones (default)
   -Wextra                The extra checks, too
   -Werror=NAME           Report this check as an error

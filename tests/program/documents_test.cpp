@@ -25,6 +25,7 @@
 #include "driver/run.h"
 #include "driver/seeds.h"
 #include "host/real_host.h"
+#include "inspect/check_options.h"
 #include "inspect/check_run.h"
 #include "inspect/checks.h"
 #include "isa/opcodes.h"
@@ -196,30 +197,51 @@ std::set<std::string> options() {
   return spellings;
 }
 
-TEST(ManPage, HasEveryOption) {
-  const std::string page = replaced(read(root / "man/kiln-as.1"), R"(\\-)", "-");
+// Those that kiln-check has besides, or for itself, without the "=" or "-" at the end.
+std::set<std::string> ownOptionsOfKilnCheck() {
+  std::set<std::string> spellings;
+  for (const OptionRow<CheckOptions>& row : checkOptionRows())
+    spellings.insert(replaced(std::string(row.spelling), "[-=]$"));
+  return spellings;
+}
+
+// The options that a man page describes.
+std::set<std::string> optionsIn(const std::string& page) {
   std::set<std::string> described;
   for (const std::string& heading : findAll(page, R"(\.TP\n\.BI?R?( [^\n]*))"))
     for (const std::string& option : findAll(heading, R"([ "](-[-A-Za-z]*[A-Za-z]))"))
       described.insert(option);
-  EXPECT_EQ(described, options());
+  return described;
+}
+
+TEST(ManPages, HaveEveryOption) {
+  EXPECT_EQ(optionsIn(replaced(read(root / "man/kiln-as.1"), R"(\\-)", "-")), options());
+  EXPECT_EQ(optionsIn(replaced(read(root / "man/kiln-check.1"), R"(\\-)", "-")), ownOptionsOfKilnCheck());
   for (const std::string& option : findAll(std::string(usageText()), "(?:\n  |, )(-[-A-Za-z]+)"))
     EXPECT_EQ(options().count(option), 1U) << option;
 }
 
 // The words are in this part of a file.
 void expectWords(const std::string& part, const std::set<std::string>& words) {
-  const std::vector<std::string> list = findAll(part, "([-A-Za-z0-9_]+)");
+  const std::vector<std::string> list = findAll(part, "([-A-Za-z0-9_]*[A-Za-z0-9_])");
   const std::set<std::string> found(list.begin(), list.end());
   for (const std::string& word : words)
     EXPECT_EQ(found.count(word), 1U) << word << " is not in " << part;
 }
 
+void expectCompletions(const std::string& program, const std::set<std::string>& spellings) {
+  const std::filesystem::path folder = root / "completions";
+  expectWords(findAll(read(folder / (program + ".bash")), "options='([^']*)").at(0), spellings);
+  expectWords(replaced(read(folder / ("_" + program)), "\\[[^\n]*"), spellings);
+  const std::string fish = replaced(read(folder / (program + ".fish")), " -d [^\n]*");
+  expectWords(replaced(replaced(fish, " -l ", " --"), " -o ", " -"), spellings);
+}
+
 TEST(Completions, HaveEveryOption) {
-  expectWords(findAll(read(root / "completions/kiln-as.bash"), "options='([^']*)").at(0), options());
-  expectWords(replaced(read(root / "completions/_kiln-as"), "\\[[^\n]*"), options());
-  const std::string fish = replaced(read(root / "completions/kiln-as.fish"), " -d [^\n]*");
-  expectWords(replaced(replaced(fish, " -l ", " --"), " -o ", " -"), options());
+  std::set<std::string> all = ownOptionsOfKilnCheck();
+  all.merge(options());
+  expectCompletions("kiln-as", options());
+  expectCompletions("kiln-check", all);
 }
 
 TEST(SyntaxFiles, HaveEveryInstructionAndDirective) {
@@ -236,7 +258,8 @@ TEST(SyntaxFiles, HaveEveryInstructionAndDirective) {
 TEST(Version, IsTheSameEverywhere) {
   const std::string release = std::string(version);
   const std::vector<std::string> once = {release}, packaged = {release + ".0"};
-  EXPECT_EQ(findAll(read(root / "man/kiln-as.1"), R"(\.TH [^\n]*kiln\\-as ([0-9.]+))"), once);
+  for (const char* page : {"man/kiln-as.1", "man/kiln-check.1"})
+    EXPECT_EQ(findAll(read(root / page), R"(\.TH [^\n]*kiln\\-as ([0-9.]+))"), once);
   EXPECT_EQ(findAll(read(root / "man/kiln-as.1"), "/opt/kiln/([0-9.]+)"), once);
   EXPECT_EQ(findAll(read(root / "README.md"), "kiln-as_([0-9.]+)"), once);
   EXPECT_EQ(findAll(read(root / "editors/textmate/package.json"), "\"version\": \"([^\"]+)"), packaged);
