@@ -1,5 +1,6 @@
 #include "inspect/checker.h"
 
+#include "inspect/file_checks.h"
 #include "inspect/line_checks.h"
 #include "inspect/macro_checks.h"
 #include "inspect/memory_checks.h"
@@ -12,13 +13,14 @@ namespace kiln {
 
 std::vector<Finding> checkProgram(const Program& program, const CheckLevels& levels) {
   Findings findings(*program.map, levels);
+  checkFiles(program, findings);
   LineChecks lines(program, findings);
   NameChecks names(program, findings);
   ValueChecks values(program, findings);
   StatementWalk walk(program.assembler);
   Statement statement;
   while (walk.next(statement)) {
-    lines.visit(statement);
+    statement.isMisread = lines.visit(statement);
     names.visit(statement);
     values.visit(statement);
   }

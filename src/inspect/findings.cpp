@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "inspect/carriage_returns.h"
 #include "source/line_text.h"
 
 namespace kiln {
@@ -53,7 +54,14 @@ void Findings::add(Check check, Report report, Severity severity) {
   if (finding.place.line != 0 && severity == Severity::Warning && allows(lineOf(finding.place), rowOf(check).name)) {
     return;
   }
+  if (isOfReturn(finding)) return;
   findings_.push_back(std::move(finding));
+}
+
+// What else is wrong with a line that a carriage return spoils shows when that is gone.
+bool Findings::isOfReturn(const Finding& finding) const {
+  if (!wants(Check::CarriageReturn) || finding.check == Check::CarriageReturn || finding.place.line == 0) return false;
+  return isSpoiledByReturn(lineOf(finding.place));
 }
 
 Finding Findings::resolve(Check check, Report report) const {

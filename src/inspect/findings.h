@@ -67,6 +67,9 @@ class Findings {
   // recorded, without "kiln-as: warning: ".
   void explain(std::string message) { explained_.insert(std::move(message)); }
   bool isExplained(std::string_view message) const { return explained_.contains(std::string(message)); }
+  // The same for all messages about a line of the expanded source; lines count from 1.
+  void explainLine(size_t line) { explainedLines_.insert(line); }
+  bool isLineExplained(size_t line) const { return explainedLines_.contains(line); }
   // An error of the assembler.
   void addError(Report report) { add(Check::Assembler, std::move(report), Severity::Error); }
 
@@ -75,6 +78,7 @@ class Findings {
 
  private:
   void add(Check check, Report report, Severity severity);
+  bool isOfReturn(const Finding& finding) const;
   Finding resolve(Check check, Report report) const;
   std::string_view lineOf(const Place& place) const { return map_.lineOf(*place.file, place.line); }
 
@@ -82,6 +86,7 @@ class Findings {
   const CheckLevels& levels_;
   std::vector<Finding> findings_;
   std::unordered_set<std::string> explained_;
+  std::unordered_set<size_t> explainedLines_;
 };
 
 }  // namespace kiln

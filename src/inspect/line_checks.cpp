@@ -1,9 +1,66 @@
 #include "inspect/line_checks.h"
 
 namespace kiln {
+namespace {
 
-LineChecks::LineChecks(const Program& program, Findings& findings) : program_(program), findings_(findings) {}
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-void LineChecks::visit(const Statement&) {}
+}  // namespace
+
+LineChecks::LineChecks(const Program& program, Findings& findings)
+    : used_(program.assembler),
+      reporter_(program, findings),
+      vanished_(program, used_, reporter_),
+      colons_(program, used_, reporter_),
+      texts_(reporter_) {}
+
+// Most statements are instructions without a label or a quote.
+bool LineChecks::visit(const Statement& statement) {
+  const bool isPlain =
+      statement.parsed->kind == Kind::Instruction && !statement.parsed->hasLabel && !statement.hasQuote;
+  if (isPlain && !statement.argument.starts_with('=')) return false;
+  return visitOdd(statement);
+}
+
+bool LineChecks::visitOdd(const Statement& statement) {
+  if (statement.parsed->lineNumber == skippedLine_) return true;
+  if (statement.isFirst && statement.hasQuote && texts_.visitQuotedLine(statement)) return skipLine(statement);
+  if (statement.parsed->hasLabel) {
+    if (TextChecks::isString(statement.label)) {
+      texts_.reportCutText(statement, statement.text, ":");
+      return skipLine(statement);
+    }
+    if (colons_.visitLabel(statement)) return true;
+  }
+  return visitMeaning(statement);
+}
+
+bool LineChecks::visitMeaning(const Statement& statement) {
+  switch (statement.parsed->kind) {
+    case Kind::Empty:
+      // The files are checked for marks.
+      if (!statement.rest.empty() && !statement.rest.starts_with(byteOrderMark)) vanished_.report(statement);
+      return true;
+    case Kind::Assign:
+      if (!TextChecks::isString(statement.rest)) return colons_.visitAssignment(statement);
+      texts_.reportCutText(statement, statement.rest, "=");
+      return skipLine(statement);
+    case Kind::Byte:
+    case Kind::Word:
+    case Kind::Long:
+      return texts_.visitList(statement);
+    case Kind::String:
+      return texts_.visitString(statement) && skipLine(statement);
+    case Kind::Instruction:
+      return statement.argument.starts_with('=') && colons_.reportMnemonicName(statement);
+    default:
+      return false;
+  }
+}
+
+bool LineChecks::skipLine(const Statement& statement) {
+  skippedLine_ = statement.parsed->lineNumber;
+  return true;
+}
 
 }  // namespace kiln

@@ -75,7 +75,7 @@ class MessageReporter {
       if (message.text.starts_with("iteration ")) continue;
       message.line = takeLineNumber(message.text, located_);
       if (message.line == 0) message.line = takeLineNumber(message.text, "line ");
-      messages_.push_back(message);
+      if (!findings_.isLineExplained(message.line)) messages_.push_back(message);
     }
   }
 

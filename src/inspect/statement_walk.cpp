@@ -14,6 +14,7 @@ void StatementWalk::openLine(uint32_t lineNumber, Statement& statement) {
   lineNumber_ = lineNumber;
   statement.line = lines_.at(lineNumber - 1);
   const LineShape shape(statement.line);
+  statement.hasQuote = shape.has(Quote);
   if (shape.splits()) {
     statement.code = withoutComment(statement.line);
     texts_.emplace(statement.code);
@@ -37,6 +38,7 @@ bool StatementWalk::next(Statement& statement) {
   statement.text = ahead_.value_or(std::string_view());
   ahead_ = texts_.has_value() ? texts_->next() : std::nullopt;
   statement.isLast = !ahead_.has_value();
+  statement.isMisread = false;
   statement.symbol = labels_.of(parsed);
   statement.label = {};
   statement.rest = statement.text;

@@ -27,6 +27,8 @@ struct Statement {
   std::string_view argument;       // what follows the word, trimmed
   bool isFirst = false;            // of its line
   bool isLast = false;             // of its line
+  bool hasQuote = false;           // false only when the line's code has no double quote
+  bool isMisread = false;          // set when a check has found that it is not what its writer meant
 };
 
 // Walks all statements in order, but for those that a code-region spill has inserted, which no line has.

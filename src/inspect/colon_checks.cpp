@@ -1,0 +1,135 @@
+#include "inspect/colon_checks.h"
+
+#include <utility>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "inspect/foreign_words.h"
+#include "inspect/statement_words.h"
+
+namespace kiln {
+namespace {
+
+void addNote(Findings::Report& report, std::string text) {
+  report.notes.emplace_back(std::string_view(), std::move(text));
+}
+
+// What to write in place of a comparison or an assignment that is none.
+std::string adviceForName(std::string_view name, const MacroTable& macros) {
+  std::string_view rest = name;
+  const std::string_view word = takeWord(rest);
+  if (name.find('\'') != std::string_view::npos)
+    return "there are no characters: write the number, which is 61 for '='";
+  if (const ForeignWords* const foreign = foreignWordOf(word); foreign != nullptr && word.size() != name.size()) {
+    return std::string(foreign->advice);
+  }
+  if (beginsStatement(word, macros)) return "nothing compares while assembling: leave the '=' out";
+  return "a name consists of letters, digits and '_', and stands alone before the '='";
+}
+
+}  // namespace
+
+ColonChecks::ColonChecks(const Program& program, UsedNames& used, LineReporter& reporter)
+    : program_(program), used_(used), reporter_(reporter) {}
+
+bool ColonChecks::visitLabel(const Statement& statement) {
+  if (isUsableName(statement.label)) return visitPlainLabel(statement);
+  // The checks of macros report the statement before a call.
+  if (isLabelOfCall(statement)) return false;
+  const bool separates =
+      beginsStatement(statement.label, program_.notes.macros) || statement.label.find('=') != std::string_view::npos;
+  if (separates && beginsStatement(statement.rest, program_.notes.macros)) {
+    reportSeparator(statement);
+  } else {
+    reportGreedyColon(statement);
+  }
+  return true;
+}
+
+// A label that could be one. Instructions that stand alone are when nothing uses the name: "CLC: ADC #1".
+bool ColonChecks::visitPlainLabel(const Statement& statement) {
+  const Kind kind = statement.parsed->kind;
+  const bool isWord = mnemonicOf(statement.label) != Mnemonic::None || directiveOf(statement.label) != nullptr;
+  if (isWord && !isLabelOfCall(statement) && !used_.contains(statement.label)) {
+    if (kind == Kind::Empty) return reportGreedyColon(statement), true;
+    const bool standsAlone = mnemonicAlone(statement.label) != Mnemonic::None;
+    if (standsAlone && statement.rest.empty()) return reportGreedyColon(statement), true;
+    if (standsAlone) return reportSeparator(statement), true;
+  }
+  if (kind == Kind::Empty || kind == Kind::String) return false;
+  const size_t colon = statement.rest.find(':');
+  if (colon == std::string_view::npos || statement.rest.find('\'') < colon) return false;
+  const std::string text = concat({quoted(statement.argument), " is all taken for the operand, the colon included"});
+  reporter_.add(Check::Separator, statement, separatorReport(statement.rest, colon, text));
+  return true;
+}
+
+bool ColonChecks::isLabelOfCall(const Statement& statement) {
+  if (!calls_.has_value()) {
+    calls_.emplace();
+    for (const SourceNotes::Call& call : program_.notes.calls)
+      calls_->insert(trimLeft(call.line).data());
+  }
+  return statement.isFirst && calls_->contains(statement.text.data());
+}
+
+void ColonChecks::reportSeparator(const Statement& statement) {
+  const std::string text = concat({"the colon makes ", quoted(statement.label), " a label, so it is not assembled"});
+  reporter_.add(Check::Separator, statement, separatorReport(statement.text, statement.text.find(':'), text));
+}
+
+void ColonChecks::reportGreedyColon(const Statement& statement) {
+  const std::string_view label = statement.label;
+  Findings::Report report{.at = label,
+                          .text = concat({"the colon makes ", quoted(label), " a label, so it is not assembled"})};
+  std::string_view rest = label;
+  const std::string_view word = takeWord(rest);
+  const bool isWord = word.size() == label.size();
+  if (label.find('\'') != std::string_view::npos) {
+    addNote(report, "there are no characters: write the number, which is 58 for ':'");
+  } else if (program_.notes.macros.find(word) != nullptr) {
+    addNote(report, "a macro call has its line to itself");
+  } else if (beginsStatement(label, program_.notes.macros)) {
+    addNote(report, "leave the colon out");
+    const std::string_view colon = statement.text.substr(statement.text.find(':'), 1);
+    if (statement.rest.empty() || isWord) report.fix.emplace_back(colon, isWord && !statement.rest.empty() ? " " : "");
+  } else {
+    addNote(report, "a label is one word of letters, digits and '_'; a comment begins with ';'");
+  }
+  reporter_.add(Check::GreedyColon, statement, std::move(report));
+}
+
+bool ColonChecks::visitAssignment(const Statement& statement) {
+  const size_t equals = statement.rest.find('=');
+  const std::string_view name = trimRight(statement.rest.substr(0, equals));
+  const std::string_view value = trimLeft(statement.rest.substr(equals + 1));
+  if (!isUsableName(name) || name.front() == '>') {
+    Findings::Report report{.at = name,
+                            .text = concat({"the '=' makes ", extentOf(statement), " an assignment to ", quoted(name),
+                                            ", so it makes no bytes"})};
+    addNote(report, adviceForName(name, program_.notes.macros));
+    reporter_.add(Check::GreedyEquals, statement, std::move(report));
+    return true;
+  }
+  const size_t second = value.find('=');
+  if (second == std::string_view::npos || value.find('\'') < second) return false;
+  Findings::Report report{
+      .at = value.substr(second, 1),
+      .text = concat({quoted(value), " is the value: a second '=' is part of it, and no operator"})};
+  addNote(report, "write one '=' and one value");
+  if (second == 0 && value.size() > 1 && value.find('=', 1) == std::string_view::npos)
+    report.fix.emplace_back(report.at, "");
+  reporter_.add(Check::GreedyEquals, statement, std::move(report));
+  return true;
+}
+
+bool ColonChecks::reportMnemonicName(const Statement& statement) {
+  Findings::Report report{.at = statement.rest,
+                          .text = concat({quoted(statement.word), " is an instruction, which takes ",
+                                          quoted(statement.argument), " for its operand"})};
+  addNote(report, "choose another name for the value");
+  reporter_.add(Check::GreedyEquals, statement, std::move(report));
+  return true;
+}
+
+}  // namespace kiln

@@ -1,0 +1,82 @@
+#include "inspect/line_reporter.h"
+
+#include <utility>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "source/data_items.h"
+#include "source/statements.h"
+
+namespace kiln {
+namespace {
+
+constexpr size_t longestQuote = 40;
+
+bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+}  // namespace
+
+void LineReporter::add(Check check, const Statement& statement, Findings::Report report) {
+  if (!findings_.wants(check)) return;
+  explainMessages(statement);
+  if (!isRepeated(check, report.at)) findings_.add(check, std::move(report));
+}
+
+bool LineReporter::isRepeated(Check check, std::string_view at) {
+  const SourceNotes::Made* const made = program_.map->madeLine(at);
+  if (made == nullptr || made->pattern.find(at) == std::string_view::npos) return false;
+  const Place place = program_.map->placeOf(made->pattern);
+  if (place.line == 0) return false;
+  return !reported_.insert(concat({rowOf(check).name, " ", place.file->path, ":", decimal(place.line)})).second;
+}
+
+// All that the assembler may say of its values: it says nothing of a name that it knows.
+void LineReporter::explainMessages(const Statement& statement) {
+  const AsLine& parsed = *statement.parsed;
+  findings_.explainLine(parsed.lineNumber);
+  if (parsed.kind == Kind::Instruction) {
+    explainValue(instructionExpression(parsed, scratch_));
+  } else if (parsed.kind == Kind::Assign) {
+    explainValue(parsed.assignValue());
+  } else if (rowOf(parsed.kind).argument == Argument::Items) {
+    DataItems items(parsed.operand());
+    while (const std::optional<std::string_view> item = items.next())
+      explainValue(*item);
+  } else if (parsed.kind != Kind::String) {
+    explainValue(parsed.operand());
+  }
+}
+
+void LineReporter::explainValue(std::string_view expression) {
+  const SymbolTable none;
+  MessageList messages;
+  Evaluator(none, messages).evaluate(expression);
+  for (size_t i = 0; i < messages.size(); ++i)
+    findings_.explain(std::string(messages[i]));
+}
+
+std::string quoted(std::string_view text) {
+  const bool hasQuotes = text.starts_with('"') || text.starts_with('\'');
+  const std::string_view quote = hasQuotes ? "" : "'";
+  if (text.size() <= longestQuote) return concat({quote, text, quote});
+  size_t end = longestQuote;
+  while (end > 0 && isContinuation(text[end]))
+    --end;
+  return concat({quote, text.substr(0, end), "...", quote});
+}
+
+Findings::Report separatorReport(std::string_view code, size_t colon, std::string text) {
+  const std::string_view before = trimRight(code.substr(0, colon));
+  const std::string_view after = trimLeft(code.substr(colon + 1));
+  return {.at = code.substr(colon, 1),
+          .text = std::move(text),
+          .notes = {{{}, "a colon between statements needs a space on both sides"}},
+          .fix = {{spanOf(endOf(before), after.substr(0, 0)), " : "}}};
+}
+
+std::string_view extentOf(const Statement& statement) {
+  const bool isAlone = statement.isFirst && statement.isLast && statement.label.empty();
+  return isAlone ? "this line" : "this statement";
+}
+
+}  // namespace kiln

@@ -1,0 +1,325 @@
+// A statement that begins with a word which the assembler does not know makes nothing, without a message. The cases,
+// from the surest to the vaguest: a known word that is written wrongly, a colon or an equals sign in the wrong place, a
+// label without its colon, a word of another assembler, a misspelled word.
+#include "inspect/vanished_words.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "inspect/foreign_words.h"
+#include "inspect/statement_words.h"
+
+namespace kiln {
+namespace {
+
+// The mnemonics with few modes first.
+std::array<std::string_view, mnemonicCount> orderMnemonics() {
+  std::array<std::pair<int, Mnemonic>, mnemonicCount> counts;
+  for (size_t i = 0; i < mnemonicCount; ++i) {
+    const auto mnemonic = static_cast<Mnemonic>(i + 1);
+    const auto hasMnemonic = [mnemonic](const OpcodeRow& row) { return row.mnemonic == mnemonic; };
+    const auto count = std::count_if(opcodeRows(), opcodeRows() + opcodeRowCount, hasMnemonic);
+    counts[i] = {static_cast<int>(count), mnemonic};
+  }
+  std::sort(counts.begin(), counts.end());
+  std::array<std::string_view, mnemonicCount> texts;
+  for (size_t i = 0; i < mnemonicCount; ++i)
+    texts[i] = mnemonicText(counts[i].second);
+  return texts;
+}
+
+std::string_view withoutSign(std::string_view label) {
+  const bool hasSign = label.starts_with('.') || label.starts_with('>');
+  return label.substr(hasSign ? 1 : 0);
+}
+
+// A label as people write them: letters, digits and "_", perhaps after "." or ">".
+bool isPlainLabel(std::string_view word) {
+  const std::string_view name = withoutSign(word);
+  return !name.empty() && isIdentifierStart(name.front()) &&
+         std::all_of(name.begin(), name.end(), isIdentifierCharacter);
+}
+
+// Several words without anything that code has: a comment.
+bool isProse(std::string_view text) {
+  size_t words = 0;
+  for (std::string_view word = takeWord(text); !word.empty(); word = takeWord(text)) {
+    while (word.size() > 1 && (word.back() == ',' || word.back() == '.' || word.back() == ';' || word.back() == ')'))
+      word.remove_suffix(1);
+    if (!std::all_of(word.begin(), word.end(), [](char c) { return isLetter(c) || c == '-' || c == '\''; }))
+      return false;
+    ++words;
+  }
+  return words > 3;
+}
+
+size_t countWords(std::string_view text) {
+  size_t count = 0;
+  while (!takeWord(text).empty())
+    ++count;
+  return count;
+}
+
+// What can be said of words that begin with a sign.
+std::string_view adviceFor(std::string_view rest) {
+  switch (rest.front()) {
+    case '@':
+    case ']':
+      return "a local label is written '.name:', and the same dot is written where it is used";
+    case ':':
+    case '+':
+    case '-':
+      return "there are no labels without a name: write '.name:'";
+    case '*':
+    case '/':
+    case '\'':
+      return "a comment begins with ';'";
+    case '0':
+    case '1':
+    case '2':
+    case '3':
+    case '4':
+    case '5':
+    case '6':
+    case '7':
+    case '8':
+    case '9':
+      return "a label begins with a letter, '_' or '.'";
+    default:
+      return isProse(rest) ? "a comment begins with ';'" : "";
+  }
+}
+
+std::string unknownText(const Statement& statement, std::string_view word) {
+  return concat({quoted(word), " is no instruction, directive or macro: ", extentOf(statement), " makes nothing"});
+}
+
+void addNote(Findings::Report& report, std::string_view text) {
+  if (!text.empty()) report.notes.emplace_back(std::string_view(), std::string(text));
+}
+
+}  // namespace
+
+VanishedWords::VanishedWords(const Program& program, UsedNames& used, LineReporter& reporter)
+    : program_(program), used_(used), reporter_(reporter) {}
+
+void VanishedWords::report(const Statement& statement) {
+  if (isOfMacro(statement)) return;
+  (void)(reportDirective(statement) || reportColon(statement) || reportMissingSpace(statement) ||
+         reportEquals(statement) || reportMissingColon(statement) || reportForeignWord(statement) ||
+         (reportUnknown(statement), true));
+}
+
+// What the checks of macros report: a call that is none, and lines that make no sense in a macro's body.
+bool VanishedWords::isOfMacro(const Statement& statement) const {
+  if (program_.notes.macros.find(statement.word) != nullptr) return true;
+  const DirectiveWord* const directive = directiveOf(statement.word);
+  const bool isPreprocessed = directive != nullptr && (directive->word == ".include" || directive->word == ".macro");
+  const bool mayBeOdd = isPreprocessed || startsWithIgnoringCase(statement.word, ".endm");
+  return mayBeOdd && program_.map->madeLine(statement.word) != nullptr;
+}
+
+// A directive that is spelled rightly.
+bool VanishedWords::reportDirective(const Statement& statement) {
+  const DirectiveWord* const directive = directiveOf(statement.word);
+  if (directive == nullptr) return false;
+  const std::string name = quoted(statement.word);
+  if (statement.argument.empty()) {
+    Findings::Report report{.at = statement.word,
+                            .text = concat({name, " has no argument: ", extentOf(statement), " makes nothing"})};
+    addNote(report, concat({"it is written '", directive->word, " ", directive->example, "'"}));
+    reporter_.add(Check::NoArgument, statement, std::move(report));
+  } else if (statement.rest[statement.word.size()] == '\t') {
+    Findings::Report report{.at = statement.word,
+                            .text = concat({name, " is followed by a tab: ", extentOf(statement), " makes nothing"})};
+    addNote(report, "a directive needs a space after it");
+    report.fix.emplace_back(statement.rest.substr(statement.word.size(), 1), " ");
+    reporter_.add(Check::TabAfterDirective, statement, std::move(report));
+  } else {
+    Findings::Report report{.at = statement.word,
+                            .text = concat({name, " is not alone in its line: this statement makes nothing"})};
+    addNote(report, "write it in a line of its own");
+    reporter_.add(Check::Vanished, statement, std::move(report));
+  }
+  return true;
+}
+
+// "LDA#1", "BNEloop", ".byte$10": the space after the word is missing.
+bool VanishedWords::reportMissingSpace(const Statement& statement) {
+  const std::string_view word = statement.word;
+  const DirectiveWord* const directive = directiveInFrontOf(word);
+  const bool hasMnemonic = word.size() > 3 && mnemonicOf(word.substr(0, 3)) != Mnemonic::None;
+  if (directive == nullptr && !hasMnemonic) return false;
+  const size_t size = directive != nullptr ? directive->word.size() : 3;
+  const std::string_view known = word.substr(0, size);
+  const std::string_view after = statement.rest.substr(size);
+  const bool isSign = !isIdentifierCharacter(after.front()) && after.front() != '.';
+  const bool isShift = hasMnemonic && opcodeFor(mnemonicOf(known), Mode::Accumulator) >= 0 && word.size() == 4 &&
+                       toUpper(after.front()) == 'A';
+  if (!isSign && !isShift && (used_.contains(word) || !isKnownName(statement, after))) return false;
+  Findings::Report report{
+      .at = word,
+      .text = concat({quoted(known), " has no space after it: ", extentOf(statement), " makes nothing"}),
+      .fix = {{endOf(known), " "}}};
+  addNote(report, concat({"write '", known, " ", word.substr(size), "'"}));
+  reporter_.add(Check::Vanished, statement, std::move(report));
+  return true;
+}
+
+// True for a number, and when the text begins with a name of the program.
+bool VanishedWords::isKnownName(const Statement& statement, std::string_view text) const {
+  if (isDigit(text.front())) return true;
+  const std::string_view name = leadingSymbol(text);
+  const SymbolTable& symbols = program_.iteration().symbols;
+  if (name.starts_with('.')) return symbols.find(concat({statement.scope, name})) != nullptr;
+  return !name.empty() && symbols.find(name) != nullptr;
+}
+
+// A colon that is not that of the label: "start: TXA: PHA", "start:: NOP", "first: second: NOP".
+bool VanishedWords::reportColon(const Statement& statement) {
+  const size_t colon = statement.rest.find(':');
+  if (colon == std::string_view::npos || statement.label.empty()) return false;
+  const std::string_view before = trimRight(statement.rest.substr(0, colon));
+  if (beginsStatement(before, program_.notes.macros)) {
+    const std::string text = concat({quoted(statement.word), " is no instruction, because the colon belongs to it"});
+    reporter_.add(Check::Separator, statement, separatorReport(statement.rest, colon, text));
+    return true;
+  }
+  const bool isSecondLabel = isPlainLabel(before);
+  if (!before.empty() && !isSecondLabel) return false;
+  Findings::Report report{.at = isSecondLabel ? before : statement.rest.substr(0, 1),
+                          .text = concat({"a second ", isSecondLabel ? "label" : "colon",
+                                          " in the statement: what comes after the first one makes nothing"})};
+  if (isSecondLabel) {
+    addNote(report, "write each label in a line of its own");
+  } else {
+    addNote(report, "leave it out");
+    report.fix.emplace_back(report.at, "");
+  }
+  reporter_.add(Check::Vanished, statement, std::move(report));
+  return true;
+}
+
+// "name := 5", "*=$2000", "= 5", "name =".
+bool VanishedWords::reportEquals(const Statement& statement) {
+  const std::string_view rest = statement.rest;
+  const bool isOrigin = rest.front() == '*' && trimLeft(rest.substr(1)).starts_with('=');
+  if (rest.front() != '=' && !isOrigin && !trimRight(rest).ends_with('=')) return false;
+  Findings::Report report{.at = rest, .text = unknownText(statement, statement.word)};
+  if (isOrigin) {
+    const std::string_view sign = rest.substr(0, rest.find('=') + 1);
+    const std::string_view address = trimLeft(rest.substr(sign.size()));
+    report = {.at = sign, .text = unknownText(statement, sign)};
+    addNote(report, concat({"write '.org ", address, "'"}));
+    report.fix.emplace_back(spanOf(sign, address.substr(0, 0)), ".org ");
+  } else if (rest.front() == '=' && !statement.label.empty()) {
+    report = {.at = rest,
+              .text = concat({"the colon makes ", quoted(statement.label), " a label, whose value is an address"})};
+    addNote(report, concat({"write '", statement.label, " ", rest, "'"}));
+    report.fix.emplace_back(spanOf(endOf(statement.label), rest.substr(0, 0)), " ");
+  } else if (rest.front() == '=') {
+    report.text = "an assignment without a name: this statement makes nothing";
+    addNote(report, "write 'name = value'");
+  } else {
+    report.text = "an assignment without a value: this statement makes nothing";
+    addNote(report, "write the value after the '='");
+  }
+  reporter_.add(Check::Vanished, statement, std::move(report));
+  return true;
+}
+
+// A name alone, or before a statement.
+bool VanishedWords::isLabelWithoutColon(const Statement& statement) {
+  const std::string_view word = statement.word;
+  if (!isPlainLabel(word) || !statement.label.empty()) return false;
+  const std::string_view name = word.starts_with('>') ? word.substr(1) : word;
+  const bool isBeforeStatement = beginsStatement(statement.argument, program_.notes.macros);
+  if (statement.argument.empty() || isBeforeStatement) {
+    if (used_.contains(name)) return true;
+  }
+  if (!statement.argument.empty()) return isBeforeStatement && countWords(statement.argument) <= 2;
+  return foreignWordOf(word) == nullptr && nearWords(word).empty();
+}
+
+bool VanishedWords::reportMissingColon(const Statement& statement) {
+  if (!isLabelWithoutColon(statement)) return false;
+  const std::string_view word = statement.word;
+  Findings::Report report{.at = word, .text = unknownText(statement, word)};
+  if (statement.argument.empty() && !statement.isLast) {
+    addNote(report, concat({"a label has its colon directly after it: '", word, ":'"}));
+  } else {
+    addNote(report, concat({"a label needs a colon: '", word, ":'"}));
+    if (used_.contains(word.starts_with('>') ? word.substr(1) : word)) report.fix.emplace_back(endOf(word), ":");
+  }
+  reporter_.add(Check::MissingColon, statement, std::move(report));
+  return true;
+}
+
+bool VanishedWords::reportForeignWord(const Statement& statement) {
+  if (isProse(statement.rest)) return false;
+  std::string_view rest = statement.argument;
+  const std::string_view second = takeWord(rest);
+  std::string_view word = statement.word;
+  const ForeignWords* foreign = foreignWordOf(word);
+  if (foreign == nullptr && isPlainLabel(word) && !second.empty()) {
+    foreign = foreignWordOf(second);
+    if (foreign != nullptr && !foreign->followsName) foreign = nullptr;
+    word = second;
+  }
+  if (foreign == nullptr) return false;
+  Findings::Report report{.at = word, .text = unknownText(statement, word)};
+  addNote(report, foreign->advice);
+  const bool isEquals = foreign->replacement == "=";
+  const bool isSecond = word.data() != statement.word.data();
+  const bool hasText = statement.rest.find_first_of("\"'") != std::string_view::npos;
+  if (!foreign->replacement.empty() && !hasText && isEquals == isSecond)
+    report.fix.emplace_back(word, foreign->replacement);
+  if (statement.argument.empty() && isLetter(word.front()))
+    addNote(report, concat({"if it is a label, it needs a colon: '", word, ":'"}));
+  reporter_.add(Check::Vanished, statement, std::move(report));
+  return true;
+}
+
+void VanishedWords::reportUnknown(const Statement& statement) {
+  const std::string_view word = statement.word;
+  Findings::Report report{.at = word, .text = unknownText(statement, word)};
+  const std::string hint = isProse(statement.rest) ? "" : nearWords(word);
+  const DirectiveWord* const directive = directiveInFrontOf(word);
+  if (!hint.empty()) {
+    addNote(report, hint);
+  } else if (word.size() > 3 && word[3] == '.' && mnemonicOf(word.substr(0, 3)) != Mnemonic::None) {
+    addNote(report, "an instruction has a space after its name, and no size");
+  } else if (directive != nullptr) {
+    addNote(report, concat({"a directive needs a space after it: '", directive->word, " '"}));
+  } else if (used_.contains(word) && isPlainLabel(word)) {
+    addNote(report, concat({"a name gets a value with '=': '", word, " = ", statement.argument, "'"}));
+  } else {
+    addNote(report, adviceFor(statement.rest));
+  }
+  reporter_.add(Check::Vanished, statement, std::move(report));
+}
+
+// "did you mean ...?"; empty when no word is near.
+std::string VanishedWords::nearWords(std::string_view word) {
+  static const std::array mnemonics = orderMnemonics();
+  const std::string dotted = concat({".", word});
+  if (directiveOf(dotted) != nullptr) return concat({"did you mean '", toLower(dotted), "'?"});
+  near_.begin(word);
+  if (word.starts_with('.')) {
+    for (const DirectiveWord& directive : directiveWords)
+      near_.offer(directive.word);
+  } else {
+    for (std::string_view mnemonic : mnemonics)
+      near_.offer(mnemonic);
+  }
+  for (const Macro& macro : program_.notes.macros.all()) {
+    std::string_view head = macro.head;
+    near_.offer(takeWord(head));
+  }
+  return near_.hint();
+}
+
+}  // namespace kiln
