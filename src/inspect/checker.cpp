@@ -22,7 +22,7 @@ std::vector<Finding> checkProgram(const Program& program, const CheckLevels& lev
   while (walk.next(statement)) {
     statement.isMisread = lines.visit(statement);
     names.visit(statement);
-    values.visit(statement);
+    if (!statement.isMisread) values.visit(statement);
   }
   names.finish();
   checkMacros(program, findings);

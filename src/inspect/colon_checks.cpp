@@ -10,6 +10,8 @@
 namespace kiln {
 namespace {
 
+constexpr std::string_view quotes = "\"'";
+
 void addNote(Findings::Report& report, std::string text) {
   report.notes.emplace_back(std::string_view(), std::move(text));
 }
@@ -18,8 +20,9 @@ void addNote(Findings::Report& report, std::string text) {
 std::string adviceForName(std::string_view name, const MacroTable& macros) {
   std::string_view rest = name;
   const std::string_view word = takeWord(rest);
-  if (name.find('\'') != std::string_view::npos)
-    return "there are no characters: write the number, which is 61 for '='";
+  if (name.find_first_of(quotes) != std::string_view::npos) {
+    return "quotes do not protect an '=': write its number, 61";
+  }
   if (const ForeignWords* const foreign = foreignWordOf(word); foreign != nullptr && word.size() != name.size()) {
     return std::string(foreign->advice);
   }
@@ -36,9 +39,10 @@ bool ColonChecks::visitLabel(const Statement& statement) {
   if (isUsableName(statement.label)) return visitPlainLabel(statement);
   // The checks of macros report the statement before a call.
   if (isLabelOfCall(statement)) return false;
-  const bool separates =
+  const bool wasStatement =
       beginsStatement(statement.label, program_.notes.macros) || statement.label.find('=') != std::string_view::npos;
-  if (separates && beginsStatement(statement.rest, program_.notes.macros)) {
+  const Kind kind = statement.parsed->kind;
+  if (wasStatement && kind != Kind::Empty && kind != Kind::LabelOnly) {
     reportSeparator(statement);
   } else {
     reportGreedyColon(statement);
@@ -46,19 +50,23 @@ bool ColonChecks::visitLabel(const Statement& statement) {
   return true;
 }
 
-// A label that could be one. Instructions that stand alone are when nothing uses the name: "CLC: ADC #1".
+// A label that could be one: "CLC: ADC #1" has it by mistake if nothing uses the name.
 bool ColonChecks::visitPlainLabel(const Statement& statement) {
+  const std::string_view label = statement.label;
   const Kind kind = statement.parsed->kind;
-  const bool isWord = mnemonicOf(statement.label) != Mnemonic::None || directiveOf(statement.label) != nullptr;
-  if (isWord && !isLabelOfCall(statement) && !used_.contains(statement.label)) {
-    if (kind == Kind::Empty) return reportGreedyColon(statement), true;
-    const bool standsAlone = mnemonicAlone(statement.label) != Mnemonic::None;
-    if (standsAlone && statement.rest.empty()) return reportGreedyColon(statement), true;
-    if (standsAlone) return reportSeparator(statement), true;
+  const bool isWord = mnemonicOf(label) != Mnemonic::None || directiveOf(label) != nullptr;
+  if (isWord && !isLabelOfCall(statement) && !used_.contains(label)) {
+    const bool isComplete = isCompleteAlone(label);
+    if (kind == Kind::Empty || (isComplete && kind == Kind::LabelOnly)) return reportGreedyColon(statement), true;
+    if (isComplete) return reportSeparator(statement), true;
   }
-  if (kind == Kind::Empty || kind == Kind::String) return false;
+  return kind != Kind::Empty && kind != Kind::String && visitOperand(statement);
+}
+
+// A colon after that of the label belongs to the operand.
+bool ColonChecks::visitOperand(const Statement& statement) {
   const size_t colon = statement.rest.find(':');
-  if (colon == std::string_view::npos || statement.rest.find('\'') < colon) return false;
+  if (colon == std::string_view::npos || statement.rest.find_first_of(quotes) < colon) return false;
   const std::string text = concat({quoted(statement.argument), " is all taken for the operand, the colon included"});
   reporter_.add(Check::Separator, statement, separatorReport(statement.rest, colon, text));
   return true;
@@ -85,8 +93,8 @@ void ColonChecks::reportGreedyColon(const Statement& statement) {
   std::string_view rest = label;
   const std::string_view word = takeWord(rest);
   const bool isWord = word.size() == label.size();
-  if (label.find('\'') != std::string_view::npos) {
-    addNote(report, "there are no characters: write the number, which is 58 for ':'");
+  if (label.find_first_of(quotes) != std::string_view::npos) {
+    addNote(report, "quotes do not protect a colon: write its number, 58");
   } else if (program_.notes.macros.find(word) != nullptr) {
     addNote(report, "a macro call has its line to itself");
   } else if (beginsStatement(label, program_.notes.macros)) {

@@ -25,6 +25,7 @@ class ColonChecks {
 
  private:
   bool visitPlainLabel(const Statement& statement);
+  bool visitOperand(const Statement& statement);
   bool isLabelOfCall(const Statement& statement);
   void reportSeparator(const Statement& statement);
   void reportGreedyColon(const Statement& statement);

@@ -3,7 +3,8 @@
 namespace kiln {
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+// True for what vanishes without harm, or because of how the file was saved.
+bool isOfFile(std::string_view text) { return text.empty() || text == "\r" || text.starts_with("\xEF\xBB\xBF"); }
 
 }  // namespace
 
@@ -38,8 +39,7 @@ bool LineChecks::visitOdd(const Statement& statement) {
 bool LineChecks::visitMeaning(const Statement& statement) {
   switch (statement.parsed->kind) {
     case Kind::Empty:
-      // The files are checked for marks.
-      if (!statement.rest.empty() && !statement.rest.starts_with(byteOrderMark)) vanished_.report(statement);
+      if (!isOfFile(statement.rest)) vanished_.report(statement);
       return true;
     case Kind::Assign:
       if (!TextChecks::isString(statement.rest)) return colons_.visitAssignment(statement);

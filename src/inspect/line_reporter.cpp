@@ -55,6 +55,10 @@ void LineReporter::explainValue(std::string_view expression) {
     findings_.explain(std::string(messages[i]));
 }
 
+void LineReporter::explainUndefined(std::string_view name) {
+  findings_.explain(concat({"undefined symbol '", name, "', using 0"}));
+}
+
 std::string quoted(std::string_view text) {
   const bool hasQuotes = text.starts_with('"') || text.starts_with('\'');
   const std::string_view quote = hasQuotes ? "" : "'";

@@ -21,6 +21,9 @@ class LineReporter {
   // line of a macro's body is reported at the first call alone, unless the mistake is in the arguments.
   void add(Check check, const Statement& statement, Findings::Report report);
 
+  // Explains the message that nothing defines this name.
+  void explainUndefined(std::string_view name);
+
  private:
   bool isRepeated(Check check, std::string_view at);
   void explainMessages(const Statement& statement);

@@ -52,13 +52,21 @@ const DirectiveWord* directiveOf(std::string_view word);
 // The directive that the word begins with and goes on after, as ".bytes" and ".byte$10" do; null when there is none.
 const DirectiveWord* directiveInFrontOf(std::string_view word);
 
-// The instruction that stands alone, without an operand; None for others and for other words.
-Mnemonic mnemonicAlone(std::string_view word);
+// True for an instruction that needs no operand.
+bool isCompleteAlone(std::string_view word);
 
 // True when the first word of the text is an instruction, a directive or a macro.
 bool beginsStatement(std::string_view text, const MacroTable& macros);
 
 // True when an operand could use this as a name: it has no blank, quote, operator or other sign that ends a name.
 bool isUsableName(std::string_view text);
+
+// True for a label as people write them: letters, digits and "_", perhaps after "." or ">".
+bool isPlainLabel(std::string_view word);
+
+size_t countWords(std::string_view text);
+
+// True for several words without anything that code has: a comment.
+bool isProse(std::string_view text);
 
 }  // namespace kiln

@@ -32,6 +32,8 @@ std::string numbersOf(std::string_view text) {
   return numbers;
 }
 
+bool endsItem(std::string_view list, size_t at) { return at == list.size() || list[at] == ',' || isBlank(list[at]); }
+
 // The text of a quoted argument without other quotes, when it is short enough to be written as numbers; empty
 // otherwise.
 std::string_view plainText(std::string_view argument) {
@@ -75,7 +77,8 @@ bool TextChecks::visitList(const Statement& statement) {
   if (begin == std::string_view::npos) return false;
   const size_t end = list.find(list[begin], begin + 1);
   // A single character between single quotes is an operand like any other.
-  if (list[begin] == '\'' && (end == std::string_view::npos || end <= begin + 2)) return false;
+  if (list[begin] == '\'' && (end == std::string_view::npos || end <= begin + 2 || !endsItem(list, end + 1)))
+    return false;
   const std::string_view text = list.substr(begin, end == std::string_view::npos ? end : end - begin + 1);
   Findings::Report report{
       .at = text,

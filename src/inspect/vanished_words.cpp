@@ -31,38 +31,6 @@ std::array<std::string_view, mnemonicCount> orderMnemonics() {
   return texts;
 }
 
-std::string_view withoutSign(std::string_view label) {
-  const bool hasSign = label.starts_with('.') || label.starts_with('>');
-  return label.substr(hasSign ? 1 : 0);
-}
-
-// A label as people write them: letters, digits and "_", perhaps after "." or ">".
-bool isPlainLabel(std::string_view word) {
-  const std::string_view name = withoutSign(word);
-  return !name.empty() && isIdentifierStart(name.front()) &&
-         std::all_of(name.begin(), name.end(), isIdentifierCharacter);
-}
-
-// Several words without anything that code has: a comment.
-bool isProse(std::string_view text) {
-  size_t words = 0;
-  for (std::string_view word = takeWord(text); !word.empty(); word = takeWord(text)) {
-    while (word.size() > 1 && (word.back() == ',' || word.back() == '.' || word.back() == ';' || word.back() == ')'))
-      word.remove_suffix(1);
-    if (!std::all_of(word.begin(), word.end(), [](char c) { return isLetter(c) || c == '-' || c == '\''; }))
-      return false;
-    ++words;
-  }
-  return words > 3;
-}
-
-size_t countWords(std::string_view text) {
-  size_t count = 0;
-  while (!takeWord(text).empty())
-    ++count;
-  return count;
-}
-
 // What can be said of words that begin with a sign.
 std::string_view adviceFor(std::string_view rest) {
   switch (rest.front()) {
@@ -178,28 +146,28 @@ bool VanishedWords::isKnownName(const Statement& statement, std::string_view tex
   return !name.empty() && symbols.find(name) != nullptr;
 }
 
-// A colon that is not that of the label: "start: TXA: PHA", "start:: NOP", "first: second: NOP".
+// A colon that is not that of the label: "start: TXA: PHA", "start: LDA: #1", "start:: NOP", "first: second: NOP".
 bool VanishedWords::reportColon(const Statement& statement) {
-  const size_t colon = statement.rest.find(':');
-  if (colon == std::string_view::npos || statement.label.empty()) return false;
-  const std::string_view before = trimRight(statement.rest.substr(0, colon));
-  if (beginsStatement(before, program_.notes.macros)) {
-    const std::string text = concat({quoted(statement.word), " is no instruction, because the colon belongs to it"});
-    reporter_.add(Check::Separator, statement, separatorReport(statement.rest, colon, text));
-    return true;
-  }
-  const bool isSecondLabel = isPlainLabel(before);
-  if (!before.empty() && !isSecondLabel) return false;
-  Findings::Report report{.at = isSecondLabel ? before : statement.rest.substr(0, 1),
-                          .text = concat({"a second ", isSecondLabel ? "label" : "colon",
-                                          " in the statement: what comes after the first one makes nothing"})};
-  if (isSecondLabel) {
-    addNote(report, "write each label in a line of its own");
-  } else {
+  const size_t at = statement.rest.find(':');
+  if (at == std::string_view::npos || statement.label.empty()) return false;
+  const std::string_view before = trimRight(statement.rest.substr(0, at));
+  const std::string_view colon = statement.rest.substr(at, 1);
+  const bool isStatement = beginsStatement(before, program_.notes.macros);
+  if (isStatement && beginsStatement(statement.rest.substr(at + 1), program_.notes.macros)) {
+    const std::string text = concat({quoted(before), " is no statement, because the colon belongs to it"});
+    reporter_.add(Check::Separator, statement, separatorReport(statement.rest, at, text));
+  } else if (isStatement || before.empty()) {
+    Findings::Report report{.at = colon, .text = "a second colon after the label: what comes after it makes nothing"};
     addNote(report, "leave it out");
-    report.fix.emplace_back(report.at, "");
+    report.fix.emplace_back(colon, before.empty() ? "" : " ");
+    reporter_.add(Check::GreedyColon, statement, std::move(report));
+  } else if (isPlainLabel(before)) {
+    Findings::Report report{.at = before, .text = "a second label in the statement: neither it nor the rest is made"};
+    addNote(report, "write each label in a line of its own");
+    reporter_.add(Check::Vanished, statement, std::move(report));
+  } else {
+    return false;
   }
-  reporter_.add(Check::Vanished, statement, std::move(report));
   return true;
 }
 
@@ -241,20 +209,22 @@ bool VanishedWords::isLabelWithoutColon(const Statement& statement) {
     if (used_.contains(name)) return true;
   }
   if (!statement.argument.empty()) return isBeforeStatement && countWords(statement.argument) <= 2;
-  return foreignWordOf(word) == nullptr && nearWords(word).empty();
+  return foreignWordOf(word) == nullptr && directiveInFrontOf(word) == nullptr && nearWords(word).empty();
 }
 
 bool VanishedWords::reportMissingColon(const Statement& statement) {
   if (!isLabelWithoutColon(statement)) return false;
   const std::string_view word = statement.word;
+  const std::string_view name = word.substr(word.starts_with('>') ? 1 : 0);
   Findings::Report report{.at = word, .text = unknownText(statement, word)};
   if (statement.argument.empty() && !statement.isLast) {
     addNote(report, concat({"a label has its colon directly after it: '", word, ":'"}));
   } else {
     addNote(report, concat({"a label needs a colon: '", word, ":'"}));
-    if (used_.contains(word.starts_with('>') ? word.substr(1) : word)) report.fix.emplace_back(endOf(word), ":");
+    if (used_.contains(name)) report.fix.emplace_back(endOf(word), ":");
   }
   reporter_.add(Check::MissingColon, statement, std::move(report));
+  reporter_.explainUndefined(word.starts_with('.') ? concat({statement.scope, word}) : std::string(name));
   return true;
 }
 
@@ -305,7 +275,8 @@ void VanishedWords::reportUnknown(const Statement& statement) {
 // "did you mean ...?"; empty when no word is near.
 std::string VanishedWords::nearWords(std::string_view word) {
   static const std::array mnemonics = orderMnemonics();
-  const std::string dotted = concat({".", word});
+  const bool hasSign = word.starts_with('!') || word.starts_with('#');
+  const std::string dotted = concat({".", word.substr(hasSign ? 1 : 0)});
   if (directiveOf(dotted) != nullptr) return concat({"did you mean '", toLower(dotted), "'?"});
   near_.begin(word);
   if (word.starts_with('.')) {
