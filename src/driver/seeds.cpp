@@ -1,5 +1,6 @@
 #include "driver/seeds.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -110,6 +111,11 @@ Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& symbolF
   for (const Equate& equate : equates)
     enterSeed(equate.name, equate.value, seeds.symbols);
   return seeds;
+}
+
+bool isBuiltInName(std::string_view name) {
+  return std::any_of(equates.begin(), equates.end(),
+                     [name](const Equate& equate) { return equalIgnoringCase(equate.name, name); });
 }
 
 }  // namespace kiln

@@ -1,0 +1,158 @@
+#include "inspect/undefined_names.h"
+
+#include <algorithm>
+
+#include "base/format.h"
+#include "base/text.h"
+#include "driver/seeds.h"
+#include "inspect/expression_names.h"
+#include "source/line_text.h"
+
+namespace kiln {
+namespace {
+
+constexpr std::string_view bankPrefix = "__bank_";
+constexpr size_t mostChanges = 2;  // that NearNames accepts
+
+std::string quoted(std::string_view text) { return concat({"'", text, "'"}); }
+
+// The name that a statement defines, as written: its label, or what it assigns to.
+std::string_view definedName(std::string_view statement) {
+  const size_t end = statement.find_first_of(":=");
+  return beginsLikeLabel(statement) && end != std::string_view::npos ? trim(statement.substr(0, end))
+                                                                     : std::string_view();
+}
+
+std::string_view withoutMark(std::string_view name) {
+  return name.starts_with('.') || name.starts_with('>') ? name.substr(1) : name;
+}
+
+// The number that a name looks like, with "$": "FFh" and "D01A" do. Empty for other names.
+std::string numberLike(std::string_view name) {
+  const bool endsInH = toLower(name.back()) == 'h';
+  if (endsInH) name.remove_suffix(1);
+  const bool hasSize = name.size() == 2 || name.size() == 4 || (endsInH && name.size() == 1);
+  if (!hasSize || !std::all_of(name.begin(), name.end(), isHexDigit)) return "";
+  if (!endsInH && std::none_of(name.begin(), name.end(), isDigit)) return "";
+  return concat({"$", name});
+}
+
+// What defines the name after "__bank_".
+std::string bankHint(std::string_view rest) {
+  if (rest == "code_reg" || rest == "data_reg") return "it is defined when this bank register is set";
+  if (rest == "current") return "it is defined in programs that call into other banks";
+  return concat({"'.bank ", rest, "' defines it"});
+}
+
+}  // namespace
+
+UndefinedNames::UndefinedNames(const Program& program, const NameDefinitions& definitions, Findings& findings)
+    : program_(program), definitions_(definitions), findings_(findings) {}
+
+void UndefinedNames::addUse(const Statement& statement, std::string_view name) {
+  const auto [seen, isNew] = seen_.emplace(name);
+  if (!isNew) return;
+  findings_.explain(undefinedMessage(name));
+  const std::string_view written = writtenName(*program_.map, statement, name);
+  uses_.push_back({*seen, written, statement.line, statement.scope});
+}
+
+void UndefinedNames::addVanished(const Statement& statement) {
+  if (statement.parsed->kind == Kind::Assign) {
+    const std::string_view name = statement.parsed->assignName();
+    vanished_.insert(name.substr(name.find_last_of(" \t") + 1));
+    return;
+  }
+  vanished_.insert(statement.word);
+  std::string_view argument = statement.argument;
+  if (statement.word.starts_with('.')) vanished_.insert(takeWord(argument));
+}
+
+void UndefinedNames::report() {
+  // The missing file may define any name.
+  if (uses_.empty() || !program_.notes.errorLines.empty()) return;
+  collectElsewhere();
+  for (const Use& use : uses_) {
+    if (!isExplained(use)) report(use);
+  }
+}
+
+void UndefinedNames::collectElsewhere() {
+  for (const SourceNotes::Made& made : program_.notes.made) {
+    if (made.pattern.data() != nullptr) continue;
+    StatementTexts statements(withoutComment(made.origin));
+    while (const std::optional<std::string_view> statement = statements.next())
+      lost_.insert(withoutMark(definedName(*statement)));
+  }
+  for (const Macro& macro : program_.notes.macros.all())
+    parameters_.insert(macro.parameters.begin(), macro.parameters.end());
+}
+
+// True when another check reports the mistake that leaves the name without a definition.
+bool UndefinedNames::isExplained(const Use& use) const {
+  if (findings_.wants(Check::Vanished) && vanished_.contains(use.name)) return true;
+  if (findings_.wants(Check::LostWithBranch) && lost_.contains(withoutMark(use.written))) return true;
+  return findings_.wants(Check::MacroArguments) && isLostParameter(use);
+}
+
+// True for a macro's parameter that is still there after the call, which has too few arguments then.
+bool UndefinedNames::isLostParameter(const Use& use) const {
+  if (!parameters_.contains(use.name)) return false;
+  const SourceNotes::Made* const made = program_.map->madeLine(use.written);
+  return made != nullptr && findName(made->pattern, use.name).data() != nullptr;
+}
+
+void UndefinedNames::report(const Use& use) {
+  Findings::Report report{.at = use.written};
+  addHints(use, report);
+  const std::string number = numberLike(use.name);
+  const bool isNumber = !number.empty() && report.notes.empty();
+  if (isNumber) {
+    report.text = concat(
+        {quoted(use.name), " is a name, which nothing defines: it counts as 0; write ", number, " for the number"});
+    if (use.written == use.name) report.fix.emplace_back(use.written, number);
+  } else if (use.written.starts_with('.') && !use.scope.empty()) {
+    report.text = concat({quoted(use.written), " is not defined in the scope ", quoted(use.scope), ": it counts as 0"});
+  } else {
+    report.text = concat({quoted(use.name), " is not defined: it counts as 0"});
+  }
+  findings_.add(isNumber ? Check::NumberLikeName : Check::Undefined, std::move(report));
+}
+
+void UndefinedNames::addHints(const Use& use, Findings::Report& report) {
+  if (isBuiltInName(use.name)) {
+    report.notes.emplace_back(std::string_view(), "it is a built-in name, but a symbol file replaces all of these");
+  }
+  if (use.name.starts_with(bankPrefix)) {
+    report.notes.emplace_back(std::string_view(), bankHint(use.name.substr(bankPrefix.size())));
+  }
+  const std::string_view bare = withoutMark(use.written);
+  const Symbol* elsewhere = nullptr;
+  near_.begin(use.written);
+  for (const Symbol& symbol : program_.iteration().symbols.symbols()) {
+    if (comparisonsLeft_ == 0) break;
+    --comparisonsLeft_;
+    offer(use, symbol.name);
+    const bool isLonger = symbol.name.size() > bare.size() + 1;
+    if (elsewhere != nullptr || !isLonger || symbol.name[symbol.name.size() - bare.size() - 1] != '.') continue;
+    if (symbol.name.ends_with(bare)) elsewhere = &symbol;
+  }
+  if (std::string hint = near_.hint(); !hint.empty()) report.notes.emplace_back(std::string_view(), std::move(hint));
+  if (elsewhere == nullptr) return;
+  report.notes.emplace_back(definitions_.first(*elsewhere).text,
+                            concat({"a local label of another scope has this name: ", quoted(elsewhere->name)}));
+}
+
+// Offers a global name, or a local one of the same scope as it would be written there.
+void UndefinedNames::offer(const Use& use, std::string_view symbol) {
+  const std::string_view scope = use.scope;
+  if (symbol.size() > scope.size() && !scope.empty() && symbol[scope.size()] == '.' && symbol.starts_with(scope)) {
+    return near_.offer(symbol.substr(scope.size()));
+  }
+  if (symbol.size() > use.written.size() + mostChanges || symbol.size() + mostChanges < use.written.size()) return;
+  if (symbol.find('.') == std::string_view::npos || use.written.find('.', 1) != std::string_view::npos) {
+    near_.offer(symbol);
+  }
+}
+
+}  // namespace kiln
