@@ -50,11 +50,12 @@ UndefinedNames::UndefinedNames(const Program& program, const NameDefinitions& de
     : program_(program), definitions_(definitions), findings_(findings) {}
 
 void UndefinedNames::addUse(const Statement& statement, std::string_view name) {
-  const auto [seen, isNew] = seen_.emplace(name);
-  if (!isNew) return;
+  if (seen_.find(name) != nullptr) return;
+  const std::string_view kept = texts_.join({name});
+  seen_.enter(HashedName(kept));
   findings_.explain(undefinedMessage(name));
-  const std::string_view written = writtenName(*program_.map, statement, name);
-  uses_.push_back({*seen, written, statement.line, statement.scope});
+  const bool isUnscoped = name.starts_with('.') && !rowOf(statement.parsed->kind).qualifies;
+  uses_.push_back({kept, writtenName(*program_.map, statement, name), statement.scope, isUnscoped});
 }
 
 void UndefinedNames::addVanished(const Statement& statement) {
@@ -104,22 +105,30 @@ bool UndefinedNames::isLostParameter(const Use& use) const {
 
 void UndefinedNames::report(const Use& use) {
   Findings::Report report{.at = use.written};
-  addHints(use, report);
+  const Symbol* const elsewhere = addHints(use, report);
   const std::string number = numberLike(use.name);
-  const bool isNumber = !number.empty() && report.notes.empty();
-  if (isNumber) {
+  Check check = Check::Undefined;
+  if (use.isUnscoped && elsewhere != nullptr) {
+    check = Check::LocalInList;
+    report.text = concat({quoted(use.name),
+                          " gets no scope here, so it is an unknown name and counts as 0: write the "
+                          "full name, such as ",
+                          quoted(elsewhere->name)});
+  } else if (!number.empty() && report.notes.empty()) {
+    check = Check::NumberLikeName;
     report.text = concat(
         {quoted(use.name), " is a name, which nothing defines: it counts as 0; write ", number, " for the number"});
     if (use.written == use.name) report.fix.emplace_back(use.written, number);
-  } else if (use.written.starts_with('.') && !use.scope.empty()) {
+  } else if (use.written != use.name && use.written.starts_with('.')) {
     report.text = concat({quoted(use.written), " is not defined in the scope ", quoted(use.scope), ": it counts as 0"});
   } else {
     report.text = concat({quoted(use.name), " is not defined: it counts as 0"});
   }
-  findings_.add(isNumber ? Check::NumberLikeName : Check::Undefined, std::move(report));
+  findings_.add(check, std::move(report));
 }
 
-void UndefinedNames::addHints(const Use& use, Findings::Report& report) {
+// Adds notes. Returns a local label of another scope that has the name.
+const Symbol* UndefinedNames::addHints(const Use& use, Findings::Report& report) {
   if (isBuiltInName(use.name)) {
     report.notes.emplace_back(std::string_view(), "it is a built-in name, but a symbol file replaces all of these");
   }
@@ -138,9 +147,10 @@ void UndefinedNames::addHints(const Use& use, Findings::Report& report) {
     if (symbol.name.ends_with(bare)) elsewhere = &symbol;
   }
   if (std::string hint = near_.hint(); !hint.empty()) report.notes.emplace_back(std::string_view(), std::move(hint));
-  if (elsewhere == nullptr) return;
+  if (elsewhere == nullptr) return nullptr;
   report.notes.emplace_back(definitions_.first(*elsewhere).text,
                             concat({"a local label of another scope has this name: ", quoted(elsewhere->name)}));
+  return elsewhere;
 }
 
 // Offers a global name, or a local one of the same scope as it would be written there.

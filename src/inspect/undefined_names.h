@@ -3,10 +3,10 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "base/text_store.h"
 #include "inspect/findings.h"
 #include "inspect/name_definitions.h"
 #include "inspect/near_names.h"
@@ -29,23 +29,24 @@ class UndefinedNames {
  private:
   // The first use of a name.
   struct Use {
-    std::string_view name;     // a key of seen_
+    std::string_view name;     // in texts_
     std::string_view written;  // in the source
-    std::string_view line;     // the expanded one
     std::string_view scope;
+    bool isUnscoped;  // with a leading dot, in a list or an assignment
   };
 
   bool isExplained(const Use& use) const;
   bool isLostParameter(const Use& use) const;
   void collectElsewhere();
   void report(const Use& use);
-  void addHints(const Use& use, Findings::Report& report);
+  const Symbol* addHints(const Use& use, Findings::Report& report);
   void offer(const Use& use, std::string_view symbol);
 
   const Program& program_;
   const NameDefinitions& definitions_;
   Findings& findings_;
-  std::unordered_set<std::string> seen_;
+  TextStore texts_;
+  SymbolTable seen_;  // the names of the uses; faster than a set, as there may be a million
   std::vector<Use> uses_;
   std::unordered_set<std::string_view> vanished_;    // words that a vanished statement may have been meant to define
   std::unordered_set<std::string_view> lost_;        // labels and names in lines that long branches have replaced
