@@ -70,8 +70,8 @@ class Findings {
   // The same for all messages about a line of the expanded source; lines count from 1.
   void explainLine(size_t line) { explainedLines_.insert(line); }
   bool isLineExplained(size_t line) const { return explainedLines_.contains(line); }
-  // An error of the assembler.
-  void addError(Report report) { add(Check::Assembler, std::move(report), Severity::Error); }
+  // An error of the assembler, in its own words or in those of the check that explains it.
+  void addError(Report report, Check check = Check::Assembler) { add(check, std::move(report), Severity::Error); }
 
   // In the order of the files and lines, each once; those without a place come first.
   std::vector<Finding> take();
