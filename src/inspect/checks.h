@@ -120,7 +120,7 @@ inline constexpr std::array checkRows = {
     CheckRow{Check::EarlyCount,         "early-count",         false, "a .space whose count uses names of the source"},
     CheckRow{Check::NumberLikeName,     "number-like-name",    false, "a name that looks like a number, or a number that is a name"},
     CheckRow{Check::DefineOverridden,   "define-overridden",   false, "an assignment that replaces a -D"},
-    CheckRow{Check::NumberEndsEarly,    "number-ends-early",   false, "a number that ends before its text does"},
+    CheckRow{Check::NumberEndsEarly,    "number-ends-early",   false, "a number that ends before its text does, or is missing"},
     CheckRow{Check::CharacterLiteral,   "character-literal",   false, "a character in quotes, which is an unknown name"},
     CheckRow{Check::NoMinus,            "no-minus",            false, "a minus sign before a number: there are no negative numbers"},
     CheckRow{Check::NoOperator,         "no-operator",         false, "an operator of other assemblers, such as & or <<"},

@@ -7,7 +7,7 @@
 #include "base/hex.h"
 #include "base/text.h"
 #include "inspect/other_operators.h"
-#include "inspect/quoted.h"
+#include "inspect/wording.h"
 #include "source/literals.h"
 
 namespace kiln {
@@ -99,43 +99,49 @@ void LeafChecks::visitLeaf(size_t index) {
 void LeafChecks::checkMissing(size_t index) {
   const std::string_view leaf = (*leaves_)[index];
   const auto at = static_cast<size_t>(leaf.data() - expression_.data());
-  if (at < reported_ || isExplainedElsewhere(leaf)) return;
+  if (at < reported_) return;
   const std::string_view before = trimRight(expression_.substr(0, at));
   const std::string_view after = trimLeft(expression_.substr(at));
+  const bool hasSign = !after.empty() && isSign(after.front());
+  if (hasSign && before.ends_with('+')) return;
   hasZero_ = true;
   if (before.empty()) {
-    add(Check::NumberEndsEarly, statement_->rest,
-        concat({quoted(statement_->rest), " has no number, which counts as 0"}));
-  } else if (after.empty() || !isSign(after.front())) {
-    const std::string_view sign = before.substr(before.size() - 1);
-    add(Check::NumberEndsEarly, sign, concat({"nothing comes after '", sign, "', which counts as 0"}));
-  } else if (!before.ends_with('+') && index + 1 < leaves_->size()) {
-    reportSignedOperand(before, after, (*leaves_)[index + 1]);
+    const std::string_view text = statement_->rest;
+    add(Check::NumberEndsEarly, text, concat({inQuotes(text), " has no number, which counts as 0"}));
+  } else if (!hasSign) {
+    const std::string_view last = before.substr(before.size() - 1);
+    add(Check::NumberEndsEarly, last, concat({"nothing comes after '", last, "', which counts as 0"}));
+  } else if (const std::string_view next = (*leaves_)[index + 1]; !next.empty()) {
+    reportSigned(before.substr(before.size() - 1), after, next);
   }
 }
 
-// `after` begins with the sign, and `next` is the operand after it.
-void LeafChecks::reportSignedOperand(std::string_view before, std::string_view after, std::string_view next) {
+// `after` begins with the sign, which follows an operator, and `next` is the operand after it.
+void LeafChecks::reportSigned(std::string_view before, std::string_view after, std::string_view next) {
+  const std::string_view sign = after.substr(0, 1);
+  const std::string reason = concat({": between '", before, "' and '", sign, "' is nothing, which counts as 0"});
+  const std::string_view between = trimLeft(after.substr(1));
+  if (between.data() != next.data()) {
+    return add(Check::NoMinus, sign, concat({"'", sign, "' is no sign", reason}), concat({"write '(0", sign, "...)'"}));
+  }
   const std::string_view number = after.substr(0, static_cast<size_t>(next.data() + next.size() - after.data()));
-  const std::string replacement =
-      after.front() == '-' ? concat({"(0", number, ")"}) : std::string(trimLeft(number.substr(1)));
-  add(Check::NoMinus, number,
-      concat({quoted(number), " is not a signed number: between '", before.substr(before.size() - 1), "' and '",
-              after.substr(0, 1), "' is nothing, which counts as 0"}),
-      concat({"write ", quoted(replacement)}), replacement);
+  const std::string replacement = sign == "-" ? concat({"(0", number, ")"}) : std::string(next);
+  add(Check::NoMinus, number, concat({inQuotes(number), " is not a signed number", reason}),
+      concat({"write ", inQuotes(replacement)}), replacement);
 }
 
 void LeafChecks::checkNumber(std::string_view leaf) {
   const RadixNumber number(leaf);
   if (number.isTooLong()) {
-    return add(Check::CutValue, leaf, concat({quoted(leaf), " has more than 64 bits and counts as 0-1"}));
+    return add(Check::CutValue, leaf, concat({inQuotes(leaf), " has more than 64 bits and counts as 0-1"}));
   }
   const bool isSigned =
       leaf.size() == 1 && expression_.substr(static_cast<size_t>(leaf.data() - expression_.data())).starts_with("$-");
   const bool isComplete = number.rest.empty() || number.rest == "\r";
-  if ((isComplete && !number.digits.empty()) || isExplainedElsewhere(leaf)) return;
-  const std::string readAs = number.digits.empty() ? quoted(leaf) + " counts as 0"
-                                                   : concat({quoted(leaf), " is read as ", quoted(number.read)});
+  if (isComplete && !number.digits.empty()) return;
+  hasZero_ = hasZero_ || number.digits.empty();
+  const std::string readAs = number.digits.empty() ? inQuotes(leaf) + " counts as 0"
+                                                   : concat({inQuotes(leaf), " is read as ", inQuotes(number.read)});
   if (const OtherOperator* const other = otherOperatorIn(number.rest)) {
     return add(Check::NoOperator, leaf, concat({readAs, ": there is no operator '", other->spelling, "'"}),
                std::string(other->instead));
@@ -143,10 +149,11 @@ void LeafChecks::checkNumber(std::string_view leaf) {
   if (isComplete) {
     return add(Check::NumberEndsEarly, leaf, readAs + ": it has no digits", isSigned ? "write '0-$'" : "");
   }
-  const std::string_view kind = number.isHex ? "' is not a hexadecimal digit" : "' is not a binary digit";
-  if (isBlank(number.rest.front())) {
+  const char next = number.rest.front();
+  if (isBlank(next) || static_cast<unsigned char>(next) >= 0x80) {
     return add(Check::NumberEndsEarly, leaf, readAs + ": the rest is ignored", std::string(commentNote));
   }
+  const std::string_view kind = number.isHex ? "' is not a hexadecimal digit" : "' is not a binary digit";
   add(Check::NumberEndsEarly, leaf, concat({readAs, ": '", number.rest.substr(0, 1), kind}));
 }
 
@@ -155,28 +162,7 @@ void LeafChecks::checkUndefined(std::string_view leaf) {
   hasZero_ = true;
   findings_.explain(concat({"undefined symbol '", leaf, "', using 0"}));
   const bool isReported = static_cast<size_t>(leaf.data() - expression_.data()) < reported_;
-  if (!isReported && !leaf.ends_with('\r') && !isExplainedElsewhere(leaf)) reportUndefined(leaf);
-}
-
-// An odd quote and a text in a list have checks of their own. Leaves come in order, so nothing is counted twice.
-bool LeafChecks::isExplainedElsewhere(std::string_view leaf) {
-  const auto quotesIn = [](std::string_view text) { return std::count(text.begin(), text.end(), '"'); };
-  const AsLine& parsed = *statement_->parsed;
-  if (countedLine_ != parsed.lineNumber) {
-    countedLine_ = parsed.lineNumber;
-    hasOddQuote_ = quotesIn(statement_->code) % 2 != 0;
-  }
-  if (hasOddQuote_) return true;
-  if (rowOf(parsed.kind).argument != Argument::Items) return false;
-  if (countedStatement_ != statement_->index) {
-    countedStatement_ = statement_->index;
-    counted_ = 0;
-    isInQuotes_ = false;
-  }
-  const auto end = static_cast<size_t>(leaf.data() - parsed.operand().data());
-  if (quotesIn(parsed.operand().substr(counted_, end - counted_)) % 2 != 0) isInQuotes_ = !isInQuotes_;
-  counted_ = end;
-  return isInQuotes_ || leaf.find('"') != std::string_view::npos;
+  if (!isReported && !leaf.ends_with('\r')) reportUndefined(leaf);
 }
 
 void LeafChecks::reportUndefined(std::string_view leaf) {
@@ -188,10 +174,10 @@ void LeafChecks::reportUndefined(std::string_view leaf) {
                "write a label before the statement, and its name for the address");
   }
   if (const OtherOperator* const other = otherOperatorIn(leaf)) {
-    return add(
-        Check::NoOperator, leaf,
-        concat({quoted(leaf), " is read as one name, which counts as 0: there is no operator '", other->spelling, "'"}),
-        std::string(other->instead));
+    return add(Check::NoOperator, leaf,
+               concat({inQuotes(leaf), " is read as one name, which counts as 0: there is no operator '",
+                       other->spelling, "'"}),
+               std::string(other->instead));
   }
   isDigit(front) ? reportDigits(leaf) : reportName(leaf);
 }
@@ -203,7 +189,7 @@ void LeafChecks::reportCharacter(std::string_view leaf) {
   const std::string_view literal = close == std::string_view::npos ? leaf : text.substr(0, close + 1);
   reported_ = static_cast<size_t>(literal.data() + literal.size() - expression_.data());
   const bool isCharacter = close == 2 || (close == std::string_view::npos && literal.size() == 2);
-  const std::string finding = concat({literal, " is not a number but an unknown name, which counts as 0"});
+  const std::string finding = concat({shortened(literal), " is not a number but an unknown name, which counts as 0"});
   if (!isCharacter || static_cast<unsigned char>(literal[1]) >= 0x80) {
     return add(Check::CharacterLiteral, literal, finding, "write the number of each character");
   }
@@ -214,22 +200,22 @@ void LeafChecks::reportCharacter(std::string_view leaf) {
 void LeafChecks::reportSign(std::string_view leaf) {
   if (isAllOf(expression_, isSign)) {
     reported_ = expression_.size() + 1;
-    return add(Check::Undefined, expression_, concat({quoted(expression_), " is an unknown name, which counts as 0"}),
+    return add(Check::Undefined, expression_, concat({inQuotes(expression_), " is an unknown name, which counts as 0"}),
                "write a label with a name: there are no others");
   }
   const std::string replacement = leaf.front() == '-' ? concat({"0", leaf}) : std::string(trimLeft(leaf.substr(1)));
-  add(Check::NoMinus, leaf, concat({quoted(leaf), " is not a number but an unknown name, which counts as 0"}),
-      concat({"write ", quoted(replacement)}), replacement);
+  add(Check::NoMinus, leaf, concat({inQuotes(leaf), " is not a number but an unknown name, which counts as 0"}),
+      concat({"write ", inQuotes(replacement)}), replacement);
 }
 
 void LeafChecks::reportDigits(std::string_view leaf) {
-  const std::string finding = concat({quoted(leaf), " is not a number but an unknown name, which counts as 0"});
+  const std::string finding = concat({inQuotes(leaf), " is not a number but an unknown name, which counts as 0"});
   const std::string_view digits = leaf.substr(std::min<size_t>(2, leaf.size()));
   const bool isHex = startsWithIgnoringCase(leaf, "0x") && isAllOf(digits, isHexDigit);
   const bool isBinary = startsWithIgnoringCase(leaf, "0b") && isAllOf(digits, isBinaryDigit);
   if (isHex || isBinary) {
     const std::string replacement = concat({isHex ? "$" : "%", digits});
-    add(Check::NumberEndsEarly, leaf, finding, concat({"write ", quoted(replacement)}), replacement);
+    add(Check::NumberEndsEarly, leaf, finding, concat({"write ", inQuotes(replacement)}), replacement);
   } else if (isAllOf(leaf, isHexDigit)) {
     add(Check::NumberEndsEarly, leaf, finding, concat({"write '$", leaf, "' for a hexadecimal number"}));
   } else {
@@ -241,11 +227,11 @@ void LeafChecks::reportName(std::string_view leaf) {
   std::string note;
   const std::string_view rest = leaf.substr(1);
   if (leaf.front() == '#') note = "write it without the '#'";
-  if (leaf.front() == '@') note = concat({"write ", quoted(concat({".", rest})), " for a local label"});
+  if (leaf.front() == '@') note = concat({"write ", inQuotes(concat({".", rest})), " for a local label"});
   if (leaf.front() == '[' || leaf.front() == ']') note = "write '(' and ')'";
   if (leaf.ends_with(')')) note = "'<a' and '>a' are the low and the high byte of a; there are no functions";
   if (note.empty() && hasBlank(leaf)) note = commentNote;
-  add(Check::Undefined, leaf, concat({quoted(leaf), " is an unknown name, which counts as 0"}), std::move(note));
+  add(Check::Undefined, leaf, concat({inQuotes(leaf), " is an unknown name, which counts as 0"}), std::move(note));
 }
 
 void LeafChecks::add(Check check, std::string_view at, std::string text, std::string note, std::string replacement) {

@@ -1,14 +1,14 @@
 // The operands of expressions: numbers that end early, characters, signs, and operators that this language lacks.
 #pragma once
 
-#include <cstdint>
-#include <optional>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "inspect/expression_leaves.h"
 #include "inspect/findings.h"
+#include "inspect/program.h"
 #include "inspect/statement_walk.h"
 #include "source/symbols.h"
 
@@ -16,8 +16,7 @@ namespace kiln {
 
 class LeafChecks {
  public:
-  // The symbols are those of the finished program.
-  LeafChecks(const SymbolTable& symbols, Findings& findings) : symbols_(symbols), findings_(findings) {}
+  LeafChecks(const Program& program, Findings& findings) : symbols_(program.iteration().symbols), findings_(findings) {}
 
   // Checks an expression of the statement, as it is evaluated. Names of letters, digits, "_" and "." pass, even if
   // nothing defines them. True when another operand counts as 0, which is reported or explained.
@@ -26,10 +25,9 @@ class LeafChecks {
  private:
   void visitLeaf(size_t index);
   void checkMissing(size_t index);
-  void reportSignedOperand(std::string_view before, std::string_view after, std::string_view next);
+  void reportSigned(std::string_view before, std::string_view after, std::string_view next);
   void checkNumber(std::string_view leaf);
   void checkUndefined(std::string_view leaf);
-  bool isExplainedElsewhere(std::string_view leaf);
   void reportUndefined(std::string_view leaf);
   void reportCharacter(std::string_view leaf);
   void reportSign(std::string_view leaf);
@@ -46,12 +44,6 @@ class LeafChecks {
   const std::vector<std::string_view>* leaves_ = nullptr;
   size_t reported_ = 0;  // what begins before this index belongs to a character that has been reported
   bool hasZero_ = false;
-  // Double quotes counted so far.
-  uint32_t countedLine_ = 0;
-  bool hasOddQuote_ = false;  // of that line
-  std::optional<size_t> countedStatement_;
-  size_t counted_ = 0;  // characters of that statement's list
-  bool isInQuotes_ = false;
 };
 
 // True for a view of the statement's line, which has a place.

@@ -8,7 +8,7 @@
 #include "base/format.h"
 #include "base/text.h"
 #include "inspect/leaf_checks.h"
-#include "inspect/quoted.h"
+#include "inspect/wording.h"
 
 namespace kiln {
 namespace {
@@ -59,9 +59,9 @@ void checkLowHigh(const Statement& statement, std::string_view expression, size_
   const std::string_view at = inSource(statement, expression);
   Findings::Report report{.at = at};
   report.text = concat(
-      {"'", sum.first.substr(0, 1), "' takes all of ", quoted(at.substr(1)), ": the value is ", valueText(value)});
+      {"'", sum.first.substr(0, 1), "' takes all of ", inQuotes(at.substr(1)), ": the value is ", valueText(value)});
   report.notes.emplace_back(
-      at, concat({"write ", quoted(concat({"(", sum.first, ")", sum.rest})), " for ", valueText(meant)}));
+      at, concat({"write ", inQuotes(concat({"(", sum.first, ")", sum.rest})), " for ", valueText(meant)}));
   findings.add(Check::LowHighAll, std::move(report));
 }
 

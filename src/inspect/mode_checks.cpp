@@ -6,7 +6,7 @@
 #include "base/diagnostics.h"
 #include "base/format.h"
 #include "inspect/leaf_checks.h"
-#include "inspect/quoted.h"
+#include "inspect/wording.h"
 
 namespace kiln {
 namespace {
@@ -46,7 +46,7 @@ Mode zeroPageForm(Mode mode) {
 void addWithZero(Check check, const Statement& statement, std::string_view at, std::string text, Findings& findings) {
   const std::string_view place = inSource(statement, at);
   Findings::Report report{.at = place, .text = std::move(text)};
-  report.notes.emplace_back(place, concat({"write ", quoted(concat({"0+", place}))}));
+  report.notes.emplace_back(place, concat({"write ", inQuotes(concat({"0+", place}))}));
   if (isInLine(statement, at)) report.fix.emplace_back(at.substr(0, 0), "0+");
   findings.add(check, std::move(report));
 }
@@ -56,11 +56,11 @@ std::string withoutIndirect(const Statement& statement) {
   const std::string_view written = statement.argument;
   const std::string_view inside = insideParentheses(written);
   const std::string_view pointer = inside.substr(0, inside.find(','));
-  if (inside.empty()) return concat({"write ", quoted(concat({"0+", written}))});
-  const std::string address = concat({"write ", quoted(pointer), " for the address"});
+  if (inside.empty()) return concat({"write ", inQuotes(concat({"0+", written}))});
+  const std::string address = concat({"write ", inQuotes(pointer), " for the address"});
   if (opcodeFor(statement.parsed->mnemonic, Mode::IndirectIndexedY) < 0) return address;
-  return concat({address, ", or ", quoted(concat({"(", pointer, "),Y"})), " or ", quoted(concat({"(", pointer, ",X)"})),
-                 " for what it points to"});
+  return concat({address, ", or ", inQuotes(concat({"(", pointer, "),Y"})), " or ",
+                 inQuotes(concat({"(", pointer, ",X)"})), " for what it points to"});
 }
 
 // The finding explains the assembler's error.
@@ -70,7 +70,7 @@ void reportNoIndirect(const Statement& statement, Findings& findings) {
   findings.explain(concat({linePrefix(line.lineNumber), "invalid addressing mode for ", mnemonic}));
   Findings::Report report{.at = statement.argument};
   report.text =
-      concat({"parentheses make ", quoted(statement.argument), " indirect, and ", mnemonic, " has no such mode"});
+      concat({"parentheses make ", inQuotes(statement.argument), " indirect, and ", mnemonic, " has no such mode"});
   report.notes.emplace_back(statement.argument, withoutIndirect(statement));
   findings.addError(std::move(report), Check::AccidentalIndirect);
 }
@@ -86,7 +86,7 @@ bool checkModeParentheses(const Statement& statement, std::string_view expressio
   }
   if (!closesTooMany(expression)) return false;
   addWithZero(Check::AccidentalIndirect, statement, line.operand(),
-              concat({quoted(inSource(statement, line.operand())),
+              concat({inQuotes(inSource(statement, line.operand())),
                       " is indirect: its first and its last parenthesis belong to the mode"}),
               findings);
   return true;
@@ -103,9 +103,9 @@ bool checkIndexedParentheses(const CheckedOperand& operand, Findings& findings) 
   const std::string_view at = inSource(operand.statement, line.operand());
   Findings::Report report{.at = at};
   report.text =
-      concat({quoted(at), " is read as ", quoted(concat({inside, ",X"})), ": there is no such indirect mode"});
-  report.notes.emplace_back(at, concat({"write ", quoted(concat({"(", inside, ",X)"})), " or ",
-                                        quoted(concat({"(", inside, "),Y"})), " for what it points to"}));
+      concat({inQuotes(at), " is read as ", inQuotes(concat({inside, ",X"})), ": there is no such indirect mode"});
+  report.notes.emplace_back(at, concat({"write ", inQuotes(concat({"(", inside, ",X)"})), " or ",
+                                        inQuotes(concat({"(", inside, "),Y"})), " for what it points to"}));
   findings.add(Check::AccidentalIndirect, std::move(report));
   return true;
 }
@@ -130,7 +130,7 @@ bool checkFirstNumber(const CheckedOperand& operand, Findings& findings) {
   if (opcodeFor(line.mnemonic, absoluteForm(line.mode)) < 0) return false;
   const std::string_view at = inSource(operand.statement, operand.expression);
   addWithZero(Check::FirstNumber, operand.statement, operand.expression,
-              concat({quoted(at), " is ", dollarHex(*operand.value), ", but its first number makes it ",
+              concat({inQuotes(at), " is ", dollarHex(*operand.value), ", but its first number makes it ",
                       dollarHex(lowByte(*operand.value), 2), " in the zero page"}),
               findings);
   return true;
@@ -145,9 +145,9 @@ void checkSize(const CheckedOperand& operand, Findings& findings) {
   const std::string_view at = inSource(operand.statement, operand.expression);
   const std::string number = dollarHex(*operand.value, 2);
   Findings::Report report{.at = at};
-  report.text = concat({quoted(at), " is ", number, " in the zero page, but takes three bytes"});
+  report.text = concat({inQuotes(at), " is ", number, " in the zero page, but takes three bytes"});
   report.notes.emplace_back(
-      at, concat({"write ", quoted(number), ", or define the name with -D or in a symbol file, for two"}));
+      at, concat({"write ", inQuotes(number), ", or define the name with -D or in a symbol file, for two"}));
   findings.add(Check::ThreeBytes, std::move(report));
 }
 
@@ -163,7 +163,7 @@ void checkOpcode(const Statement& statement, Findings& findings) {
     const std::string here = dollarHex(opcodeFor(mnemonic, Mode::Implied), 2);
     Findings::Report report{.at = statement.word};
     report.text = concat(
-        {quoted(statement.word), " has the opcode ", here, " of the pell machine, not ", on65C02, " of the 65C02"});
+        {inQuotes(statement.word), " has the opcode ", here, " of the pell machine, not ", on65C02, " of the 65C02"});
     report.notes.emplace_back(statement.word, concat({"write '.byte ", on65C02, "' for the 65C02"}));
     findings.add(Check::OtherOpcode, std::move(report));
   }

@@ -7,7 +7,7 @@
 #include "base/text.h"
 #include "inspect/low_high_check.h"
 #include "inspect/mode_checks.h"
-#include "inspect/quoted.h"
+#include "inspect/wording.h"
 #include "isa/operand_checks.h"
 #include "source/data_items.h"
 #include "source/literals.h"
@@ -41,11 +41,12 @@ ValueChecks::ValueChecks(const Program& program, Findings& findings)
     : findings_(findings),
       symbols_(program.iteration().symbols),
       evaluator_(symbols_, messages_),
-      leaves_(symbols_, findings),
+      leaves_(program, findings),
       hasLargeSymbols_(hasLarge(symbols_)),
       wantsThreeBytes_(findings.wants(Check::ThreeBytes)) {}
 
 void ValueChecks::visit(const Statement& statement) {
+  if (statement.isMisread) return;
   switch (statement.parsed->kind) {
     case Kind::Instruction:
       return visitInstruction(statement);
@@ -153,11 +154,11 @@ void ValueChecks::visitItem(const Statement& statement, std::string_view item, s
   const uint64_t stored = static_cast<uint64_t>(*value) & ((uint64_t{1} << 8 * bytes) - 1);
   std::string note;
   if (bytes == 1) note = fits(*value, 2) ? "write .word for two bytes" : "write .long for four bytes";
-  if (bytes == 1 && *value > 0) note += concat({", or ", quoted(concat({"<", item})), " for the low byte"});
+  if (bytes == 1 && *value > 0) note += concat({", or ", inQuotes(concat({"<", item})), " for the low byte"});
   if (bytes == 2) note = "write .long for four bytes";
   reportCut(statement, item,
-            concat({quoted(item), " is ", valueText(*value), ": only ", valueText(static_cast<int64_t>(stored)),
-                    " is stored"}),
+            concat({inQuotes(item), " is ", valueText(*value), ": only ",
+                    dollarHex(static_cast<int64_t>(stored), 2 * bytes), " is stored"}),
             std::move(note));
 }
 
@@ -212,10 +213,10 @@ void ValueChecks::checkByte(const Statement& statement, std::string_view express
   const bool isImmediate = statement.parsed->mode == Mode::Immediate;
   const std::string_view at = inSource(statement, expression);
   reportCut(statement, expression,
-            concat({quoted(at), " is ", valueText(value), ", but ", mnemonicText(mnemonic),
+            concat({inQuotes(at), " is ", valueText(value), ", but ", mnemonicText(mnemonic),
                     " takes one byte: ", valueText(lowByte(value))}),
-            isImmediate ? concat({"write ", quoted(concat({"#<", at})), " for the low byte, or ",
-                                  quoted(concat({"#>", at})), " for the next"})
+            isImmediate ? concat({"write ", inQuotes(concat({"#<", at})), " for the low byte, or ",
+                                  inQuotes(concat({"#>", at})), " for the next"})
                         : "this mode exists in the zero page only");
 }
 
@@ -224,7 +225,7 @@ void ValueChecks::checkAddress(const Statement& statement, std::string_view expr
   const std::string_view at = inSource(statement, expression);
   reportCut(
       statement, expression,
-      concat({quoted(at), " is ", valueText(value), ", which is no address: ", dollarHex(low16(value)), " is used"}),
+      concat({inQuotes(at), " is ", valueText(value), ", which is no address: ", dollarHex(low16(value)), " is used"}),
       "");
 }
 
