@@ -146,8 +146,8 @@ void checkSize(const CheckedOperand& operand, Findings& findings) {
   const std::string number = dollarHex(*operand.value, 2);
   Findings::Report report{.at = at};
   report.text = concat({inQuotes(at), " is ", number, " in the zero page, but takes three bytes"});
-  report.notes.emplace_back(
-      at, concat({"write ", inQuotes(number), ", or define the name with -D or in a symbol file, for two"}));
+  const std::string_view definition = line.nameHash != 0 ? ", or define the name with -D or in a symbol file," : "";
+  report.notes.emplace_back(at, concat({"write ", inQuotes(number), definition, " for two bytes"}));
   findings.add(Check::ThreeBytes, std::move(report));
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "base/hex.h"
 #include "base/text.h"
 #include "inspect/low_high_check.h"
 #include "inspect/mode_checks.h"
@@ -26,6 +27,8 @@ bool hasLarge(const SymbolTable& symbols) {
   const auto isLarge = [](const Symbol& symbol) { return !fits(symbol.value, 2); };
   return std::any_of(symbols.symbols().begin(), symbols.symbols().end(), isLarge);
 }
+
+bool isAllHex(std::string_view digits) { return std::all_of(digits.begin(), digits.end(), isHexDigit); }
 
 bool storesByte(Mode mode) { return mode == Mode::Immediate || absoluteForm(mode) != mode; }
 
@@ -151,15 +154,11 @@ void ValueChecks::visitItem(const Statement& statement, std::string_view item, s
   if (!value.has_value()) return;
   if (!isName) checkLowHigh(statement, item, bytes, evaluator_, findings_);
   if (fits(*value, bytes)) return;
-  const uint64_t stored = static_cast<uint64_t>(*value) & ((uint64_t{1} << 8 * bytes) - 1);
   std::string note;
   if (bytes == 1) note = fits(*value, 2) ? "write .word for two bytes" : "write .long for four bytes";
   if (bytes == 1 && *value > 0) note += concat({", or ", inQuotes(concat({"<", item})), " for the low byte"});
   if (bytes == 2) note = "write .long for four bytes";
-  reportCut(statement, item,
-            concat({inQuotes(item), " is ", valueText(*value), ": only ",
-                    dollarHex(static_cast<int64_t>(stored), 2 * bytes), " is stored"}),
-            std::move(note));
+  reportCut(statement, item, *value, bytes, std::move(note));
 }
 
 // An assigned name may stand for a large number; a stage beyond $FFFF has an error of the assembler. What follows a
@@ -210,29 +209,30 @@ std::optional<int64_t> ValueChecks::valueOf(std::string_view expression, uint32_
 void ValueChecks::checkByte(const Statement& statement, std::string_view expression, int64_t value) {
   const Mnemonic mnemonic = statement.parsed->mnemonic;
   if (fits(value, 1) || mnemonic == Mnemonic::PSH || mnemonic == Mnemonic::PLL) return;
-  const bool isImmediate = statement.parsed->mode == Mode::Immediate;
   const std::string_view at = inSource(statement, expression);
-  reportCut(statement, expression,
-            concat({inQuotes(at), " is ", valueText(value), ", but ", mnemonicText(mnemonic),
-                    " takes one byte: ", valueText(lowByte(value))}),
+  const bool isImmediate = statement.parsed->mode == Mode::Immediate;
+  reportCut(statement, expression, value, 1,
             isImmediate ? concat({"write ", inQuotes(concat({"#<", at})), " for the low byte, or ",
                                   inQuotes(concat({"#>", at})), " for the next"})
                         : "this mode exists in the zero page only");
 }
 
 void ValueChecks::checkAddress(const Statement& statement, std::string_view expression, int64_t value) {
-  if (fits(value, 2)) return;
-  const std::string_view at = inSource(statement, expression);
-  reportCut(
-      statement, expression,
-      concat({inQuotes(at), " is ", valueText(value), ", which is no address: ", dollarHex(low16(value)), " is used"}),
-      "");
+  if (!fits(value, 2)) reportCut(statement, expression, value, 2, "");
 }
 
-void ValueChecks::reportCut(const Statement& statement, std::string_view expression, std::string text,
+// "'start' is $2000 and does not fit one byte: only $00 is left".
+void ValueChecks::reportCut(const Statement& statement, std::string_view expression, int64_t value, size_t bytes,
                             std::string note) {
-  Findings::Report report{.at = inSource(statement, expression), .text = std::move(text)};
-  if (!note.empty()) report.notes.emplace_back(report.at, std::move(note));
+  const std::string_view at = inSource(statement, expression);
+  const std::string number = valueText(value);
+  const bool isNumber = at.starts_with('$') && isAllHex(at.substr(1));
+  const uint64_t left = static_cast<uint64_t>(value) & ((uint64_t{1} << 8 * bytes) - 1);
+  const std::string_view size = bytes == 1 ? "one byte" : bytes == 2 ? "two bytes" : "four bytes";
+  Findings::Report report{.at = at};
+  report.text = concat({inQuotes(at), isNumber ? "" : concat({" is ", number, " and"}), " does not fit ", size,
+                        ": only ", dollarHex(static_cast<int64_t>(left), 2 * bytes), " is left"});
+  if (!note.empty()) report.notes.emplace_back(at, std::move(note));
   findings_.add(Check::CutValue, std::move(report));
 }
 

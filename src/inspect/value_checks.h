@@ -38,7 +38,8 @@ class ValueChecks {
   std::optional<int64_t> valueOf(std::string_view expression, uint32_t hash = 0);
   void checkByte(const Statement& statement, std::string_view expression, int64_t value);
   void checkAddress(const Statement& statement, std::string_view expression, int64_t value);
-  void reportCut(const Statement& statement, std::string_view expression, std::string text, std::string note);
+  void reportCut(const Statement& statement, std::string_view expression, int64_t value, size_t bytes,
+                 std::string note);
 
   Findings& findings_;
   const SymbolTable& symbols_;
