@@ -1,6 +1,8 @@
 #include "inspect/checker.h"
 
 #include "inspect/file_checks.h"
+#include "inspect/flow_checks.h"
+#include "inspect/include_checks.h"
 #include "inspect/line_checks.h"
 #include "inspect/macro_checks.h"
 #include "inspect/memory_checks.h"
@@ -14,18 +16,24 @@ namespace kiln {
 std::vector<Finding> checkProgram(const Program& program, const CheckLevels& levels) {
   Findings findings(*program.map, levels);
   checkFiles(program, findings);
+  checkIncludes(program, findings);
+  MacroChecks macros(program, findings);
   LineChecks lines(program, findings);
   NameChecks names(program, findings);
   ValueChecks values(program, findings);
+  FlowChecks flow(program, findings);
   StatementWalk walk(program.assembler);
   Statement statement;
   while (walk.next(statement)) {
     statement.isMisread = lines.visit(statement);
     names.visit(statement);
     if (!statement.isMisread) values.visit(statement);
+    macros.visit(statement);
+    lines.visit(statement);
+    values.visit(statement);
+    flow.visit(statement);
   }
   names.finish();
-  checkMacros(program, findings);
   checkMemory(program, findings);
   // Last, as the others explain some of the messages.
   reportMessages(program, findings);

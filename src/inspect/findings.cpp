@@ -34,6 +34,20 @@ auto orderOf(const Finding& finding) {
 
 bool areSame(const Finding& a, const Finding& b) { return orderOf(a) == orderOf(b) && a.text == b.text; }
 
+// What makes nothing is as wrong in each call of a macro, so it is reported once, at the line of the body.
+bool isOfBody(Check check) {
+  return check == Check::Vanished || check == Check::NoArgument || check == Check::TabAfterDirective ||
+         check == Check::MissingColon || check == Check::MacroInMacro;
+}
+
+// The text in the line of the macro's body that is, up to its end, the same as in the made line; null data when the
+// arguments have changed it.
+std::string_view sameInBody(std::string_view text, const SourceNotes::Made& made) {
+  const auto begin = static_cast<size_t>(text.data() - made.text.data());
+  const std::string_view upToEnd = made.text.substr(0, begin + text.size());
+  return made.pattern.starts_with(upToEnd) ? made.pattern.substr(begin, text.size()) : std::string_view();
+}
+
 }  // namespace
 
 CheckLevels::CheckLevels() {
@@ -43,7 +57,36 @@ CheckLevels::CheckLevels() {
 
 void Findings::add(Check check, Report report) {
   const bool isError = levels_.isError[static_cast<size_t>(check)];
-  if (wants(check)) add(check, std::move(report), isError ? Severity::Error : Severity::Warning);
+  if (!wants(check) || isExplainedText(report.at)) return;
+  add(check, std::move(report), isError ? Severity::Error : Severity::Warning);
+}
+
+void Findings::explainText(std::string_view text) {
+  const char* begin = text.data();
+  const char* end = begin + text.size();
+  auto next = explainedTexts_.upper_bound(begin);
+  if (next != explainedTexts_.begin() && !std::less<>()(std::prev(next)->second, begin)) --next;
+  while (next != explainedTexts_.end() && !std::less<>()(end, next->first)) {
+    begin = std::min(begin, next->first, std::less<>());
+    end = std::max(end, next->second, std::less<>());
+    next = explainedTexts_.erase(next);
+  }
+  explainedTexts_.emplace_hint(next, begin, end);
+}
+
+bool Findings::overlapsExplained(std::string_view text) const {
+  const auto after = explainedTexts_.lower_bound(text.data() + text.size());
+  return after != explainedTexts_.begin() && std::less<>()(text.data(), std::prev(after)->second);
+}
+
+bool Findings::isExplainedText(std::string_view text) const {
+  if (explainedTexts_.empty() || text.data() == nullptr) return false;
+  while (const SourceNotes::Made* const made = map_.madeLine(text)) {
+    if (overlapsExplained(text)) return true;
+    if (made->pattern.data() != nullptr) return overlapsExplained(made->pattern);
+    text = made->origin;
+  }
+  return overlapsExplained(text);
 }
 
 void Findings::add(Check check, Report report, Severity severity) {
@@ -70,6 +113,13 @@ Finding Findings::resolve(Check check, Report report) const {
   finding.text = std::move(report.text);
   std::string_view at = report.at;
   while (const SourceNotes::Made* const made = map_.madeLine(at)) {
+    const std::string_view inBody = isOfBody(check) ? sameInBody(at, *made) : std::string_view();
+    if (inBody.data() != nullptr) {
+      report.notes.emplace_back(trim(withoutComment(made->origin)), "in this call of the macro");
+      report.fix.clear();
+      at = inBody;
+      break;
+    }
     if (made->pattern.data() != nullptr) {
       report.notes.emplace_back(trim(made->pattern), "in this line of the macro");
     }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -72,6 +74,9 @@ class Findings {
   bool isLineExplained(size_t line) const { return explainedLines_.contains(line); }
   // An error of the assembler, in its own words or in those of the check that explains it.
   void addError(Report report, Check check = Check::Assembler) { add(check, std::move(report), Severity::Error); }
+  // Says that a finding explains this text: later warnings about any part of it, or about a line that a macro makes of
+  // it, are dropped.
+  void explainText(std::string_view text);
 
   // In the order of the files and lines, each once; those without a place come first.
   std::vector<Finding> take();
@@ -80,6 +85,8 @@ class Findings {
   void add(Check check, Report report, Severity severity);
   bool isOfReturn(const Finding& finding) const;
   Finding resolve(Check check, Report report) const;
+  bool isExplainedText(std::string_view text) const;
+  bool overlapsExplained(std::string_view text) const;
   std::string_view lineOf(const Place& place) const { return map_.lineOf(*place.file, place.line); }
 
   const SourceMap& map_;
@@ -87,6 +94,7 @@ class Findings {
   std::vector<Finding> findings_;
   std::unordered_set<std::string> explained_;
   std::unordered_set<size_t> explainedLines_;
+  std::map<const char*, const char*, std::less<>> explainedTexts_;  // begin and end; none overlaps the next
 };
 
 }  // namespace kiln

@@ -19,20 +19,6 @@ struct Message {
   bool isError = false;
 };
 
-// Takes "PREFIXnumber: " off the text; 0, and the text as it was, when it does not begin so.
-size_t takeLineNumber(std::string_view& text, std::string_view prefix) {
-  if (!text.starts_with(prefix)) return 0;
-  std::string_view rest = text.substr(prefix.size());
-  size_t number = 0;
-  while (!rest.empty() && isDigit(rest.front())) {
-    number = number * 10 + static_cast<size_t>(rest.front() - '0');
-    rest.remove_prefix(1);
-  }
-  if (!rest.starts_with(": ")) return 0;
-  text = rest.substr(2);
-  return number;
-}
-
 class MessageReporter {
  public:
   MessageReporter(const Program& program, Findings& findings)
@@ -88,6 +74,19 @@ class MessageReporter {
 };
 
 }  // namespace
+
+size_t takeLineNumber(std::string_view& text, std::string_view prefix) {
+  if (!text.starts_with(prefix)) return 0;
+  std::string_view rest = text.substr(prefix.size());
+  size_t number = 0;
+  while (!rest.empty() && isDigit(rest.front())) {
+    number = number * 10 + static_cast<size_t>(rest.front() - '0');
+    rest.remove_prefix(1);
+  }
+  if (!rest.starts_with(": ")) return 0;
+  text = rest.substr(2);
+  return number;
+}
 
 void reportMessages(const Program& program, Findings& findings) {
   MessageReporter reporter(program, findings);

@@ -17,15 +17,17 @@ struct Program {
   Options options;
   Assembler assembler;
   SourceNotes notes;
-  std::optional<SourceMap> map;  // of the notes, once they are complete
-  std::string error;             // what cannot be read and why; empty when all can
-  bool isAssembled = false;      // without errors: the layout is final, and there are segments
+  const FileReader* files = nullptr;  // what the files were read with; never null once assembled
+  std::optional<SourceMap> map;       // of the notes, once they are complete
+  std::string error;                  // what cannot be read and why; empty when all can
+  bool isAssembled = false;           // without errors: the layout is final, and there are segments
 
   // The last iteration; there is one unless something cannot be read.
   const Iteration& iteration() const { return *assembler.iteration; }
 };
 
-// Reads and assembles what the options name, as kiln-as does. `arguments` begins with the program's own path.
+// Reads and assembles what the options name, as kiln-as does. `arguments` begins with the program's own path. The host
+// has to outlive the checks.
 std::unique_ptr<Program> assembleProgram(const Host& host, std::span<const std::string> arguments, Options options);
 
 }  // namespace kiln

@@ -48,6 +48,11 @@ const std::vector<uint32_t>& SourceMap::startsOf(const FileLines& lines) {
   return lines.starts;
 }
 
+const SourceNotes::File* SourceMap::fileOf(std::string_view text) const {
+  const FileLines* const lines = text.data() == nullptr ? nullptr : fileWith(text.data());
+  return lines == nullptr ? nullptr : lines->file;
+}
+
 Place SourceMap::placeOf(std::string_view text) const {
   const FileLines* const lines = text.data() == nullptr ? nullptr : fileWith(text.data());
   if (lines == nullptr) return {};

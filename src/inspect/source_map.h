@@ -27,6 +27,8 @@ class SourceMap {
 
   // Where a view into the text of a file is; no place for other texts.
   Place placeOf(std::string_view text) const;
+  // The file whose text this is a view into, every inclusion of a file being one of its own; null for other texts.
+  const SourceNotes::File* fileOf(std::string_view text) const;
   // The made line that the text is a view into; null when it is in none.
   const SourceNotes::Made* madeLine(std::string_view text) const;
 

@@ -90,7 +90,8 @@ struct Examples {
   void read(const std::string& word, const std::string& argument, const std::string& text) {
     const std::string data = replaced(text, " *;[^\n]*");
     if (word == "findings") expectFindings(text);
-    if (word == "file" || word == "kiln-as" || word == "kiln-check") files[word == "file" ? argument : "main.asm"] = text;
+    if (word == "file" || word == "kiln-as" || word == "kiln-check")
+      files[word == "file" ? argument : "main.asm"] = text;
     if (word == "kiln-as") assemble(argument);
     if (word == "kiln-check") check(argument);
     if (word == "messages") expectMessages(text);
@@ -185,7 +186,8 @@ TEST(Documents, ShowEveryCheck) {
     const std::string name(row.name);
     EXPECT_NE(document.find("\n### " + name + "\n"), std::string::npos) << name << " has no section";
     EXPECT_NE(document.find(" [" + name + "]\n"), std::string::npos) << "no finding of " << name << " is shown";
-    const std::string line = "| `" + name + "` | " + (row.isExtra ? "extra | " : "| ") + std::string(row.summary) + " |";
+    const std::string line =
+        "| `" + name + "` | " + (row.isExtra ? "extra | " : "| ") + std::string(row.summary) + " |";
     EXPECT_NE(document.find(line), std::string::npos) << line;
   }
 }

@@ -1,0 +1,12 @@
+// What the lines of a macro do not do: end it, call it, define another one.
+#pragma once
+
+#include "inspect/findings.h"
+#include "inspect/macro_uses.h"
+#include "inspect/program.h"
+
+namespace kiln {
+
+void checkMacroBody(const Program& program, const MacroUse& use, Findings& findings);
+
+}  // namespace kiln

@@ -1,0 +1,106 @@
+#include "inspect/macro_uses.h"
+
+#include <algorithm>
+#include <array>
+
+#include "isa/opcodes.h"
+#include "source/kinds.h"
+#include "source/line_text.h"
+
+namespace kiln {
+namespace {
+
+// More parameters than that are seen in torture tests only.
+constexpr size_t mostParameters = 32;
+
+constexpr std::array<std::string_view, 4> registers = {"a", "x", "y", "sp"};
+
+bool joins(char a, char b) { return isWordCharacter(a) && isWordCharacter(b); }
+
+bool isDirective(std::string_view word) {
+  const auto isOf = [word](const KindRow& row) {
+    return !row.spelling.empty() && equalIgnoringCase(word, trim(row.spelling));
+  };
+  return std::any_of(kindRows.begin(), kindRows.end(), isOf);
+}
+
+}  // namespace
+
+bool meansSomething(const Program& program, std::string_view word) {
+  if (mnemonicOf(word) != Mnemonic::None || isDirective(word)) return true;
+  const auto isWord = [word](std::string_view name) { return equalIgnoringCase(word, name); };
+  return std::any_of(registers.begin(), registers.end(), isWord) ||
+         program.iteration().symbols.findIgnoringCase(word, symbolHash(word)) != nullptr;
+}
+
+std::string_view takeNameLike(std::string_view& text) {
+  size_t begin = 0;
+  while (begin < text.size() && !isWordCharacter(text[begin]))
+    ++begin;
+  size_t end = begin;
+  while (end < text.size() && isWordCharacter(text[end]))
+    ++end;
+  const std::string_view word = text.substr(begin, end - begin);
+  text.remove_prefix(end);
+  return word;
+}
+
+std::string_view findWhole(std::string_view text, std::string_view word) {
+  if (word.empty()) return {};
+  for (size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
+    const size_t end = at + word.size();
+    const bool joinsBefore = at > 0 && joins(text[at - 1], word.front());
+    if (!joinsBefore && (end == text.size() || !joins(word.back(), text[end]))) return text.substr(at, word.size());
+  }
+  return {};
+}
+
+BodyLine::BodyLine(std::string_view line) : code(trim(withoutComment(line))) {
+  std::string_view rest = code.substr(0, code.find(" : "));
+  const size_t colon = rest.find(':');
+  if (colon != std::string_view::npos && beginsLikeLabel(rest)) {
+    label = trimRight(rest.substr(0, colon));
+    rest.remove_prefix(colon + 1);
+  }
+  word = takeWord(rest);
+}
+
+std::string_view TextLines::next() {
+  const size_t end = rest_.find('\n');
+  const std::string_view line = rest_.substr(0, end);
+  rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end + 1);
+  return line;
+}
+
+TextLines linesAfter(const Macro& macro, const SourceMap& map) {
+  const std::string_view last = macro.body.empty() ? macro.head : macro.body.back().text;
+  const SourceNotes::File* const file = map.fileOf(last);
+  if (file == nullptr) return TextLines({});
+  const size_t end = file->text.find('\n', static_cast<size_t>(last.data() - file->text.data()));
+  return TextLines(end == std::string_view::npos ? std::string_view() : file->text.substr(end + 1));
+}
+
+std::string_view MacroUse::name() const {
+  std::string_view head = macro->head;
+  return takeWord(head);
+}
+
+bool MacroUse::mayReplaceIn(std::string_view text) const {
+  const auto& all = macro->parameters;
+  const auto end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostParameters));
+  return std::any_of(all.begin(), end,
+                     [text](std::string_view parameter) { return text.find(parameter) != std::string_view::npos; });
+}
+
+MacroUses::MacroUses(const SourceNotes& notes) {
+  for (const Macro& macro : notes.macros.all()) {
+    byHead_.emplace(macro.head.data(), uses_.size());
+    uses_.push_back({.macro = &macro});
+  }
+  for (const SourceNotes::Call& call : notes.calls) {
+    MacroUse& use = uses_[indexOf(call)];
+    if (use.calls++ == 0) use.firstCall = call.line;
+  }
+}
+
+}  // namespace kiln
