@@ -25,12 +25,10 @@ std::vector<Finding> checkProgram(const Program& program, const CheckLevels& lev
   StatementWalk walk(program.assembler);
   Statement statement;
   while (walk.next(statement)) {
+    macros.visit(statement);
     statement.isMisread = lines.visit(statement);
     names.visit(statement);
     if (!statement.isMisread) values.visit(statement);
-    macros.visit(statement);
-    lines.visit(statement);
-    values.visit(statement);
     flow.visit(statement);
   }
   names.finish();

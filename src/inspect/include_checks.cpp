@@ -67,7 +67,7 @@ class IncludeChecker {
       report.notes.emplace_back(codeOf(file->includeLine), concat({"'", file->path, "' is included here"}));
       file = map_.fileOf(file->includeLine);
     }
-    findings_.addError(Check::IncludeCircle, std::move(report));
+    findings_.addError(std::move(report), Check::IncludeCircle);
     return true;
   }
 
@@ -113,10 +113,10 @@ class IncludeChecker {
     if (!findings_.wants(Check::IncludeElsewhere)) return false;
     const std::optional<std::string> path = expectedPath(line);
     if (!path.has_value() || !program_.files->exists(*path) || program_.files->isDirectory(*path)) return false;
-    findings_.addError(Check::IncludeElsewhere,
-                       {.at = codeOf(line),
+    findings_.addError({.at = codeOf(line),
                         .text = concat({"'", nameIn(line), "' is not found, although there is '", *path,
-                                        "' beside the including file", advice(line, *path)})});
+                                        "' beside the including file", advice(line, *path)})},
+                       Check::IncludeElsewhere);
     return true;
   }
 

@@ -69,7 +69,7 @@ void MacroLabels::report(Label& label, std::string_view again, bool isError) {
       .text = concat({"each call of the macro '", label.use->name(), "' defines '", label.text, "' once more",
                       isError ? "" : ", and the last one counts", ": make the label a parameter"}),
       .notes = {{trim(withoutComment(label.use->firstCall)), "the macro is called here first"}}};
-  isError ? findings_.addError(Check::MacroLabel, std::move(report))
+  isError ? findings_.addError(std::move(report), Check::MacroLabel)
           : findings_.add(Check::MacroLabel, std::move(report));
   findings_.explainText(label.text);
 }
