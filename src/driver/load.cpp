@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/arithmetic.h"
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/text.h"
@@ -11,6 +12,9 @@
 
 namespace kiln {
 namespace {
+
+// The start address of a program without bytes.
+constexpr uint32_t defaultRunAddress = 0x3400;
 
 // The inputs joined, with a line end after each.
 struct JoinedInputs {
@@ -59,6 +63,12 @@ Format chooseFormat(const Options& options, const std::optional<std::string>& ou
   if (options.format.has_value()) return *options.format;
   const bool isPrg = outputPath.has_value() && equalIgnoringCase(pathExtension(*outputPath), "prg");
   return isPrg ? Format::Prg : Format::Xex;
+}
+
+uint32_t chooseRunAddress(const Options& options, const Assembler& assembler) {
+  const Symbol* const entry = options.entry.has_value() ? assembler.iteration->symbols.find(*options.entry) : nullptr;
+  if (entry != nullptr) return low16(entry->value);
+  return assembler.segments.empty() ? defaultRunAddress : assembler.segments.front().start;
 }
 
 std::string load(const Host& host, std::span<const std::string> arguments, Options& options, Assembler& assembler) {

@@ -1,4 +1,4 @@
-// From the command line to the expanded source: what the programs do alike before they assemble.
+// From the command line to the expanded source, and what else the programs do alike.
 #pragma once
 
 #include <optional>
@@ -15,6 +15,9 @@ namespace kiln {
 std::optional<std::string> chooseOutputPath(const Options& options);
 
 Format chooseFormat(const Options& options, const std::optional<std::string>& outputPath);
+
+// Where an assembled program starts, 0..65535: at the symbol from "-e", or else at its first segment.
+uint32_t chooseRunAddress(const Options& options, const Assembler& assembler);
 
 // Reads the inputs, symbol files and layout that the options name; there is at least one input. Afterwards the settings
 // are fixed and the expanded source is in `assembler.lines`. `arguments` begins with the program's own path. The result

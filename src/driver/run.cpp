@@ -5,7 +5,6 @@
 #include <optional>
 #include <stdexcept>
 
-#include "base/arithmetic.h"
 #include "base/format.h"
 #include "driver/load.h"
 #include "driver/options.h"
@@ -18,18 +17,9 @@
 namespace kiln {
 namespace {
 
-// The start address of a program without bytes.
-constexpr uint32_t defaultRunAddress = 0x3400;
-
 void printMessages(Console& console, const MessageList& messages) {
   for (const std::string& lines : messages.lines())
     console.printError(lines);
-}
-
-uint32_t chooseRunAddress(const Options& options, Assembler& assembler) {
-  const Symbol* const entry = options.entry.has_value() ? assembler.iteration->symbols.find(*options.entry) : nullptr;
-  if (entry != nullptr) return low16(entry->value);
-  return assembler.segments.empty() ? defaultRunAddress : assembler.segments.front().start;
 }
 
 std::optional<Image> buildImage(Host& host, const Options& options, Assembler& assembler, Format format) {

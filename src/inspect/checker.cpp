@@ -22,6 +22,7 @@ std::vector<Finding> checkProgram(const Program& program, const CheckLevels& lev
   NameChecks names(program, findings);
   ValueChecks values(program, findings);
   FlowChecks flow(program, findings);
+  MemoryChecks memory(program, findings);
   StatementWalk walk(program.assembler);
   Statement statement;
   while (walk.next(statement)) {
@@ -33,6 +34,10 @@ std::vector<Finding> checkProgram(const Program& program, const CheckLevels& lev
   }
   names.finish();
   checkMemory(program, findings);
+    values.visit(statement);
+    memory.visit(statement);
+  memory.finish();
+  checkMacros(program, findings);
   // Last, as the others explain some of the messages.
   reportMessages(program, findings);
   return findings.take();

@@ -1,7 +1,70 @@
 #include "inspect/memory_checks.h"
 
 namespace kiln {
+namespace {
 
-void checkMemory(const Program&, Findings&) {}
+// A file that cannot be included may have any origin, and errors in the layout end a run before it is fixed.
+bool isLaidOut(const Program& program) {
+  return program.error.empty() && program.notes.errorLines.empty() && !program.assembler.segments.empty();
+}
+
+}  // namespace
+
+MemoryChecks::MemoryChecks(const Program& program, Findings& findings)
+    : statements_(program.iteration().statements.lines),
+      isLaidOut_(isLaidOut(program)),
+      hasRegions_(program.iteration().codeRegions.count() != 0),
+      output_(outputKindOf(program)),
+      evaluator_(program.iteration().symbols, ignored_),
+      walker_(program.iteration(), evaluator_, low16(program.assembler.settings.banking.bankWindowLow), *this),
+      counters_(program.assembler.settings.banking),
+      segmentChecks_(program, output_, segments_, findings),
+      branchChecks_(program, evaluator_, findings),
+      regionChecks_(evaluator_, findings),
+      shadowChecks_(program, output_, segments_, findings),
+      bankChecks_(program, output_, segments_, findings),
+      bankCalls_(program, segments_, findings) {}
+
+void MemoryChecks::follow(const Statement& statement) {
+  at_ = statement.text;
+  for (; next_ != statement.index; ++next_) {
+    regionChecks_.noteInsertion(statements_[next_]);
+    walker_.step(statements_[next_]);
+  }
+  const AsLine& line = *statement.parsed;
+  branchChecks_.visit(statement, flow_);
+  if (hasRegions_) regionChecks_.visit(statement, flow_);
+  segmentChecks_.visit(statement);
+  shadowChecks_.visit(statement);
+  if (output_ == OutputKind::BankedXex) bankCalls_.visit(statement);
+  walker_.step(line);
+  flow_.pass(line);
+  ++next_;
+}
+
+void MemoryChecks::finish() {
+  if (!isLaidOut_) return;
+  segmentChecks_.finish();
+  shadowChecks_.finish();
+  bankChecks_.finish();
+  if (output_ == OutputKind::BankedXex) bankCalls_.finish();
+}
+
+void MemoryChecks::openSegment(const Opening& opening, const AsLine&) {
+  PlacedSegment& segment = segments_.emplace_back();
+  segment.at = at_;
+  segment.start = opening.address;
+  segment.bank = opening.bank;
+  segment.isCloaked = opening.isCloaked;
+  if (!opening.isCloaked && output_ == OutputKind::BankedXex) {
+    segment.written = counters_.next(opening.address, opening.bank);
+  }
+}
+
+uint32_t MemoryChecks::placeBytes(const AsLine& line, uint32_t pc) {
+  segments_.back().size += line.size;
+  segmentChecks_.place(line, pc, at_);
+  return line.size;
+}
 
 }  // namespace kiln

@@ -1,0 +1,13 @@
+#include "inspect/placed_segments.h"
+
+#include "driver/load.h"
+
+namespace kiln {
+
+OutputKind outputKindOf(const Program& program) {
+  const Options& options = program.options;
+  if (chooseFormat(options, chooseOutputPath(options)) == Format::Prg) return OutputKind::Prg;
+  return options.banked ? OutputKind::BankedXex : OutputKind::Xex;
+}
+
+}  // namespace kiln

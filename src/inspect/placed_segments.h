@@ -1,0 +1,31 @@
+// The segments of a program beside the statements that open them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "inspect/program.h"
+#include "output/bank_values.h"
+
+namespace kiln {
+
+struct PlacedSegment {
+  std::string_view at;  // the statement that opens it
+  uint32_t start = 0;   // of its first byte, 0..65535
+  int32_t bank = -1;    // the number of its ".bank"; -1 = none
+  bool isCloaked = false;
+  uint64_t size = 0;                      // in bytes
+  std::optional<BankValue> written = {};  // the bank that banked output puts it into; absent in main memory
+};
+
+// The same segments as the assembler's, in the same order.
+using PlacedSegments = std::vector<PlacedSegment>;
+
+enum class OutputKind : uint8_t { Xex, BankedXex, Prg };
+
+// What kiln-as would write.
+OutputKind outputKindOf(const Program& program);
+
+}  // namespace kiln
