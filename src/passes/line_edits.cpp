@@ -16,7 +16,9 @@ void applyEdits(SourceLines& source, const std::vector<LineEdit>& edits, SourceN
     }
     for (std::string_view replacement : edit->lines) {
       edited.add(replacement);
-      if (notes != nullptr) notes->made.push_back({.text = replacement, .origin = line, .pattern = {}});
+      // Lines may be added after one that is kept, which then does not come from itself.
+      if (notes != nullptr && replacement.data() != line.data())
+        notes->made.push_back({.text = replacement, .origin = line, .pattern = {}});
     }
     isKept = false;
     ++edit;
