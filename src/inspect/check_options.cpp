@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/format.h"
+#include "base/text.h"
 #include "base/version.h"
 
 namespace kiln {
@@ -115,6 +116,15 @@ std::optional<int> addLabels(const std::string& value, Console& console, CheckOp
   return std::nullopt;
 }
 
+std::optional<int> setMap(const std::string& path, Console& console, CheckOptions& options) {
+  if (!endsWithIgnoringCase(path, ".txt") && !endsWithIgnoringCase(path, ".svg")) {
+    console.printError("kiln-check: --map expects a file whose name ends in .txt or .svg\n");
+    return failure;
+  }
+  options.map = path;
+  return std::nullopt;
+}
+
 constexpr OptionRow<CheckOptions> rows[] = {
     {"-h", OptionValue::None, printUsage},
     {"-v", OptionValue::None, printVersion},
@@ -125,7 +135,7 @@ constexpr OptionRow<CheckOptions> rows[] = {
     {"--labels=", OptionValue::Joined, addLabels},
     {"--depfile=", OptionValue::Joined, setPath<&CheckOptions::depfile>},
     {"--listing=", OptionValue::Joined, setPath<&CheckOptions::listing>},
-    {"--map=", OptionValue::Joined, setPath<&CheckOptions::map>},
+    {"--map=", OptionValue::Joined, setMap},
     {"-Wall", OptionValue::None, setAll},
     {"-Wextra", OptionValue::None, setExtra},
     {"-Wno-", OptionValue::Joined, switchOff},

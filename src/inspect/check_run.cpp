@@ -7,7 +7,9 @@
 #include "base/format.h"
 #include "inspect/check_options.h"
 #include "inspect/checker.h"
+#include "inspect/outputs.h"
 #include "inspect/program.h"
+#include "inspect/recording_host.h"
 #include "inspect/report.h"
 
 namespace kiln {
@@ -42,11 +44,14 @@ int check(Host& host, std::span<const std::string> arguments, bool isTerminal) {
   const std::span<const std::string> afterProgram = arguments.subspan(arguments.empty() ? 0 : 1);
   if (const std::optional<int> status = scanCheckArguments(afterProgram, host, options)) return *status;
   if (options.assembler.inputs.empty()) return complain(host, "no input files");
-  const std::unique_ptr<Program> program = assembleProgram(host, arguments, options.assembler);
+  const RecordingHost reader(host);
+  const std::unique_ptr<Program> program = assembleProgram(reader, arguments, options.assembler);
   if (!program->error.empty()) return complain(host, program->error);
   const std::vector<Finding> findings = checkProgram(*program, options.levels);
   host.printOutput(render(findings, *program, options.report, isTerminal && !refusesColour(host)));
   if (!program->isAssembled) return failure;
+  const std::string error = writeOutputs(host, *program, options, reader.pathsRead());
+  if (!error.empty()) return complain(host, error);
   return findings.empty() ? foundNothing : foundSomething;
 }
 

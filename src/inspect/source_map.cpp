@@ -73,6 +73,12 @@ const SourceNotes::Made* SourceMap::madeLine(std::string_view text) const {
   return isIn(text.data(), made->text) ? made : nullptr;
 }
 
+std::string_view SourceMap::originOf(std::string_view text) const {
+  while (const SourceNotes::Made* const made = madeLine(text))
+    text = made->origin;
+  return text.data() != nullptr && fileWith(text.data()) != nullptr ? text : std::string_view();
+}
+
 std::string_view SourceMap::lineOf(const SourceNotes::File& file, uint32_t line) const {
   const FileLines* const lines = fileWith(file.text.data());
   if (lines == nullptr || line == 0) return {};

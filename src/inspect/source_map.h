@@ -31,6 +31,8 @@ class SourceMap {
   const SourceNotes::File* fileOf(std::string_view text) const;
   // The made line that the text is a view into; null when it is in none.
   const SourceNotes::Made* madeLine(std::string_view text) const;
+  // The text itself if it is in a file, else the line of a file in whose place it was made; null data for other texts.
+  std::string_view originOf(std::string_view text) const;
 
   // A line of a file without its line end; empty past the end. `line` counts from 1.
   std::string_view lineOf(const SourceNotes::File& file, uint32_t line) const;

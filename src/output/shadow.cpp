@@ -86,6 +86,9 @@ Image copyStub(uint32_t stageAddress) {
   return stub;
 }
 
+// Of the staging segment, what comes before the bytes of the pieces.
+uint64_t leadSize(const std::vector<Piece>& pieces) { return stubSize + entrySize * (pieces.size() + 1); }
+
 // Absent when a piece would begin past the last address. A piece that only ends past it is found later.
 std::optional<Image> copyTable(const std::vector<Piece>& pieces, uint64_t firstSource) {
   Image table;
@@ -112,14 +115,18 @@ void warnAboutScreenRam(uint32_t stageAddress, int64_t end, Console& console) {
 
 }  // namespace
 
-bool stageShadow(Image& image, uint32_t stageAddress, const std::vector<Piece>& pieces, Console& console) {
-  const uint64_t payload = uint64_t{stageAddress} + stubSize + entrySize * (pieces.size() + 1);
-  uint64_t end = payload;
+uint64_t stageSize(const std::vector<Piece>& pieces) {
+  uint64_t size = leadSize(pieces);
   for (const Piece& piece : pieces)
-    end += piece.bytes.size();
-  const int64_t size = static_cast<int64_t>(end - stageAddress);
-  if (end > screenRam) warnAboutScreenRam(stageAddress, static_cast<int64_t>(end), console);
-  const std::optional<Image> table = copyTable(pieces, payload);
+    size += piece.bytes.size();
+  return size;
+}
+
+bool stageShadow(Image& image, uint32_t stageAddress, const std::vector<Piece>& pieces, Console& console) {
+  const int64_t size = static_cast<int64_t>(stageSize(pieces));
+  const int64_t end = stageAddress + size;
+  if (end > screenRam) warnAboutScreenRam(stageAddress, end, console);
+  const std::optional<Image> table = copyTable(pieces, stageAddress + leadSize(pieces));
   if (!table) {
     return fail(console, {"kiln-as: shadow staging payload at ", dollarHex(stageAddress),
                           " overflows 64 KB (would extend past $FFFF). Reduce shadow-region code size or move "

@@ -10,6 +10,9 @@
 
 namespace kiln {
 
+// The size of the staging segment for `pieces`.
+uint64_t stageSize(const std::vector<Piece>& pieces);
+
 // Appends the staging segment for `pieces` at `stageAddress` (1..65535), and the record that makes the loader call it.
 // False when it does not fit: a message has been printed, and the image is unchanged.
 bool stageShadow(Image& image, uint32_t stageAddress, const std::vector<Piece>& pieces, Console& console);

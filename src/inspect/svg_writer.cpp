@@ -1,0 +1,74 @@
+#include "inspect/svg_writer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/format.h"
+#include "base/utf8.h"
+
+namespace kiln {
+namespace {
+
+constexpr std::string_view font = "DejaVu Sans Mono, Menlo, Consolas, monospace";
+constexpr double characterWidth = 0.602;  // of a size of 1
+
+// One decimal at most.
+std::string pixels(double length) {
+  const auto tenths = static_cast<int64_t>(std::llround(length * 10));
+  const int64_t rest = std::abs(tenths % 10);
+  return rest == 0 ? decimal(tenths / 10) : concat({decimal(tenths / 10), ".", decimal(rest)});
+}
+
+std::string escaped(std::string_view text) {
+  const bool isValid = isStrictUtf8(text);
+  std::string result;
+  for (char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '&') {
+      result += "&amp;";
+    } else if (c == '<') {
+      result += "&lt;";
+    } else if (c == '>') {
+      result += "&gt;";
+    } else {
+      result.push_back(byte < 0x20 || byte == 0x7F || (byte > 0x7F && !isValid) ? '?' : c);
+    }
+  }
+  return result;
+}
+
+std::string_view nameOf(Anchor anchor) {
+  if (anchor == Anchor::Start) return "start";
+  return anchor == Anchor::Middle ? "middle" : "end";
+}
+
+}  // namespace
+
+double SvgWriter::textWidth(std::string_view text, double size) {
+  return static_cast<double>(utf16Length(text)) * size * characterWidth;
+}
+
+void SvgWriter::rect(const Box& box, std::string_view style) {
+  body_ += concat({"<rect x=\"", pixels(box.x), "\" y=\"", pixels(box.y), "\" width=\"", pixels(box.width),
+                   "\" height=\"", pixels(box.height), "\" ", style, "/>\n"});
+}
+
+void SvgWriter::line(double x1, double y1, double x2, double y2, std::string_view style) {
+  body_ += concat({"<line x1=\"", pixels(x1), "\" y1=\"", pixels(y1), "\" x2=\"", pixels(x2), "\" y2=\"", pixels(y2),
+                   "\" ", style, "/>\n"});
+}
+
+void SvgWriter::text(double x, double y, double size, std::string_view text, Anchor anchor, std::string_view style) {
+  body_ += concat({"<text x=\"", pixels(x), "\" y=\"", pixels(y), "\" font-size=\"", pixels(size), "\" text-anchor=\"",
+                   nameOf(anchor), "\" ", style, ">", escaped(text), "</text>\n"});
+}
+
+std::string SvgWriter::finish(double width, double height, std::string_view title) const {
+  const std::string size = concat({pixels(width), " ", pixels(height)});
+  return concat({"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n",
+                 "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"", pixels(width), "\" height=\"",
+                 pixels(height), "\" viewBox=\"0 0 ", size, "\" font-family=\"", font, "\">\n<title>", escaped(title),
+                 "</title>\n<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n", body_, "</svg>\n"});
+}
+
+}  // namespace kiln
