@@ -31,13 +31,10 @@ std::vector<Finding> checkProgram(const Program& program, const CheckLevels& lev
     names.visit(statement);
     if (!statement.isMisread) values.visit(statement);
     flow.visit(statement);
+    memory.visit(statement);
   }
   names.finish();
-  checkMemory(program, findings);
-    values.visit(statement);
-    memory.visit(statement);
   memory.finish();
-  checkMacros(program, findings);
   // Last, as the others explain some of the messages.
   reportMessages(program, findings);
   return findings.take();
