@@ -53,6 +53,8 @@ bool LineChecks::visitMeaning(const Statement& statement) {
       return texts_.visitString(statement) && skipLine(statement);
     case Kind::Instruction:
       return statement.argument.starts_with('=') && colons_.reportMnemonicName(statement);
+    case Kind::CloakedSegment:
+      return statement.argument.empty() && vanished_.reportNoAddress(statement);
     default:
       return false;
   }

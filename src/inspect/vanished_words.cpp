@@ -33,6 +33,7 @@ std::array<std::string_view, mnemonicCount> orderMnemonics() {
 
 // What can be said of words that begin with a sign.
 std::string_view adviceFor(std::string_view rest) {
+  if (isDigit(rest.front())) return "a label begins with a letter, '_' or '.'";
   switch (rest.front()) {
     case '@':
     case ']':
@@ -45,17 +46,6 @@ std::string_view adviceFor(std::string_view rest) {
     case '/':
     case '\'':
       return "a comment begins with ';'";
-    case '0':
-    case '1':
-    case '2':
-    case '3':
-    case '4':
-    case '5':
-    case '6':
-    case '7':
-    case '8':
-    case '9':
-      return "a label begins with a letter, '_' or '.'";
     default:
       return isProse(rest) ? "a comment begins with ';'" : "";
   }
@@ -79,6 +69,14 @@ void VanishedWords::report(const Statement& statement) {
   (void)(reportDirective(statement) || reportColon(statement) || reportMissingSpace(statement) ||
          reportEquals(statement) || reportMissingColon(statement) || reportForeignWord(statement) ||
          (reportUnknown(statement), true));
+}
+
+bool VanishedWords::reportNoAddress(const Statement& statement) {
+  Findings::Report report{.at = statement.word,
+                          .text = concat({quoted(statement.word), " has no argument: the segment begins at $0000"})};
+  addNote(report, "write its address, '.cloaked_segment $5000'");
+  reporter_.add(Check::NoArgument, statement, std::move(report));
+  return true;
 }
 
 // What the checks of macros report: a call that is none, and lines that make no sense in a macro's body.
@@ -286,11 +284,17 @@ std::string VanishedWords::nearWords(std::string_view word) {
     for (std::string_view mnemonic : mnemonics)
       near_.offer(mnemonic);
   }
+  offerMacros();
+  return near_.hint();
+}
+
+void VanishedWords::offerMacros() {
   for (const Macro& macro : program_.notes.macros.all()) {
+    if (macrosLeft_ == 0) return;
+    --macrosLeft_;
     std::string_view head = macro.head;
     near_.offer(takeWord(head));
   }
-  return near_.hint();
 }
 
 }  // namespace kiln

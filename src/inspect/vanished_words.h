@@ -18,6 +18,8 @@ class VanishedWords {
 
   // Reports a statement of Kind::Empty with some text after its label, if it has one.
   void report(const Statement& statement);
+  // Reports a .cloaked_segment without an address. True, as it is misread.
+  bool reportNoAddress(const Statement& statement);
 
  private:
   bool isOfMacro(const Statement& statement) const;
@@ -32,11 +34,13 @@ class VanishedWords {
   bool isKnownName(const Statement& statement, std::string_view text) const;
   bool isLabelWithoutColon(const Statement& statement);
   std::string nearWords(std::string_view word);
+  void offerMacros();
 
   const Program& program_;
   UsedNames& used_;
   LineReporter& reporter_;
   NearNames near_;
+  size_t macrosLeft_ = 4'000'000;  // to be offered, so that many mistakes among many macros do not take for ever
 };
 
 }  // namespace kiln

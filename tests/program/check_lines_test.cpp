@@ -41,6 +41,7 @@ TEST(CheckLines, NamesTheMistakeInAVanishedStatement) {
       {"        .byte\t; nothing", {"2:9 no-argument"}},
       {"here:   .include \"a.inc\"", {"2:9 vanished"}},
       {"        .include", {"2:9 no-argument"}},
+      {"        .cloaked_segment", {"2:9 no-argument"}},
       {"        .macro\tPAINT colour", {"2:9 tab-after-directive"}},
   });
 }
