@@ -106,7 +106,9 @@ void NameChecks::checkLabelBeforeMove(const Statement& statement) {
   if (line.kind == Kind::CloakedSegment) target = low16(evaluator_.evaluate(line.firstItem()));
   if (line.kind == Kind::Bank) target = low16(program_.assembler.settings.banking.bankWindowLow);
   ignored_.clear();
-  if (target == line.address || !isPlainName(statement.symbol.text())) return;
+  // A block that moves to the next region begins with a statement that has become an .org.
+  const bool isMovedBlock = startsWithIgnoringCase(statement.word, rowOf(Kind::SpillPoint).spelling);
+  if (target == line.address || isMovedBlock || !isPlainName(statement.symbol.text())) return;
   findings_.add(Check::LabelBeforeMove,
                 {.at = statement.label,
                  .text = concat({"'", statement.label, "' is the address before the ", statement.word, ", ",
@@ -198,7 +200,7 @@ bool NameChecks::isLocalOfScope(const Statement& statement, std::string_view nam
 
 void NameChecks::checkEarly(const Statement& statement, std::string_view name, const Symbol& symbol) {
   findings_.explain(undefinedMessage(name));
-  if (std::exchange(earlyStatement_, statement.index) == statement.index) return;
+  if (statement.isMisread || std::exchange(earlyStatement_, statement.index) == statement.index) return;
   const AsLine& line = *statement.parsed;
   Findings::Report report{.at = writtenName(*program_.map, statement, name)};
   if (line.kind == Kind::Space) {
@@ -250,7 +252,8 @@ void NameChecks::checkZeroAddress(const Statement& statement) {
   if (line.kind != Kind::Instruction || line.operand().empty()) return;
   const std::string_view expression = instructionExpression(line, scratch_);
   const std::string_view message = zeroAddresses_.take(line, expression);
-  if (message.empty()) return;
+  // A number such as $G is the concern of the values.
+  if (message.empty() || expressions_.of(line).empty()) return;
   findings_.explain(std::string(message));
   const Symbol* const symbol = definitions_.find(leadingSymbol(expression));
   if (isDoubtful_ || (symbol != nullptr && isZeroForOtherReason(*symbol))) return;
