@@ -20,12 +20,12 @@ bool isPrefix(char c) { return c == '<' || c == '>'; }
 struct PrefixedSum {
   explicit PrefixedSum(std::string_view expression) {
     ptrdiff_t depth = 0;
-    for (size_t at = 2; at < expression.size(); ++at) {
+    for (size_t at = 1; at < expression.size(); ++at) {
       const char c = expression[at];
       if (c == '(') ++depth;
       if (c == ')') --depth;
       if (depth != 0) continue;
-      if (isOperator(c) && rest.empty()) {
+      if (isOperator(c) && at > 1 && rest.empty()) {
         first = trimRight(expression.substr(0, at));
         rest = expression.substr(at);
       }

@@ -92,7 +92,7 @@ bool checkModeParentheses(const Statement& statement, std::string_view expressio
   return true;
 }
 
-// As arithmetic it is wanted where it has some, and an address that is no pointer.
+// Parentheses with a sum in them are arithmetic, unless it is an address in the zero page, where pointers are.
 bool checkIndexedParentheses(const CheckedOperand& operand, Findings& findings) {
   const AsLine& line = *operand.statement.parsed;
   if (line.mode != Mode::AbsoluteX && line.mode != Mode::ZeroPageX) return false;
@@ -130,7 +130,7 @@ bool checkFirstNumber(const CheckedOperand& operand, Findings& findings) {
   if (opcodeFor(line.mnemonic, absoluteForm(line.mode)) < 0) return false;
   const std::string_view at = inSource(operand.statement, operand.expression);
   addWithZero(Check::FirstNumber, operand.statement, operand.expression,
-              concat({inQuotes(at), " is ", dollarHex(*operand.value), ", but its first number makes it ",
+              concat({inQuotes(at), " is ", valueText(*operand.value), ", but its first number makes it ",
                       dollarHex(lowByte(*operand.value), 2), " in the zero page"}),
               findings);
   return true;

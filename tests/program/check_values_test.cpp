@@ -135,6 +135,7 @@ TEST(CheckValues, AllowLowAndHighOfASum) {
       {" .word <high+1"},
       {"n = <low+$400"},
       {" LDA #>high->high", {"7 low-high-all"}},
+      {" LDA #>(high)->high", {"7 low-high-all"}},
       {" STA <low+$2000,X", {"6 low-high-all"}},
   });
 }
