@@ -37,9 +37,11 @@ std::string_view nameOf(const PlacedSegment& segment) {
   return trim(statement);
 }
 
+bool isBanked(const PlacedSegment& segment) { return segment.written.has_value(); }
+
 bool usesDataRegister(const PlacedSegment& segment) {
-  const BankKind kind = segment.written->kind;
-  return segment.size != 0 && (kind == BankKind::Plain || kind == BankKind::DataHalf);
+  if (!isBanked(segment) || segment.size == 0) return false;
+  return segment.written->kind == BankKind::Plain || segment.written->kind == BankKind::DataHalf;
 }
 
 }  // namespace
@@ -53,10 +55,17 @@ void BankChecks::finish() {
                                     .text = "no bank window is known, so the bank begins at $0000: give the option -L "
                                             "and a layout file with a window"});
   } else {
-    checkRegisters();
-    checkBankTwice();
-    checkBankCounts();
+    checkBanks();
   }
+}
+
+void BankChecks::checkBanks() {
+  const auto bank = std::find_if(segments_.begin(), segments_.end(), isBanked);
+  if (bank == segments_.end()) return;
+  checkRegisters(*bank);
+  checkPortB(*bank);
+  checkBankTwice();
+  checkBankCounts();
 }
 
 // The first segment that a ".bank" opens, null when there is none.
@@ -84,31 +93,29 @@ void BankChecks::checkFlatBanks() {
                                  isPrg ? "" : ": give the option -L and a layout file with a section [banking]"})});
 }
 
-void BankChecks::checkRegisters() {
-  const auto isBanked = [](const PlacedSegment& segment) { return segment.written.has_value(); };
-  const auto bank = std::find_if(segments_.begin(), segments_.end(), isBanked);
-  if (bank == segments_.end()) return;
-  const auto needsData = [](const PlacedSegment& segment) {
-    return segment.written.has_value() && usesDataRegister(segment);
-  };
-  const auto data = std::find_if(segments_.begin(), segments_.end(), needsData);
+void BankChecks::checkRegisters(const PlacedSegment& bank) {
   if (banking_.codeBankRegister == 0) {
     findings_.add(Check::MissingRegister,
-                  {.at = bank->at,
+                  {.at = bank.at,
                    .text = "there is no register for the number of this bank, so kiln-as writes no file: give the "
                            "layout file a line 'registers = LOW, HIGH'"});
-  } else if (data != segments_.end() && banking_.dataBankRegister == 0) {
-    const bool isHalf = data->written->kind == BankKind::DataHalf;
-    findings_.add(Check::MissingRegister,
-                  {.at = data->at,
-                   .text = concat({"there is no data bank register, so the ", isHalf ? "" : "high byte of the ",
-                                   "number of this bank is stored to $0000: name one in the layout file"})});
+    return;
   }
+  const auto data = std::find_if(segments_.begin(), segments_.end(), usesDataRegister);
+  if (banking_.dataBankRegister != 0 || data == segments_.end()) return;
+  const bool isHalf = data->written->kind == BankKind::DataHalf;
+  findings_.add(Check::MissingRegister,
+                {.at = data->at,
+                 .text = concat({"there is no data bank register, so the ", isHalf ? "" : "high byte of the ",
+                                 "number of this bank is stored to $0000: name one in the layout file"})});
+}
+
+void BankChecks::checkPortB(const PlacedSegment& bank) {
   const bool hasPortB = banking_.codeBankRegister == portB || banking_.dataBankRegister == portB ||
-                        bankRegister(banking_, bank->written->kind) == portB;
+                        bankRegister(banking_, bank.written->kind) == portB;
   if (!hasPortB) return;
   findings_.add(Check::PortbRegister,
-                {.at = bank->at,
+                {.at = bank.at,
                  .text = "the plain number of this bank is stored to PORTB ($D301), whose other bits switch the ROM "
                          "and more: use a register of its own"});
 }

@@ -21,7 +21,9 @@ class BankChecks {
 
  private:
   void checkFlatBanks();
-  void checkRegisters();
+  void checkBanks();
+  void checkRegisters(const PlacedSegment& bank);
+  void checkPortB(const PlacedSegment& bank);
   void checkBankTwice();
   void checkBankCounts();
   const PlacedSegment* firstNamed() const;

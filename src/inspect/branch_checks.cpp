@@ -18,11 +18,8 @@ std::string_view labelIn(std::string_view statement) {
   return beginsLikeLabel(label) ? label : std::string_view();
 }
 
-// The first word of a statement after its label.
-std::string_view wordIn(std::string_view statement) {
-  const std::string_view label = labelIn(statement);
-  if (label.data() != nullptr) statement.remove_prefix(statement.find(':') + 1);
-  return takeWord(statement);
+std::string_view withoutLabel(std::string_view statement) {
+  return labelIn(statement).empty() ? statement : trim(statement.substr(statement.find(':') + 1));
 }
 
 // The statement of a line that a long branch has replaced: the one with this mnemonic and target. With an operand that
@@ -31,7 +28,8 @@ std::string_view findBranch(std::string_view code, Mnemonic mnemonic, std::strin
   std::string_view found;
   StatementTexts texts(code);
   while (const std::optional<std::string_view> text = texts.next()) {
-    if (mnemonicOf(wordIn(*text)) != mnemonic) continue;
+    std::string_view rest = withoutLabel(*text);
+    if (mnemonicOf(takeWord(rest)) != mnemonic) continue;
     found = *text;
     if (target.ends_with(writtenOperand(*text))) break;
   }
@@ -57,7 +55,7 @@ void BranchChecks::check(const Statement& statement, const CodeFlow& flow) {
   if (made == nullptr || made->pattern.data() != nullptr || made->text.ends_with(stageComment)) return;
   // The JMP after an inverted branch belongs to that.
   if (!line.longBranchMarked && statement.index != 0 && (&line)[-1].longBranchMarked) return;
-  checkLostParts(statement, made->origin);
+  if (findings_.wants(Check::LostWithBranch)) checkLostParts(statement, made->origin);
   checkSkip(statement, flow, made->origin);
 }
 
@@ -76,9 +74,9 @@ void BranchChecks::checkLostParts(const Statement& statement, std::string_view s
     if (!part.empty()) lost.push_back(part);
   }
   if (lost.empty()) return;
-  findings_.add(
-      Check::LostWithBranch,
-      {.at = lost.front(), .text = lostText(lost), .notes = {{branch, "give this branch a line of its own"}}});
+  findings_.add(Check::LostWithBranch, {.at = lost.front(),
+                                        .text = lostText(lost),
+                                        .notes = {{withoutLabel(branch), "give this branch a line of its own"}}});
 }
 
 void BranchChecks::explainLostLabel(std::string_view label, std::string_view scope) {

@@ -18,7 +18,7 @@ MemoryChecks::MemoryChecks(const Program& program, Findings& findings)
       evaluator_(program.iteration().symbols, ignored_),
       walker_(program.iteration(), evaluator_, low16(program.assembler.settings.banking.bankWindowLow), *this),
       counters_(program.assembler.settings.banking),
-      segmentChecks_(program, output_, segments_, findings),
+      segmentChecks_(program, output_, segments_, evaluator_, findings),
       branchChecks_(program, evaluator_, findings),
       regionChecks_(evaluator_, findings),
       shadowChecks_(program, output_, segments_, findings),
@@ -26,12 +26,14 @@ MemoryChecks::MemoryChecks(const Program& program, Findings& findings)
       bankCalls_(program, segments_, findings) {}
 
 void MemoryChecks::follow(const Statement& statement) {
-  at_ = statement.text;
+  const AsLine& line = *statement.parsed;
+  at_ = lastMove_;
   for (; next_ != statement.index; ++next_) {
     regionChecks_.noteInsertion(statements_[next_]);
     walker_.step(statements_[next_]);
   }
-  const AsLine& line = *statement.parsed;
+  at_ = statement.text;
+  if (rowOf(line.kind).moves) lastMove_ = at_;
   branchChecks_.visit(statement, flow_);
   if (hasRegions_) regionChecks_.visit(statement, flow_);
   segmentChecks_.visit(statement);

@@ -54,6 +54,7 @@ class MemoryChecks {
   BankCalls bankCalls_;
   size_t next_ = 0;  // the statement to be placed next
   std::string_view at_;
+  std::string_view lastMove_;  // the last statement of the source that moved the address
 };
 
 }  // namespace kiln

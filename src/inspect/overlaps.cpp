@@ -75,6 +75,7 @@ class OverlapFinder {
   const Program& program_;
   const PlacedSegments& segments_;
   Findings& findings_;
+  const char* lastReported_ = nullptr;  // the statement with the last finding
 };
 
 // The segments with bytes. Cloaked ones are not loaded like the others, and other checks report banks that are not
@@ -108,8 +109,9 @@ void OverlapFinder::checkLoading() {
 void OverlapFinder::report(size_t earlier, size_t later) {
   const PlacedSegment& first = segments_[earlier];
   const PlacedSegment& second = segments_[later];
-  // A bank that begins twice is reported as such.
-  if (first.bank >= 0 && first.bank == second.bank) return;
+  // A bank that begins twice is reported as such. Code that goes on in the next region is reported once.
+  if ((first.bank >= 0 && first.bank == second.bank) || second.at.data() == lastReported_) return;
+  lastReported_ = second.at.data();
   const auto endOf = [](const PlacedSegment& segment) { return segment.start + segment.size - 1; };
   const uint64_t from = std::max(first.start, second.start);
   const uint64_t to = std::min({endOf(first), endOf(second), addressCount - 1});

@@ -12,9 +12,10 @@
 namespace kiln {
 
 struct PlacedSegment {
-  std::string_view at;  // the statement that opens it
-  uint32_t start = 0;   // of its first byte, 0..65535
-  int32_t bank = -1;    // the number of its ".bank"; -1 = none
+  // The statement that opens it. For one that a code region opens: the last statement that moved the address.
+  std::string_view at;
+  uint32_t start = 0;  // of its first byte, 0..65535
+  int32_t bank = -1;   // the number of its ".bank"; -1 = none
   bool isCloaked = false;
   uint64_t size = 0;                      // in bytes
   std::optional<BankValue> written = {};  // the bank that banked output puts it into; absent in main memory

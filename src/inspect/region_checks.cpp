@@ -38,10 +38,7 @@ void RegionChecks::noteInsertion(const AsLine& inserted) {
 
 void RegionChecks::visit(const Statement& statement, const CodeFlow& flow) {
   const AsLine& line = *statement.parsed;
-  if (line.kind == Kind::LabelOnly) {
-    label_ = {statement.label, line.address};
-    beforeBlock_ = {};
-  } else if (rowOf(line.kind).moves) {
+  if (rowOf(line.kind).moves) {
     moveBlock(statement);
   } else if (emitsBytes(line.kind) && line.size != 0) {
     if (target_.data() != nullptr) checkMoved(statement, flow);
@@ -49,6 +46,9 @@ void RegionChecks::visit(const Statement& statement, const CodeFlow& flow) {
     label_ = beforeBlock_ = {};
     target_ = {};
     hasBridge_ = false;
+  } else if (line.hasLabel) {
+    label_ = {statement.label, line.address};
+    beforeBlock_ = {};
   }
 }
 

@@ -19,7 +19,7 @@ class RegionChecks {
   void visit(const Statement& statement, const CodeFlow& flow);
 
  private:
-  // A label alone in its line.
+  // A label without bytes in its line.
   struct Label {
     std::string_view written;  // null data: none
     uint32_t address = 0;

@@ -26,8 +26,7 @@ void SegmentChecks::lookForOrigin(const Statement& statement) {
 }
 
 void SegmentChecks::checkOrigin(const Statement& statement) {
-  MessageList ignored;
-  const int64_t address = Evaluator(program_.iteration().symbols, ignored).evaluate(statement.parsed->operand());
+  const int64_t address = evaluator_.evaluate(statement.parsed->operand());
   if (address < addressCount) return;
   findings_.add(
       Check::PastEnd,
@@ -52,7 +51,7 @@ void SegmentChecks::reportBeforeOrigin(std::string_view at) {
 // Data that happens to be there in a longer segment is not meant for the loader.
 void SegmentChecks::keepWords(const AsLine& line, uint32_t pc, std::string_view at) {
   const bool isList = line.kind == Kind::Word || line.kind == Kind::Byte;
-  if (!isList || output_ == OutputKind::Prg || segments_.back().start < loaderWords) return;
+  if (!isList || output_ == OutputKind::Prg || segments_.back().start - loaderWords > 3) return;
   for (const uint32_t address : {runWord, initWord}) {
     if (pc <= address && address + 2 <= pc + line.size) words_.push_back({address, segments_.size() - 1, at});
   }

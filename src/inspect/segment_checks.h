@@ -14,8 +14,9 @@ namespace kiln {
 
 class SegmentChecks {
  public:
-  SegmentChecks(const Program& program, OutputKind output, const PlacedSegments& segments, Findings& findings)
-      : program_(program), output_(output), segments_(segments), findings_(findings) {}
+  SegmentChecks(const Program& program, OutputKind output, const PlacedSegments& segments, Evaluator& evaluator,
+                Findings& findings)
+      : program_(program), output_(output), segments_(segments), evaluator_(evaluator), findings_(findings) {}
 
   // To be called once for each statement, before its bytes are placed.
   void visit(const Statement& statement) {
@@ -56,6 +57,7 @@ class SegmentChecks {
   const Program& program_;
   const OutputKind output_;
   const PlacedSegments& segments_;
+  Evaluator& evaluator_;
   Findings& findings_;
   bool hasOrigin_ = false;      // or nothing is to be said about its absence
   bool hasLostOrigin_ = false;  // a statement has vanished that was probably meant as one
