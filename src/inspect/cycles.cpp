@@ -85,7 +85,7 @@ std::optional<Cycles> cyclesOf(Mnemonic mnemonic, Mode mode) {
 }
 
 uint32_t takenBranchCycles(uint32_t address, uint32_t target) {
-  const uint32_t next = address + 2;
+  const uint32_t next = (address + 2) & 0xFFFF;
   return next >> 8 == target >> 8 ? shortest + 1 : shortest + 2;
 }
 

@@ -8,100 +8,28 @@
 #include <vector>
 
 #include "base/format.h"
+#include "inspect/map_panel.h"
+#include "inspect/map_styles.h"
 #include "inspect/svg_writer.h"
 
 namespace kiln {
 namespace {
 
-constexpr uint32_t pageSize = 0x100;
-constexpr uint32_t rowSize = 0x1000;
-
 constexpr double margin = 28;
 constexpr double labelWidth = 46;  // of the addresses before the rows
 constexpr double mainTop = 96;
-constexpr double gap = 36;  // between the columns of the page
+constexpr double columnWidth = 750;  // of the left column
+constexpr double gap = 36;           // between the columns of the page
 constexpr double smallText = 9;
 constexpr double plainText = 11;
 constexpr double lineHeight = 16;
 constexpr size_t mostColumns = 4;  // of banks
 constexpr size_t tableRows = 12;
-constexpr double thinnest = 2;  // so that a single byte can be seen
-
-// How a space is drawn.
-struct Scale {
-  double pageWidth;
-  double rowHeight;
-  double rowPitch;
-};
-constexpr Scale mainScale = {44, 24, 30};
-constexpr Scale bankScale = {18, 15, 19};
-
-struct Panel {
-  double x;  // of the first page
-  double y;
-  Scale scale;
-  AddressRange window;
-};
-
-struct UseStyle {
-  Use use;
-  std::string_view name;
-  std::string_view fill;
-};
-
-constexpr std::array useStyles = {
-    UseStyle{Use::Code, "code", "fill=\"#9ecae1\""},
-    UseStyle{Use::Data, "data", "fill=\"url(#data)\""},
-    UseStyle{Use::Reserved, "zeros", "fill=\"url(#reserved)\""},
-    UseStyle{Use::Shadow, "shadow code", "fill=\"url(#shadow)\""},
-    UseStyle{Use::Stage, "stage, while loading", "fill=\"url(#stage)\""},
-    UseStyle{Use::Cloaked, "cloaked", "fill=\"url(#cloaked)\""},
-    UseStyle{Use::Overlap, "overlap", "fill=\"url(#overlap)\""},
-};
-constexpr std::string_view hardwareFill = "fill=\"#d9d9d9\"";
-constexpr std::string_view windowStroke = "fill=\"none\" stroke=\"#000\" stroke-dasharray=\"1 3\"";
-constexpr std::string_view regionStroke = "fill=\"none\" stroke=\"#000\" stroke-dasharray=\"5 2\"";
-constexpr std::string_view thinStroke = "fill=\"none\" stroke=\"#000\" stroke-width=\"0.6\"";
-constexpr std::string_view pageStroke = "stroke=\"#bbb\" stroke-width=\"0.5\"";
-constexpr std::string_view beginStroke = "stroke=\"#000\" stroke-width=\"0.8\"";
+constexpr double routinesLeft = 400;
 constexpr AddressRange hardware = {0xD000, 0xD7FF};
-
-constexpr std::string_view patterns = R"(<defs>
-<pattern id="data" width="4" height="4" patternUnits="userSpaceOnUse"><rect width="4" height="4" fill="#fee391"/><rect width="1" height="1" fill="#8c6d1f"/></pattern>
-<pattern id="reserved" width="6" height="6" patternUnits="userSpaceOnUse"><rect width="6" height="6" fill="#f4f4f4"/><rect x="2" y="2" width="1" height="1" fill="#555"/></pattern>
-<pattern id="shadow" width="6" height="6" patternUnits="userSpaceOnUse"><rect width="6" height="6" fill="#dadaeb"/><path d="M0 6L6 0" stroke="#6a51a3" stroke-width="1"/></pattern>
-<pattern id="stage" width="8" height="8" patternUnits="userSpaceOnUse"><rect width="8" height="8" fill="#fff"/><path d="M0 0L8 8" stroke="#777" stroke-width="1"/></pattern>
-<pattern id="cloaked" width="6" height="6" patternUnits="userSpaceOnUse"><rect width="6" height="6" fill="#c7e9c0"/><path d="M0 3H6" stroke="#238b45" stroke-width="1"/></pattern>
-<pattern id="overlap" width="6" height="6" patternUnits="userSpaceOnUse"><rect width="6" height="6" fill="#fb6a4a"/><path d="M0 0L6 6M0 6L6 0" stroke="#000" stroke-width="0.6"/></pattern>
-</defs>
-)";
-
-const UseStyle& styleOf(Use use) {
-  return *std::find_if(useStyles.begin(), useStyles.end(), [use](const UseStyle& style) { return style.use == use; });
-}
 
 std::string bytesText(uint64_t count) {
   return concat({decimal(static_cast<int64_t>(count)), count == 1 ? " byte" : " bytes"});
-}
-
-uint32_t firstRow(const AddressRange& window) { return window.first / rowSize; }
-uint32_t rowCount(const AddressRange& window) { return window.last / rowSize - firstRow(window) + 1; }
-
-// A part of a range that is in one row.
-Box boxOf(const Panel& panel, const AddressRange& part) {
-  const double perByte = panel.scale.pageWidth / pageSize;
-  const uint32_t row = part.first / rowSize - firstRow(panel.window);
-  return {panel.x + part.first % rowSize * perByte, panel.y + row * panel.scale.rowPitch,
-          std::max(part.size() * perByte, thinnest), panel.scale.rowHeight};
-}
-
-template <typename Take>
-void forEachRow(const AddressRange& range, Take take) {
-  for (uint32_t first = range.first; first <= range.last;) {
-    const uint32_t last = std::min(range.last, first | (rowSize - 1));
-    take(AddressRange{first, last});
-    first = last + 1;
-  }
 }
 
 class MapPicture {
@@ -157,7 +85,7 @@ void MapPicture::drawTitle() {
   for (const MappedSegment& segment : map_.segments)
     bytes += segment.size;
   const size_t count = map_.segments.size();
-  svg_.text(margin, 44, 18, pageTitle(), Anchor::Start, "font-weight=\"bold\"");
+  svg_.text(margin, 44, 18, SvgWriter::cut(pageTitle(), 18, columnWidth), Anchor::Start, "font-weight=\"bold\"");
   svg_.text(
       margin, 64, plainText,
       concat({bytesText(bytes), " in ", decimal(static_cast<int64_t>(count)), count == 1 ? " segment" : " segments"}));
@@ -227,27 +155,29 @@ void MapPicture::drawSegments(double y) {
     y += lineHeight;
     svg_.text(margin, y, plainText, rangeText(segment.start, segment.start + segment.size - 1));
     svg_.text(margin + 150, y, plainText, decimal(static_cast<int64_t>(segment.size)), Anchor::End);
-    if (segment.space != 0) svg_.text(margin + 164, y, plainText, map_.spaces[segment.space].name);
+    if (segment.space == 0) continue;
+    svg_.text(margin + 164, y, plainText,
+              SvgWriter::cut(map_.spaces[segment.space].name, plainText, routinesLeft - margin - 164 - lineHeight));
   }
   endTable(margin, y, map_.segments.size() - shown);
 }
 
 void MapPicture::drawRoutines(double y) {
-  constexpr double x = 400;
   const std::vector<const MappedRoutine*> routines = largestRoutines(map_);
-  beginTable(x, y, "Largest routines");
+  beginTable(routinesLeft, y, "Largest routines");
   const size_t shown = std::min(routines.size(), tableRows);
   for (size_t i = 0; i < shown; ++i) {
     const Routine& routine = routines[i]->routine;
     y += lineHeight;
-    svg_.text(x, y, plainText, dollarHex(routine.address));
-    svg_.text(x + 90, y, plainText, decimal(static_cast<int64_t>(routine.size)), Anchor::End);
-    svg_.text(x + 104, y, plainText, routine.name);
+    svg_.text(routinesLeft, y, plainText, dollarHex(routine.address));
+    svg_.text(routinesLeft + 90, y, plainText, decimal(static_cast<int64_t>(routine.size)), Anchor::End);
+    svg_.text(routinesLeft + 104, y, plainText,
+              SvgWriter::cut(routine.name, plainText, margin + columnWidth - routinesLeft - 104));
   }
-  endTable(x, y, routines.size() - shown);
+  endTable(routinesLeft, y, routines.size() - shown);
 }
 
-// Banks fill columns of the height of the rest, or of a quarter of all banks when there are many.
+// Banks fill columns as high as the left one, or higher when there would be more than four.
 void MapPicture::placeBanks() {
   const auto heightOf = [](const Space& space) { return 22 + rowCount(space.window) * bankScale.rowPitch + 10; };
   double total = 0;
@@ -263,7 +193,8 @@ void MapPicture::placeBanks() {
       x += width + gap;
       y = mainTop - 16;
     }
-    svg_.text(x, y + 12, plainText, concat({space.name, ": ", bytesText(space.usedBytes)}), Anchor::Start,
+    svg_.text(x, y + 12, plainText,
+              SvgWriter::cut(concat({space.name, ": ", bytesText(space.usedBytes)}), plainText, width), Anchor::Start,
               "font-weight=\"bold\"");
     panels_.push_back({x + labelWidth, y + 20, bankScale, space.window});
     y += heightOf(space);
@@ -278,10 +209,9 @@ void MapPicture::drawRows(const Panel& panel) {
     svg_.text(panel.x - 6, box.y + box.height / 2 + 4, panel.scale.rowHeight > 20 ? plainText : smallText,
               dollarHex(part.first & ~(rowSize - 1)), Anchor::End);
     svg_.rect(box, thinStroke);
-    for (uint32_t page = (part.first | (pageSize - 1)) + 1; page < part.last; page += pageSize) {
-      const double x = panel.x + page % rowSize * panel.scale.pageWidth / pageSize;
-      svg_.line(x, box.y, x, box.y + box.height, pageStroke);
-    }
+    const uint32_t firstLine = part.first / pageSize + 1;
+    const double x = panel.x + firstLine % (rowSize / pageSize) * panel.scale.pageWidth;
+    svg_.verticalLines({x, box.y, panel.scale.pageWidth, box.height}, part.last / pageSize + 1 - firstLine, pageStroke);
   });
 }
 
@@ -326,7 +256,7 @@ bool MapPicture::isOverlap(size_t space, uint32_t address) const {
 // A line where a routine begins, unless it is too small to be told from the next one.
 void MapPicture::drawBegin(const Panel& panel, const AddressRange& range) {
   const Box box = boxOf(panel, {range.first, std::min(range.last, range.first | (rowSize - 1))});
-  if (box.width > 2 * thinnest) svg_.line(box.x, box.y, box.x, box.y + box.height, beginStroke);
+  if (box.width > 2 * thinnest) svg_.verticalLines(box, 1, beginStroke);
 }
 
 // In the widest part of the range that is in one row, if there is room.

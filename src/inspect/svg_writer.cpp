@@ -37,10 +37,7 @@ std::string escaped(std::string_view text) {
   return result;
 }
 
-std::string_view nameOf(Anchor anchor) {
-  if (anchor == Anchor::Start) return "start";
-  return anchor == Anchor::Middle ? "middle" : "end";
-}
+std::string_view anchorAttribute(Anchor anchor) { return anchor == Anchor::End ? " text-anchor=\"end\"" : ""; }
 
 }  // namespace
 
@@ -48,19 +45,34 @@ double SvgWriter::textWidth(std::string_view text, double size) {
   return static_cast<double>(utf16Length(text)) * size * characterWidth;
 }
 
+std::string SvgWriter::cut(std::string_view text, double size, double width) {
+  if (textWidth(text, size) <= width) return std::string(text);
+  constexpr std::string_view dots = "...";
+  const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+  auto end = static_cast<size_t>((width - textWidth(dots, size)) / (size * characterWidth));
+  end = std::min(end, text.size() - 1);
+  while (end > 0 && isContinuation(text[end]))
+    --end;
+  return concat({text.substr(0, end), dots});
+}
+
 void SvgWriter::rect(const Box& box, std::string_view style) {
   body_ += concat({"<rect x=\"", pixels(box.x), "\" y=\"", pixels(box.y), "\" width=\"", pixels(box.width),
                    "\" height=\"", pixels(box.height), "\" ", style, "/>\n"});
 }
 
-void SvgWriter::line(double x1, double y1, double x2, double y2, std::string_view style) {
-  body_ += concat({"<line x1=\"", pixels(x1), "\" y1=\"", pixels(y1), "\" x2=\"", pixels(x2), "\" y2=\"", pixels(y2),
-                   "\" ", style, "/>\n"});
+void SvgWriter::verticalLines(const Box& box, uint32_t count, std::string_view style) {
+  if (count == 0) return;
+  const std::string height = pixels(box.height);
+  body_ += concat({"<path d=\"M", pixels(box.x), " ", pixels(box.y), "v", height});
+  for (uint32_t i = 1; i < count; ++i)
+    body_ += concat({"m", pixels(box.width), "-", height, "v", height});
+  body_ += concat({"\" ", style, "/>\n"});
 }
 
 void SvgWriter::text(double x, double y, double size, std::string_view text, Anchor anchor, std::string_view style) {
-  body_ += concat({"<text x=\"", pixels(x), "\" y=\"", pixels(y), "\" font-size=\"", pixels(size), "\" text-anchor=\"",
-                   nameOf(anchor), "\" ", style, ">", escaped(text), "</text>\n"});
+  body_ += concat({"<text x=\"", pixels(x), "\" y=\"", pixels(y), "\" font-size=\"", pixels(size), "\"",
+                   anchorAttribute(anchor), style.empty() ? "" : " ", style, ">", escaped(text), "</text>\n"});
 }
 
 std::string SvgWriter::finish(double width, double height, std::string_view title) const {

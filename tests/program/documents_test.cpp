@@ -8,7 +8,7 @@
 // programs of the document.
 //
 // ```kiln-check is a program that is checked as main.asm, with options after the word, and ```findings what is printed
-// on standard output; without it, nothing is.
+// on standard output; without it, nothing is. ```written NAME is a whole file that it writes.
 //
 // Lists that are made from the program's own tables are between markers. KILN_UPDATE_DOCS=1 rewrites them.
 #include <gtest/gtest.h>
@@ -64,6 +64,7 @@ struct Examples {
   std::map<std::string, std::string> files;
   std::string file, listing, said;  // what is said on standard error, as long as it was not expected
   std::string found;                // by kiln-check, likewise
+  std::map<std::string, std::string> written;
 
   void assemble(const std::string& options) {
     expectMessages("");
@@ -80,8 +81,10 @@ struct Examples {
     host.files = files;
     runCheck(host, findAll("kiln-check " + options + " main.asm", "([^ ]+)"), false);
     found = host.standardOutput;
+    written = host.written;
     EXPECT_EQ(host.standardError, "");
   }
+  void expectWritten(const std::string& path, const std::string& text) { EXPECT_EQ(written[path], text); }
   void expectFindings(const std::string& text) { EXPECT_EQ(std::exchange(found, ""), text); }
   void expectMessages(const std::string& text) {
     const bool hasSummary = text.find("kiln-as: assembled ") != std::string::npos;
@@ -94,10 +97,11 @@ struct Examples {
       files[word == "file" ? argument : "main.asm"] = text;
     if (word == "kiln-as") assemble(argument);
     if (word == "kiln-check") check(argument);
+    if (word == "written") expectWritten(argument, text);
     if (word == "messages") expectMessages(text);
     if (word == "listing" && listing.find(text) == std::string::npos) ADD_FAILURE() << listing;
     EXPECT_EQ(hex(file), hex(word == "bytes" ? flatFile(data) : word == "image" ? bytes(data) : file));
-    const std::regex known("file|kiln-as|kiln-check|findings|messages|listing|bytes|image|text|sh|make|json");
+    const std::regex known("file|kiln-as|kiln-check|findings|written|messages|listing|bytes|image|text|sh|make|json");
     EXPECT_TRUE(files.empty() || std::regex_match(word, known)) << word;
   }
 };
