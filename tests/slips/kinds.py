@@ -90,7 +90,8 @@ def label_twice(role):
         labels = [other.statement for other in spot.all.get(role, ()) if other.file == spot.file]
         scoped = [label for label in labels if role == "label" or label.scope == spot.statement.scope]
         label = random.choice(scoped) if scoped else None
-        isElsewhere = label and not label.macro and label.line != spot.statement.line
+        beginsScope = role != "label" and spot.statement.scope == spot.statement.label
+        isElsewhere = label and not label.macro and label.line != spot.statement.line and not beginsScope
         return f"{label.label}:\n{text}" if isElsewhere else None
     return change
 
@@ -138,14 +139,14 @@ KINDS = [
     Kind("built-in name: a letter changed", "platform name", change_letter, "another built-in name"),
     Kind("built-in name: a letter lost", "platform name", lose_letter, "another built-in name"),
     Kind("name: the letter case changed", "name", change_case, "the name is found all the same"),
-    Kind("another name of the program", "name", another_of("name"), OTHER_NAME),
+    Kind("another name of the program", "name", another_of("name"), OTHER_NAME, traces=True),
     Kind("label: the colon lost", "label's colon", lose),
     Kind("label: the colon becomes a semicolon", "label's colon", by(";")),
     Kind("label: the colon doubled", "label's colon", double),
     Kind("label: the space after the colon lost", "label and space", sub(r"\s+$", ""), SAME),
     Kind("local label: the dot lost at its definition", "local label", sub(r"^\.", ""), UNUSED, traces=True),
     Kind("local label: the dot lost at its use", "local name", sub(r"^\.", ""), OTHER_NAME),
-    Kind("local label: the scope lost in a list", "scoped name", sub(r"^\w+", "")),
+    Kind("local label: the scope lost in a list", "scoped name in a list", sub(r"^\w+", "")),
     Kind("label: a dot added at its definition", "label", sub(r"^(?=\w)", "."), UNUSED, traces=True),
     Kind("label: a dot added at its use", "name", sub("^", "."), OTHER_NAME),
     Kind("local label: @ for the dot", "local label and its uses", sub(r"^\.", "@"), traces=True),

@@ -1,6 +1,6 @@
-# The language, read strictly: only what has one clear meaning is accepted. This decides whether a slip has made a program
-# that somebody may have meant. It shares no code with the assembler. It does not know which addressing modes exist: the
-# assembler rejects the others.
+# The language, read strictly: only what has one clear meaning is accepted. This decides whether a slip has made a
+# program that somebody may have meant. It shares no code with the assembler. It does not know which addressing modes
+# exist: the assembler rejects the others.
 import re
 from dataclasses import dataclass, field
 
@@ -191,7 +191,7 @@ class Reading:
         if word in LISTS:
             for item in filter(None, items(argument)):
                 self.check(statement, item, 1 << 8 * LISTS[word], isList=True)
-        elif word in RANGES and not re.fullmatch(f"{RANGE}(,{RANGE})*", argument):
+        elif word in RANGES and not re.fullmatch(f"{RANGE}(,+{RANGE})*", argument):
             self.trouble(place, "ranges")
         elif word in (".org", ".space", ".shadow_stage"):
             self.check(statement, argument, 0x10000)
@@ -221,11 +221,13 @@ class Reading:
             at = token.end()
         low = parts.pop(0) if parts and parts[0] in "<>" else ""
         expression = " ".join(parts)
-        if re.search(r"(?:^|[-+*/(]) *[-+]|[-+*/\d)] +[<>]|[\d)] +[\d(]", expression):  # signs, or no operator
+        if re.search(r"(?:^|[-+*/(]) *[-+]|[\d)] +[\d(<>]", expression):  # a sign, or no operator between two numbers
             return None
         try:
-            value = eval(re.sub(r"[<>] ([(\d])", r"255 & \1", expression).replace("/", "//"))
-        except (SyntaxError, TypeError, ZeroDivisionError):
+            value = eval(re.sub(r"[<>] (\d+)", r"(\1 & 255)", expression).replace("/", "//"))
+        except ZeroDivisionError:
+            value = 0
+        except (SyntaxError, TypeError):
             return None
         return value & 255 if low == "<" else value >> 8 & 255 if low else value
 

@@ -105,12 +105,16 @@ def role_of(reading, statement, token):
         return {"$": "hexadecimal number", "%": "binary number"}.get(token[0], others)
     if statement.macro and token in statement.macro.parameters or token.upper() in ("A", "X", "Y", "SP"):
         return ""
-    name = reading.real_name(token, statement.scope, statement.word.lower() in LISTS or statement.name)
-    if name is None:
+    isList = statement.word.lower() in LISTS
+    name = reading.real_name(token, statement.scope, isList or statement.name)
+    macro = reading.macros.get(statement.word)
+    if name is None or macro and token in reading.labels_of(macro, statement):
         return ""
     if name not in reading.names:
         return "platform name"
-    return "local name" if token[0] == "." else "scoped name" if "." in token else "name"
+    if "." in token[1:]:
+        return "scoped name in a list" if isList else ""
+    return "local name" if token[0] == "." else "name"
 
 
 # Lines, comments and whatever takes in several statements, as (role, spans).
