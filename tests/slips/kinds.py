@@ -102,6 +102,7 @@ OTHER_NAME = "another name of the program"
 OTHER_VALUE = "another value that fits"
 UNUSED = "nothing uses the name"
 SAME = "the same bytes"
+CARRIAGE_RETURNS = "\r\n"  # for every line feed of the file
 
 KINDS = [
     # Words
@@ -190,15 +191,15 @@ KINDS = [
     Kind("+ becomes |", "+", by("|")),
     Kind("+ becomes <<", "+", by("<<")),
     Kind("* for the current address", "target", by("*-3")),
-    Kind("quote lost", "quote", lose),
+    Kind("quote lost", "quote", lose, "the rest is a comment"),
     Kind("single quotes for a text", "text", sub('"(.*)"', r"'\1'"), "quotes are part of the text"),
     Kind("include: another name", "include's name", change_letter),
     # Blanks and whole lines
     Kind("separator: left space lost", "separator", by(": ")),
     Kind("separator: right space lost", "separator", by(" :")),
     Kind("separator: colon lost", "separator", by("   ")),
-    Kind("directive: a tab after it", "space after a directive", by("\t")),
-    Kind("directive: the space after it lost", "space after a directive", lose),
+    Kind("directive: a tab after it", "space after a directive", by("\t"), "the directive needs no space"),
+    Kind("directive: the space after it lost", "space after a directive", lose, "the directive needs no space"),
     Kind("mnemonic: a tab after it", "space after a mnemonic", by("\t"), SAME),
     Kind("mnemonic: the space after it lost", "space after a mnemonic", lose),
     Kind("indentation lost", "indentation", lose, SAME),
@@ -209,13 +210,13 @@ KINDS = [
     Kind("comment changed", "comment's text", lambda text, random, spot: change_letter(text + "e", random, spot), SAME),
     Kind("carriage return after a statement", "line without comment", sub("$", "\r")),
     Kind("carriage return after a comment", "line with comment", sub("$", "\r"), SAME),
-    Kind("carriage returns in the whole file", "file", lambda text, random, spot: "\r\n"),
+    Kind("carriage returns in the whole file", "file", by(CARRIAGE_RETURNS)),
     Kind("byte order mark", "file", by("\ufeff")),
     Kind("line of an instruction doubled", "line of an instruction", double, "another program"),
     Kind("line of an instruction removed", "line of an instruction", lose, "another program"),
     Kind("line of a definition doubled", "line of a definition", double, SAME),
     Kind(".org removed", "line of .org", lose, "the bytes continue", traces=True),
-    Kind("branch target out of reach", "branch line", sub("$", "\n        .space 200"), "it becomes a long branch"),
+    Kind("branch target out of reach", "branch line", sub("$", "\n        .space 130"), "it becomes a long branch"),
     # Macros
     Kind("macro call: an argument lost", "macro arguments", sub(r"(,|^)[^,]*$", "")),
     Kind("macro call: an argument more", "macro arguments", sub("$", ",1")),

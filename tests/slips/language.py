@@ -78,7 +78,7 @@ class Reading:
         self.statements, self.macros = [], {}
         self.names = {}  # of the program: name -> a list of (place, expression); None for a label
         self.given = dict(self.names_given(program))  # before the first line: name -> value
-        self.troubles = {}  # place -> what is wrong there
+        self.troubles = set()  # (place, what is wrong there)
         self.used = set()  # names
         self.read_statements(program)
         self.define_names()
@@ -88,7 +88,7 @@ class Reading:
 
     # Places are (file, line number).
     def trouble(self, place, text):
-        self.troubles.setdefault(place, text)
+        self.troubles.add((place, text))
 
     def names_given(self, program):
         words = program.options
@@ -165,9 +165,9 @@ class Reading:
                 self.trouble(place, "macro call")
         elif word.upper() in MNEMONICS:
             self.read_operand(statement)
-        elif word in DIRECTIVES and (word in BARE) == (statement.argument == "") and (statement.gap[:1] in ("", " ")):
+        elif word in DIRECTIVES and (word in BARE) == (statement.argument == "") and statement.gap[:1] in ("", " "):
             self.read_argument(statement, word)
-        elif word:
+        elif word and not re.match(r"\.cloaked_segment[\t$]", word + statement.gap):  # which needs no space
             self.trouble(place, f"unknown {word}")
 
     def read_operand(self, statement):
