@@ -97,7 +97,7 @@ inline constexpr std::array checkRows = {
     CheckRow{Check::CarriageReturn,     "carriage-return",     false, "Windows line ends, which spoil the last word of each line"},
     CheckRow{Check::ByteOrderMark,      "byte-order-mark",     false, "a byte order mark, which makes the first line vanish"},
     CheckRow{Check::IncludeCircle,      "include-circle",      false, "a file that includes itself"},
-    CheckRow{Check::IncludeElsewhere,   "include-elsewhere",   false, "an include found in another folder although the including file's own has one of that name elsewhere"},
+    CheckRow{Check::IncludeElsewhere,   "include-elsewhere",   false, "an include that is not the file of that name beside the including one"},
     CheckRow{Check::Vanished,           "vanished",            false, "a word that is no instruction, directive or macro"},
     CheckRow{Check::NoArgument,         "no-argument",         false, "a directive without its argument, which vanishes"},
     CheckRow{Check::TabAfterDirective,  "tab-after-directive", false, "a directive followed by a tab, which vanishes"},
@@ -136,7 +136,7 @@ inline constexpr std::array checkRows = {
     CheckRow{Check::MacroParameter,     "macro-parameter",     false, "a parameter that is replaced inside a longer word"},
     CheckRow{Check::MacroArguments,     "macro-arguments",     false, "a call with too few or too many arguments"},
     CheckRow{Check::MacroLabel,         "macro-label",         false, "a label in a macro that is called more than once"},
-    CheckRow{Check::MacroInMacro,       "macro-in-macro",      false, "a call, or an .include, in a macro: it vanishes"},
+    CheckRow{Check::MacroInMacro,       "macro-in-macro",      false, "a call, an .include or a .macro in a macro"},
     CheckRow{Check::MacroLine,          "macro-line",          false, "a macro call that shares its line with another statement"},
     CheckRow{Check::PastEnd,            "past-end",            false, "bytes that run past $FFFF"},
     CheckRow{Check::Overlap,            "overlap",             false, "two segments at the same addresses"},
@@ -157,7 +157,7 @@ inline constexpr std::array checkRows = {
     CheckRow{Check::FlatBank,           "flat-bank",           false, "a .bank without banked output"},
     CheckRow{Check::PortbRegister,      "portb-register",      false, "PORTB as a bank register"},
     CheckRow{Check::BankCount,          "bank-count",          false, "a bank whose number in the file differs from its __bank_ name"},
-    CheckRow{Check::Unreachable,        "unreachable",         true,  "code behind a JMP, RTS or RTI that no label leads to"},
+    CheckRow{Check::Unreachable,        "unreachable",         true,  "code after a JMP, RTS, RTI or BRA that no label leads to"},
     CheckRow{Check::Unused,             "unused",              true,  "a label that nothing uses"},
 };
 // clang-format on

@@ -25,12 +25,17 @@ class BodyChecker {
       : use_(use), body_(use.macro->body), after_(after), findings_(findings) {}
 
   void check() {
-    bool hasCode = false;
+    bool hasCode = false, hasEndWord = false;
     for (size_t i = 0; i < body_.size(); ++i) {
       const BodyLine line(body_[i].text);
       if (line.code.empty()) continue;
-      if (isEndWord(line.word)) reportEndWord(i, line);
-      if (line.word == use_.name() && mnemonicOf(line.word) == Mnemonic::None) return reportOwnCall(i, line);
+      if (isEndWord(line.word)) {
+        reportEndWord(i, line);
+        hasEndWord = true;
+      }
+      // All that follows is there by mistake.
+      if (hasEndWord) continue;
+      if (line.word == use_.name() && mnemonicOf(line.word) == Mnemonic::None) return reportOwnCall(line);
       if (equalIgnoringCase(line.word, ".org") && hasCode) checkOrigin(i, line);
       hasCode = true;
     }
@@ -45,16 +50,15 @@ class BodyChecker {
     if (taken.data() != nullptr) report.notes.emplace_back(taken, "this line belongs to the macro, too");
     if (trim(body_[index].text) == line.word) report.fix.emplace_back(body_[index].text, "");
     findings_.add(Check::MacroEnd, std::move(report));
-    findings_.explainText(body_[index].text);
+    taken.data() != nullptr ? explainBody() : findings_.explainText(body_[index].text);
   }
 
   // A macro cannot call itself, as nothing would end that.
-  void reportOwnCall(size_t index, const BodyLine& line) {
+  void reportOwnCall(const BodyLine& line) {
     findings_.add(Check::MacroEnd, {.at = line.word,
                                     .text = concat({"this call is a line of the macro '", use_.name(),
                                                     "' itself: leave a blank line above it to end the macro"})});
-    for (; index < body_.size(); ++index)
-      findings_.explainText(body_[index].text);
+    explainBody();
   }
 
   // A macro may well move to an address. But one that has code, then an address, and ends there, has taken in the first
@@ -72,6 +76,13 @@ class BodyChecker {
       report.fix.emplace_back(body_[index - 1].text, "");
     }
     findings_.add(Check::MacroEnd, std::move(report));
+    explainBody();
+  }
+
+  // What lines do that are in the wrong place says nothing.
+  void explainBody() {
+    const char* const end = body_.back().text.data() + body_.back().text.size();
+    findings_.explainText({body_.front().text.data(), static_cast<size_t>(end - body_.front().text.data())});
   }
 
   // The code of the next line that has any; null data without one.

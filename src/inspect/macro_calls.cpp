@@ -1,7 +1,6 @@
 #include "inspect/macro_calls.h"
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 #include "base/format.h"
@@ -13,9 +12,6 @@ namespace {
 constexpr std::string_view separator = " : ";
 constexpr std::string_view newLine = "\n        ";
 
-// More parameters than that are not compared with each other, nor with all words of the body.
-constexpr size_t mostCompared = 16;
-
 std::string_view between(const char* begin, const char* end) { return {begin, static_cast<size_t>(end - begin)}; }
 
 std::string_view endOf(std::string_view text) { return text.substr(text.size()); }
@@ -25,9 +21,9 @@ bool isHexNumber(std::string_view line, std::string_view word) {
   return hasSign && word.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
 }
 
-bool isWholeStatement(const Macro& macro) {
-  return std::any_of(macro.body.begin(), macro.body.end(), [&macro](const Macro::Line& line) {
-    const auto& parameters = macro.parameters;
+bool isWholeStatement(const MacroUse& use) {
+  return std::ranges::any_of(use.macro->body, [&use](const Macro::Line& line) {
+    const auto parameters = use.parameters();
     return std::find(parameters.begin(), parameters.end(), BodyLine(line.text).code) != parameters.end();
   });
 }
@@ -117,7 +113,7 @@ bool MacroCalls::checkStatements(const Call& call) {
   size_t at = arguments.starts_with(trimLeft(separator)) ? 0 : arguments.find(separator);
   if (at == std::string_view::npos) return false;
   const auto quotes = std::count(arguments.data(), arguments.data() + at, '"');
-  if (quotes % 2 != 0 || isWholeStatement(*call.use.macro)) return false;
+  if (quotes % 2 != 0 || isWholeStatement(call.use)) return false;
   const std::string_view end = trimRight(arguments.substr(0, at));
   const std::string_view statement = trimLeft(arguments.substr(arguments.find(':', at) + 1));
   const std::string_view name = withoutLabel(call.noted, call.use.name()).substr(0, call.use.name().size());
@@ -156,14 +152,13 @@ void MacroCalls::checkMissing(const Call& call, const Traits& traits) {
   findings_.add(Check::MacroArguments, {.at = withoutLabel(call.noted, call.use.name()),
                                         .text = concat({countsOf(call), ": '", parameter, "' stays as it is"}),
                                         .notes = {{call.use.macro->head, "the macro begins here"}}});
-  const auto end = first + std::min<std::ptrdiff_t>(traits.used.end() - first, mostCompared);
-  for (auto index = first; index != end; ++index)
+  for (auto index = first; index != traits.used.end(); ++index)
     explainIn(call, call.use.macro->parameters[*index]);
 }
 
 void MacroCalls::checkEmpty(const Call& call) {
   const Macro& macro = *call.use.macro;
-  for (size_t i = 0; i < std::min({arguments_.size(), macro.parameters.size(), mostCompared}); ++i) {
+  for (size_t i = 0; i < std::min(arguments_.size(), call.use.parameters().size()); ++i) {
     const std::string_view parameter = macro.parameters[i];
     const auto needsThis = [parameter](const Macro::Line& line) { return needsNumber(line.text, parameter); };
     if (!arguments_[i].empty() || std::none_of(macro.body.begin(), macro.body.end(), needsThis)) continue;
@@ -188,8 +183,8 @@ void MacroCalls::explainIn(const Call& call, std::string_view parameter) {
 // The text with the arguments of the parameters from one on, as the call replaces them.
 std::string MacroCalls::replaced(const Call& call, std::string_view text, size_t firstParameter) const {
   std::string result(text);
-  const std::vector<std::string_view>& parameters = call.use.macro->parameters;
-  for (size_t i = firstParameter; i < std::min({parameters.size(), arguments_.size(), mostCompared}); ++i) {
+  const auto parameters = call.use.parameters();
+  for (size_t i = firstParameter; i < std::min(parameters.size(), arguments_.size()); ++i) {
     for (size_t at = result.find(parameters[i]); at != std::string::npos;
          at = result.find(parameters[i], at + arguments_[i].size())) {
       result.replace(at, parameters[i].size(), arguments_[i]);
@@ -201,13 +196,13 @@ std::string MacroCalls::replaced(const Call& call, std::string_view text, size_t
 // An argument with the letters of a later parameter.
 void MacroCalls::checkNested(const Call& call) {
   const Macro& macro = *call.use.macro;
-  const size_t count = std::min({macro.parameters.size(), arguments_.size(), mostCompared});
-  for (size_t i = 0; i + 1 < count; ++i) {
-    const std::string_view argument = arguments_[i], parameter = macro.parameters[i];
+  const auto parameters = call.use.parameters().first(std::min(call.use.parameters().size(), arguments_.size()));
+  for (size_t i = 0; i + 1 < parameters.size(); ++i) {
+    const std::string_view argument = arguments_[i], parameter = parameters[i];
     const auto isIn = [argument](std::string_view later) { return argument.find(later) != std::string_view::npos; };
-    const auto end = macro.parameters.begin() + static_cast<std::ptrdiff_t>(count);
-    const auto later = std::find_if(end - static_cast<std::ptrdiff_t>(count - i - 1), end, isIn);
-    if (later == end) continue;
+    const auto after = parameters.subspan(i + 1);
+    const auto later = std::find_if(after.begin(), after.end(), isIn);
+    if (later == after.end()) continue;
     const std::string result = replaced(call, argument, i + 1);
     const auto has = [parameter](const Macro::Line& line) { return line.text.find(parameter) != std::string::npos; };
     if (result == argument || std::none_of(macro.body.begin(), macro.body.end(), has)) continue;
@@ -232,18 +227,18 @@ MacroCalls::Traits& MacroCalls::traitsOf(const MacroUse& use, size_t index) {
 
 // Which parameters are whole words of the body. One whose name has a value elsewhere has that by default.
 std::vector<bool> MacroCalls::findUsed(const MacroUse& use, Traits& traits) const {
-  const std::vector<std::string_view>& parameters = use.macro->parameters;
-  std::unordered_map<std::string_view, size_t> indices;
-  for (size_t i = 0; i < parameters.size(); ++i)
-    indices.try_emplace(parameters[i], i);
+  const auto parameters = use.parameters();
   std::vector<bool> isWhole(parameters.size()), isLabel(parameters.size());
+  const auto mark = [parameters](std::string_view word, std::vector<bool>& marks) {
+    const auto found = std::find(parameters.begin(), parameters.end(), word);
+    if (found != parameters.end()) marks[static_cast<size_t>(found - parameters.begin())] = true;
+  };
   for (const Macro::Line& line : use.macro->body) {
     const BodyLine parsed(line.text);
     std::string_view rest = parsed.code;
-    for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
-      if (const auto found = indices.find(word); found != indices.end()) isWhole[found->second] = true;
-    }
-    if (const auto found = indices.find(parsed.label); found != indices.end()) isLabel[found->second] = true;
+    for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest))
+      mark(word, isWhole);
+    mark(parsed.label, isLabel);
   }
   for (size_t i = 0; i < parameters.size(); ++i) {
     if (isWhole[i] && (isLabel[i] || !meansSomething(program_, parameters[i]))) traits.used.push_back(i);
@@ -252,13 +247,13 @@ std::vector<bool> MacroCalls::findUsed(const MacroUse& use, Traits& traits) cons
 }
 
 void MacroCalls::findInners(const MacroUse& use, const std::vector<bool>& isWhole, Traits& traits) const {
-  const std::vector<std::string_view>& parameters = use.macro->parameters;
+  const auto parameters = use.parameters();
   for (const Macro::Line& line : use.macro->body) {
     const BodyLine parsed(line.text);
     if (equalIgnoringCase(parsed.word, ".string")) continue;
     std::string_view rest = parsed.code;
     for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
-      for (size_t i = 0; i < std::min(parameters.size(), mostCompared); ++i) {
+      for (size_t i = 0; i < parameters.size(); ++i) {
         const bool isInner = word != parameters[i] && word.find(parameters[i]) != std::string_view::npos;
         if (!isInner) continue;
         const bool isNumber = isHexNumber(parsed.code, word);

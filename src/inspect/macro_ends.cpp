@@ -50,42 +50,57 @@ void MacroEnds::check(const MacroUse& use) {
   const bool isNested = !line.empty() && isBlank(line.front());
   if (isNested) return checkNested(use, line);
   if (!findings_.wants(Check::MacroEnd)) return;
-  collectParameters(*use.macro);
+  collectParameters(use);
   isBlankOrComment(line) ? checkGap(use, line, lines) : checkStatement(use, line);
 }
 
 // Parameters whose names mean something outside of the macro as well are no sign of its body.
-void MacroEnds::collectParameters(const Macro& macro) {
+void MacroEnds::collectParameters(const MacroUse& use) {
   parameters_.clear();
-  for (std::string_view parameter : macro.parameters) {
-    if (!meansSomething(program_, parameter)) parameters_.insert(parameter);
+  for (std::string_view parameter : use.parameters()) {
+    if (!meansSomething(program_, parameter)) parameters_.push_back(parameter);
   }
 }
 
+bool MacroEnds::isParameter(std::string_view word) const {
+  return std::find(parameters_.begin(), parameters_.end(), word) != parameters_.end();
+}
+
 std::string_view MacroEnds::unknownParameterIn(std::string_view code) const {
+  code = code.substr(0, code.find('"'));
   for (std::string_view word = takeNameLike(code); !word.empty(); word = takeNameLike(code)) {
-    if (parameters_.contains(word)) return word;
+    if (isParameter(word)) return word;
   }
   return {};
 }
 
-void MacroEnds::explainParameters(std::string_view code) {
-  for (std::string_view word = takeNameLike(code); !word.empty(); word = takeNameLike(code)) {
-    if (!parameters_.contains(word)) continue;
-    findings_.explainText(word);
-    findings_.explain(concat({"undefined symbol '", word, "', using 0"}));
+// What is left of the macro's body, up to the last line with a parameter: it is no program of its own.
+void MacroEnds::explainLeft(const MacroUse& use, std::string_view left) {
+  const SourceNotes::File* const file = program_.map->fileOf(left);
+  TextLines lines(file->text.substr(static_cast<size_t>(left.data() - file->text.data())));
+  size_t size = left.size();
+  for (std::string_view line = lines.next(); line.data() != nullptr; line = lines.next()) {
+    const BodyLine parsed(line);
+    const bool isIndented = isBlankOrComment(line) || isBlank(line.front()) || isInstruction(parsed);
+    if (line.data() != left.data() && (!isIndented || startsAnew(parsed, use.name()))) break;
+    std::string_view code = parsed.code;
+    for (std::string_view word = takeNameLike(code); !word.empty(); word = takeNameLike(code)) {
+      if (!isParameter(word)) continue;
+      findings_.explain(concat({"undefined symbol '", word, "', using 0"}));
+      size = static_cast<size_t>(parsed.code.data() + parsed.code.size() - left.data());
+    }
   }
+  findings_.explainText({left.data(), size});
 }
 
 // A line with a statement that is not indented.
 void MacroEnds::checkStatement(const MacroUse& use, std::string_view line) {
   const BodyLine parsed(line);
   std::string_view parameter = unknownParameterIn(parsed.code);
-  const auto& parameters = use.macro->parameters;
-  const bool isLabel =
-      !parsed.label.empty() && std::find(parameters.begin(), parameters.end(), parsed.label) != parameters.end();
-  if (isLabel) parameter = parsed.label;
-  const bool isLost = isAtMargin(line) && isOnlyOneAtMargin(line);
+  // The label has given the name a value.
+  const auto parameters = use.parameters();
+  if (std::find(parameters.begin(), parameters.end(), parsed.label) != parameters.end()) parameter = parsed.label;
+  const bool isLost = isAtMargin(line) && isOutdented(line);
   if (parameter.empty() && !isLost) return;
   Findings::Report report{
       .at = parsed.code,
@@ -93,11 +108,11 @@ void MacroEnds::checkStatement(const MacroUse& use, std::string_view line) {
       .fix = {{line.substr(0, 0), std::string(indentation)}}};
   if (!parameter.empty()) report.notes.emplace_back(parameter, concat({"'", parameter, "' is its parameter"}));
   findings_.add(Check::MacroEnd, std::move(report));
-  explainParameters(parsed.code);
+  explainLeft(use, parsed.code);
 }
 
-// True when all instructions of the file are indented but for those from this line on.
-bool MacroEnds::isOnlyOneAtMargin(std::string_view line) {
+// True when these are the only instructions of the file that are not indented: the line, and those directly below it.
+bool MacroEnds::isOutdented(std::string_view line) {
   const SourceNotes::File* const file = program_.map->fileOf(line);
   const auto [counted, isNew] = atMargin_.try_emplace(file, 0);
   if (isNew) {
@@ -105,11 +120,14 @@ bool MacroEnds::isOnlyOneAtMargin(std::string_view line) {
     for (std::string_view each = lines.next(); each.data() != nullptr; each = lines.next())
       counted->second += isAtMargin(each) ? 1 : 0;
   }
-  TextLines run(file->text.substr(static_cast<size_t>(line.data() - file->text.data())));
+  TextLines lines(file->text.substr(static_cast<size_t>(line.data() - file->text.data())));
   size_t count = 0;
-  while (isAtMargin(run.next()))
+  for (line = lines.next(); isAtMargin(line); line = lines.next())
     ++count;
-  return counted->second == count;
+  if (count != counted->second) return false;
+  while (line.data() != nullptr && !isInstruction(BodyLine(line)))
+    line = lines.next();
+  return line.data() != nullptr;
 }
 
 // An indented .macro, which ends the macro, too. It may be as good as one at the margin.
@@ -135,12 +153,18 @@ void MacroEnds::checkGap(const MacroUse& use, std::string_view line, TextLines l
     if (!isBlank(line.front()) || startsAnew(parsed, use.name())) break;
     if (parsed.code.empty()) continue;
     if (left.empty()) left = parsed.code;
-    if (parameter.empty()) parameter = unknownParameterIn(parsed.code);
-    if (!parameter.empty()) explainParameters(parsed.code);
+    parameter = unknownParameterIn(parsed.code);
+    if (!parameter.empty()) break;
   }
-  if (!parameter.empty()) return report(end, parameter, concat({"'", parameter, "' is its parameter"}));
+  if (!parameter.empty()) {
+    report(end, parameter, concat({"'", parameter, "' is its parameter"}));
+    return explainLeft(use, left);
+  }
   if (left.empty() || !isInstruction(BodyLine(left))) return;
-  if (use.macro->body.empty() && use.calls != 0) return report(end, left, "this line does not belong to it");
+  if (use.macro->body.empty() && use.calls != 0) {
+    report(end, left, "this line does not belong to it");
+    return explainLeft(use, left);
+  }
   left_.try_emplace(left.data(), std::move(end));
 }
 

@@ -3,7 +3,6 @@
 
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "inspect/findings.h"
@@ -36,16 +35,17 @@ class MacroEnds {
   void checkGap(const MacroUse& use, std::string_view line, TextLines lines);
   void findLeft(const Statement& statement);
 
-  void collectParameters(const Macro& macro);
+  void collectParameters(const MacroUse& use);
+  bool isParameter(std::string_view word) const;
   std::string_view unknownParameterIn(std::string_view code) const;
-  void explainParameters(std::string_view code);
-  bool isOnlyOneAtMargin(std::string_view line);
+  void explainLeft(const MacroUse& use, std::string_view left);
+  bool isOutdented(std::string_view line);
   bool hasOrigin() const;
   void report(const End& end, std::string_view left, std::string_view reason);
 
   const Program& program_;
   Findings& findings_;
-  std::unordered_set<std::string_view> parameters_;                // of the macro in question
+  std::vector<std::string_view> parameters_;                       // of the macro in question
   std::unordered_map<const char*, End> left_;                      // by the begin of the first statement after the end
   std::unordered_map<const SourceNotes::File*, size_t> atMargin_;  // instructions that are not indented
   bool isReached_ = false;  // the next statement, by a label or from the one before it

@@ -57,7 +57,14 @@ void MacroLabels::visitLocal(const Statement& statement) {
   if (!locals_.contains(statement.label)) return;
   const SourceNotes::Made* const made = program_.map->madeLine(statement.label);
   Label* const label = labelOf(made);
-  if (label == nullptr || names_.insert(statement.symbol.text()).second) return;
+  const SymbolTable& symbols = program_.iteration().symbols;
+  const Symbol* const symbol = symbols.find(statement.symbol.text(), statement.symbol.hash());
+  if (label == nullptr || symbol == nullptr) return;
+  isMet_.resize(symbols.symbols().size());
+  if (!isMet_[symbol->index]) {
+    isMet_[symbol->index] = true;
+    return;
+  }
   report(*label, statement.label, false);
 }
 

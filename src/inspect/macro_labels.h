@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "inspect/findings.h"
 #include "inspect/macro_uses.h"
@@ -38,9 +39,9 @@ class MacroLabels {
 
   const Program& program_;
   Findings& findings_;
-  std::unordered_map<const char*, Label> labels_;         // by the begin of the line of the body
-  std::unordered_set<std::string_view> locals_;           // those of them that are local, as written
-  std::unordered_set<std::string_view, NameHash> names_;  // the real names of the local ones met so far
+  std::unordered_map<const char*, Label> labels_;  // by the begin of the line of the body
+  std::unordered_set<std::string_view> locals_;    // those of them that are local, as written
+  std::vector<bool> isMet_;                        // for each symbol: a local one of them has been met so far
 };
 
 }  // namespace kiln

@@ -10,9 +10,6 @@
 namespace kiln {
 namespace {
 
-// More parameters than that are seen in torture tests only.
-constexpr size_t mostParameters = 32;
-
 constexpr std::array<std::string_view, 4> registers = {"a", "x", "y", "sp"};
 
 bool joins(char a, char b) { return isWordCharacter(a) && isWordCharacter(b); }
@@ -86,10 +83,8 @@ std::string_view MacroUse::name() const {
 }
 
 bool MacroUse::mayReplaceIn(std::string_view text) const {
-  const auto& all = macro->parameters;
-  const auto end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostParameters));
-  return std::any_of(all.begin(), end,
-                     [text](std::string_view parameter) { return text.find(parameter) != std::string_view::npos; });
+  return std::ranges::any_of(
+      parameters(), [text](std::string_view parameter) { return text.find(parameter) != std::string_view::npos; });
 }
 
 MacroUses::MacroUses(const SourceNotes& notes) {

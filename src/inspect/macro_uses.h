@@ -1,7 +1,9 @@
 // The macros of a program beside their calls, and the words in their lines.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -51,7 +53,11 @@ TextLines linesAfter(const Macro& macro, const SourceMap& map);
 // A definition of a macro, and how often it is called.
 struct MacroUse {
   std::string_view name() const;
-  // True when the text has a parameter's letters anywhere. Of many parameters only the first ones are looked for.
+  // The first ones: more than that are seen in torture tests only.
+  std::span<const std::string_view> parameters() const {
+    return std::span(macro->parameters).first(std::min<size_t>(macro->parameters.size(), 32));
+  }
+  // True when the text has a parameter's letters anywhere.
   bool mayReplaceIn(std::string_view text) const;
 
   const Macro* macro = nullptr;

@@ -22,12 +22,6 @@ SourceMap::SourceMap(const SourceNotes& notes) : notes_(&notes) {
     files_.push_back({&file, byPath.try_emplace(file.path, &file).first->second, {}});
   std::sort(files_.begin(), files_.end(),
             [](const FileLines& a, const FileLines& b) { return isBefore(a.file->text.data(), b.file->text.data()); });
-  made_.reserve(notes.made.size());
-  for (const SourceNotes::Made& made : notes.made)
-    made_.push_back(&made);
-  std::stable_sort(made_.begin(), made_.end(), [](const SourceNotes::Made* a, const SourceNotes::Made* b) {
-    return isBefore(a->text.data(), b->text.data());
-  });
 }
 
 const SourceMap::FileLines* SourceMap::fileWith(const char* at) const {
@@ -64,11 +58,22 @@ Place SourceMap::placeOf(std::string_view text) const {
   return {lines->named, static_cast<uint32_t>(line), column, column + width};
 }
 
+const std::vector<const SourceNotes::Made*>& SourceMap::made() const {
+  if (!made_.empty()) return made_;
+  made_.reserve(notes_->made.size());
+  for (const SourceNotes::Made& made : notes_->made)
+    made_.push_back(&made);
+  std::stable_sort(made_.begin(), made_.end(), [](const SourceNotes::Made* a, const SourceNotes::Made* b) {
+    return isBefore(a->text.data(), b->text.data());
+  });
+  return made_;
+}
+
 const SourceNotes::Made* SourceMap::madeLine(std::string_view text) const {
   if (text.data() == nullptr || fileWith(text.data()) != nullptr) return nullptr;
-  auto after = std::upper_bound(made_.begin(), made_.end(), text.data(),
+  auto after = std::upper_bound(made().begin(), made().end(), text.data(),
                                 [](const char* a, const auto* made) { return isBefore(a, made->text.data()); });
-  if (after == made_.begin()) return nullptr;
+  if (after == made().begin()) return nullptr;
   const SourceNotes::Made* const made = *std::prev(after);
   return isIn(text.data(), made->text) ? made : nullptr;
 }

@@ -45,11 +45,12 @@ class SourceMap {
   };
 
   const FileLines* fileWith(const char* at) const;
+  const std::vector<const SourceNotes::Made*>& made() const;
   static const std::vector<uint32_t>& startsOf(const FileLines& lines);
 
   const SourceNotes* notes_;
-  std::vector<FileLines> files_;                // by address
-  std::vector<const SourceNotes::Made*> made_;  // likewise
+  std::vector<FileLines> files_;                        // by address
+  mutable std::vector<const SourceNotes::Made*> made_;  // likewise; filled on first need
 };
 
 }  // namespace kiln
