@@ -137,15 +137,14 @@ void Emission::emitItemsOf(const AsLine& line) {
   const bool digitsMayBeNames = iteration_.symbols.hasDigitNames();
   DataItems items(line.operand());
   while (true) {
-    int64_t value = items.takeHexOf<2 * ItemSize>();
-    if (value < 0 && !digitsMayBeNames) value = items.takeLiteral();
-    if (value < 0) {
-      const std::optional<std::string_view> item = items.next();
-      if (!item.has_value()) return;
-      value = iteration_.evaluator.evaluate(*item);
-    }
-    for (size_t i = 0; i < ItemSize; ++i)
-      *to++ = static_cast<uint8_t>(static_cast<uint64_t>(value) >> 8 * i & 0xFF);
+    uint8_t* const before = to;
+    items.skipBlanks();
+    to = items.takeHex<ItemSize>(to);
+    if (!digitsMayBeNames) to = items.takeDecimals<ItemSize>(to);
+    if (to != before) continue;
+    const std::optional<std::string_view> item = items.next();
+    if (!item.has_value()) return;
+    to = writeLow<ItemSize>(static_cast<uint64_t>(iteration_.evaluator.evaluate(*item)), to);
   }
 }
 
