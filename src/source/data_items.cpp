@@ -1,7 +1,5 @@
 #include "source/data_items.h"
 
-#include <bit>
-
 #include "base/byte_block.h"
 
 namespace kiln {
@@ -26,10 +24,10 @@ uint32_t countItems(std::string_view list) {
     const ByteBlock<4> block(list.data() + at);
     const uint64_t inList = lowestBits(list.size() - at);
     const uint64_t commas = block.equalTo(',') & inList;
-    const uint64_t isGap = (commas | block.equalTo(' ') | block.equalTo('\t')) & inList;
+    const uint64_t isGap = block.equalTo(',', ' ', '\t') & inList;
     gaps |= (commas << 1 | comesAfterComma) & isGap;
     comesAfterComma = commas >> 63;
-    count += static_cast<uint32_t>(std::popcount(commas));
+    count += countBits(commas);
   }
   return gaps == 0 ? count : walkItems(DataItems(list));
 }

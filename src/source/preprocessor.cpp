@@ -17,7 +17,6 @@
 #include "source/preprocessor.h"
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
 #include "base/byte_block.h"
@@ -59,7 +58,7 @@ size_t countLineEnds(std::string_view text) {
   size_t count = 0;
   for (size_t at = 0; at < text.size(); at += 64) {
     const uint64_t ends = ByteBlock<4>(text.data() + at).equalTo('\n') & lowestBits(text.size() - at);
-    count += static_cast<size_t>(std::popcount(ends));
+    count += countBits(ends);
   }
   return count;
 }
