@@ -20,8 +20,8 @@ constexpr std::array<uint8_t, 256> makeSpecials() {
   specials['='] = Equals;
   specials[','] = Comma;
   specials['.'] = Dot;
-  specials[' '] = Space;
-  specials['\t'] = Tab;
+  specials[' '] = Blank;
+  specials['\t'] = Blank;
   return specials;
 }
 
@@ -39,8 +39,7 @@ bool isPlain(std::string_view line) {
     uint64_t found = 0;
     for (size_t at = 0; at < line.size(); at += 64) {
       const ByteBlock<4> block(line.data() + at);
-      const uint64_t all = block.equalTo('"') | block.equalTo(';') | block.equalTo(':') | block.equalTo('=');
-      found |= all & lowestBits(line.size() - at);
+      found |= block.equalTo('"', ';', ':', '=') & lowestBits(line.size() - at);
     }
     return found == 0;
   } else {
@@ -87,20 +86,17 @@ bool LineShape::lookAtOnce(std::string_view line) {
   const uint64_t semicolons = block.equalTo(';') & inLine;
   const uint64_t inCode = semicolons == 0 ? inLine : (semicolons & -semicolons) - 1;
   masked_ = line.data();
-  masks_ = {.spaces = block.equalTo(' '),
-            .tabs = block.equalTo('\t'),
-            .colons = block.equalTo(':') & inCode,
-            .equals = block.equalTo('=') & inCode,
-            .commas = block.equalTo(','),
-            .dots = block.equalTo('.') & inCode};
-  const uint64_t text = ~(masks_.spaces | masks_.tabs) & inCode;
+  blanks_ = block.equalTo(' ', '\t');
+  commas_ = block.equalTo(',');
+  const uint64_t text = ~blanks_ & inCode;
   if (text != 0) {
     const size_t begin = static_cast<size_t>(std::countr_zero(text));
     code_ = line.substr(begin, 64 - static_cast<size_t>(std::countl_zero(text)) - begin);
   }
-  splits_ = (masks_.colons & masks_.spaces << 1) != 0;
-  specials_ = static_cast<uint8_t>((masks_.colons != 0 ? Colon : 0) | (masks_.equals != 0 ? Equals : 0) |
-                                   (masks_.dots != 0 ? Dot : 0));
+  const uint64_t colons = block.equalTo(':') & inCode;
+  splits_ = (colons & blanks_ << 1) != 0;
+  specials_ = static_cast<uint8_t>((colons != 0 ? Colon : 0) | ((block.equalTo('=') & inCode) != 0 ? Equals : 0) |
+                                   ((block.equalTo('.') & inCode) != 0 ? Dot : 0));
   marked_ = semicolons != 0 && hasMark(line);
   return true;
 }
@@ -116,7 +112,7 @@ void LineShape::walk(std::string_view line) {
     specials_ |= special;
     if ((special & (Quote | Semicolon | Colon)) == 0) continue;
     if (special == Quote) quoted = !quoted;
-    if (special == Colon) splits_ = splits_ || (i > 0 && line[i - 1] == ' ');
+    if (special == Colon) splits_ = splits_ || (i > 0 && isBlank(line[i - 1]));
     if (special == Semicolon && !quoted) {
       end = i;
       break;
@@ -135,8 +131,7 @@ uint8_t LineShape::specialsIn(std::string_view part) const {
     return all;
   }
   const uint64_t in = lowestBits(part.size()) << (part.data() - masked_);
-  return static_cast<uint8_t>(((masks_.spaces & in) != 0 ? Space : 0) | ((masks_.tabs & in) != 0 ? Tab : 0) |
-                              ((masks_.commas & in) != 0 ? Comma : 0));
+  return static_cast<uint8_t>(((blanks_ & in) != 0 ? Blank : 0) | ((commas_ & in) != 0 ? Comma : 0));
 }
 
 std::optional<std::string_view> StatementTexts::next() {

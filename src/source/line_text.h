@@ -11,7 +11,7 @@ namespace kiln {
 std::string_view withoutComment(std::string_view line);
 
 // Characters with a meaning of their own, before anything else is known about a line or an operand.
-enum Special : uint8_t { Quote = 1, Semicolon = 2, Colon = 4, Equals = 8, Comma = 16, Dot = 32, Space = 64, Tab = 128 };
+enum Special : uint8_t { Quote = 1, Semicolon = 2, Colon = 4, Equals = 8, Comma = 16, Dot = 32, Blank = 64 };
 
 // What one look at a physical line finds out.
 class LineShape {
@@ -24,20 +24,10 @@ class LineShape {
   bool splits() const { return splits_; }                     // it may be more than one statement
   bool marked() const { return marked_; }                     // the long-branch rewriter wrote it
 
-  // Which of Space, Tab and Comma a part of the code has; other bits mean nothing.
+  // Which of Blank and Comma a part of the code has; other bits mean nothing.
   uint8_t specialsIn(std::string_view part) const;
 
  private:
-  // One bit for each of the line's first 64 bytes that is the character, the first byte's at the lower end.
-  struct Masks {
-    uint64_t spaces;
-    uint64_t tabs;
-    uint64_t colons;
-    uint64_t equals;
-    uint64_t commas;
-    uint64_t dots;
-  };
-
   template <int Parts>
   bool lookAtOnce(std::string_view line);
   void walk(std::string_view line);
@@ -46,8 +36,10 @@ class LineShape {
   uint8_t specials_ = 0;
   bool splits_ = false;
   bool marked_ = false;
-  const char* masked_ = nullptr;  // the line that has masks; null when it has none
-  Masks masks_;
+  const char* masked_ = nullptr;  // the line, when there are masks of it, else null
+  // One bit for each of its first 64 bytes that is the character, the first byte's at the lower end.
+  uint64_t blanks_;
+  uint64_t commas_;
 };
 
 // Follows the instructions that the long-branch rewriter writes.

@@ -124,7 +124,7 @@ void StatementParser::parseInstruction(std::string_view text, const LineShape& s
 }
 
 void StatementParser::parseOperand(std::string_view words, uint8_t specials, AsLine& line) {
-  const bool hasBlanks = (specials & (Space | Tab)) != 0;
+  const bool hasBlanks = (specials & Blank) != 0;
   const bool hasComma = (specials & Comma) != 0;
   const std::string_view operand = hasBlanks ? joinWords(words) : words;
   if (operand.size() == 1 && toUpper(operand.front()) == 'A') {
