@@ -44,7 +44,7 @@ class ByteBlock {
 };
 
 // The number of bits that are set. std::popcount() is a call on processors that may lack an instruction for it, which
-// is slower (2 % of the time of a source of data lists).
+// is slower (2 % of the instructions for a source of data lists).
 constexpr uint32_t countBits(uint64_t bits) {
   bits -= bits >> 1 & 0x5555555555555555;
   bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
