@@ -3,6 +3,7 @@
 #include "base/format.h"
 #include "base/text.h"
 #include "source/data_items.h"
+#include "source/literals.h"
 #include "source/statements.h"
 
 namespace kiln {
@@ -74,11 +75,8 @@ const std::vector<std::string_view>& ExpressionNames::of(const AsLine& line) {
 
 void ExpressionNames::addItems(std::string_view list) {
   DataItems items(list);
-  while (true) {
-    if (items.takeLiteral() >= 0) continue;
-    const std::optional<std::string_view> item = items.next();
-    if (!item.has_value()) return;
-    evaluator_.evaluate(*item);
+  while (const std::optional<std::string_view> item = items.next()) {
+    if (parsePlainLiteral(*item) < 0) evaluator_.evaluate(*item);
   }
 }
 

@@ -134,14 +134,9 @@ void ValueChecks::visitItems(const Statement& statement) {
   const int64_t most = (int64_t{1} << 8 * bytes) - 1;
   const bool digitsMayBeNames = symbols_.hasDigitNames();
   DataItems items(statement.parsed->operand());
-  while (true) {
-    DataItems before = items;
-    const int64_t literal = digitsMayBeNames ? -1 : items.takeLiteral();
-    if (literal >= 0 && literal <= most) continue;
-    const std::optional<std::string_view> item = before.next();
-    if (!item.has_value()) return;
-    visitItem(statement, *item, bytes);
-    items = before;
+  while (const std::optional<std::string_view> item = items.next()) {
+    const int64_t literal = digitsMayBeNames ? -1 : parsePlainLiteral(*item);
+    if (literal < 0 || literal > most) visitItem(statement, *item, bytes);
   }
 }
 
