@@ -153,9 +153,10 @@ TEST(CheckLines, GivesEditsThatMendTheLine) {
 }
 
 TEST(CheckLines, ExplainsWhatTheAssemblerSaysOfTheLine) {
-  expectFindings({.source = "        LDA #1:STA $10\n        LDA #1:STA $11\n"}, {"1:15 separator", "2:15 separator"});
-  expectFindings({.source = "start:  TXA :PHA\n"}, {"1:13 separator"});
-  EXPECT_EQ(findingTextsIn({.source = "        .byte \"A\"\n", .options = "-Wno-text-in-list"}),
+  expectFindings({.source = program("        LDA #1:STA $10\n        LDA #1:STA $11")},
+                 {"2:15 separator", "3:15 separator"});
+  expectFindings({.source = program("start:  TXA :PHA")}, {"2:13 separator"});
+  EXPECT_EQ(findingTextsIn({.source = program("        .byte \"A\""), .options = "-Wno-text-in-list"}),
             std::vector<std::string>{"undefined symbol '\"A\"', using 0"});
 }
 
@@ -173,7 +174,7 @@ TEST(CheckFiles, CountSpoiledLines) {
 
 TEST(CheckFiles, ReportAByteOrderMarkWhereItDoesHarm) {
   const std::string mark = "\xEF\xBB\xBF";
-  expectFindings({.source = mark + "        .org $2000\n        NOP\n"}, {"1:1 byte-order-mark"});
+  expectFindings({.source = mark + "speed = 5\n        .org $2000\n        NOP\n"}, {"1:1 byte-order-mark"});
   expectFindings({.source = mark + "; a comment\n        .org $2000\n        NOP\n"});
   EXPECT_EQ(fixedSource({.source = mark + "        NOP\n"}), "        NOP\n");
 }
