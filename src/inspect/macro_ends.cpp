@@ -96,6 +96,7 @@ void MacroEnds::explainLeft(const MacroUse& use, std::string_view left) {
 // A line with a statement that is not indented.
 void MacroEnds::checkStatement(const MacroUse& use, std::string_view line) {
   const BodyLine parsed(line);
+  if (startsAnew(parsed, use.name())) return;
   std::string_view parameter = unknownParameterIn(parsed.code);
   // The label has given the name a value.
   const auto parameters = use.parameters();
