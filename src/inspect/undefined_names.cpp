@@ -16,11 +16,23 @@ constexpr size_t mostChanges = 2;  // that NearNames accepts
 
 std::string quoted(std::string_view text) { return concat({"'", text, "'"}); }
 
-// The name that a statement defines, as written: its label, or what it assigns to.
+// The name that a statement defines, as its uses in the same scope are written: the label, or what it assigns to.
 std::string_view definedName(std::string_view statement) {
   const size_t end = statement.find_first_of(":=");
-  return beginsLikeLabel(statement) && end != std::string_view::npos ? trim(statement.substr(0, end))
-                                                                     : std::string_view();
+  if (!beginsLikeLabel(statement) || end == std::string_view::npos) return {};
+  const std::string_view name = trim(statement.substr(0, end));
+  return name.starts_with('>') ? name.substr(1) : name;
+}
+
+// ".loop" of "main.loop"; empty for other names.
+std::string_view localPart(std::string_view name) {
+  const size_t dot = name.find('.', 1);
+  return dot == std::string_view::npos ? std::string_view() : name.substr(dot);
+}
+
+bool isBranchStatement(std::string_view statement) {
+  std::string_view rest = statement.substr(statement.find(':') + 1);
+  return isBranch(mnemonicOf(takeWord(rest)));
 }
 
 std::string_view withoutMark(std::string_view name) {
@@ -81,9 +93,16 @@ void UndefinedNames::report() {
 void UndefinedNames::collectElsewhere() {
   for (const SourceNotes::Made& made : program_.notes.made) {
     if (made.pattern.data() != nullptr) continue;
+    // The call stager keeps labels, and replaces no branches.
+    std::vector<std::string_view> names;
+    bool hasBranch = false;
     StatementTexts statements(withoutComment(made.origin));
-    while (const std::optional<std::string_view> statement = statements.next())
-      lost_.insert(withoutMark(definedName(*statement)));
+    while (const std::optional<std::string_view> statement = statements.next()) {
+      const std::string_view name = definedName(*statement);
+      if (!name.empty()) names.push_back(name);
+      hasBranch = hasBranch || isBranchStatement(*statement);
+    }
+    if (hasBranch) lost_.insert(names.begin(), names.end());
   }
   for (const Macro& macro : program_.notes.macros.all())
     parameters_.insert(macro.parameters.begin(), macro.parameters.end());
@@ -91,8 +110,10 @@ void UndefinedNames::collectElsewhere() {
 
 // True when another check reports the mistake that leaves the name without a definition.
 bool UndefinedNames::isExplained(const Use& use) const {
-  if (findings_.wants(Check::Vanished) && vanished_.contains(use.name)) return true;
-  if (findings_.wants(Check::LostWithBranch) && lost_.contains(withoutMark(use.written))) return true;
+  const bool isVanished = vanished_.contains(use.name) || vanished_.contains(use.written);
+  if (findings_.wants(Check::Vanished) && isVanished) return true;
+  const bool isLost = lost_.contains(use.written) || lost_.contains(localPart(use.name));
+  if (findings_.wants(Check::LostWithBranch) && isLost) return true;
   return findings_.wants(Check::MacroArguments) && isLostParameter(use);
 }
 

@@ -43,6 +43,9 @@ TEST(CheckNames, FindUndefinedNamesWhereTheyAreWritten) {
       // A macro: the argument of a call, or the call itself.
       {".macro PUT what\n LDA what\n STA three\n\n.org $2000\nx: PUT one ; here\n PUT two\n",
        {"6:1 undefined", "6:8 undefined", "7:6 undefined"}},
+      // So are calls into other banks, whose lines keep their labels.
+      {".org $2000\nx: JSR .y\n RTS\n.bank one\ny: JSR z\n RTS\n.bank two\nz: RTS\n", {"2:8 undefined"},
+       "-code-window 4000-7FFF -code-reg 82 -b"},
       // With an error above, no bytes are made, and the assembler says nothing of the name.
       {".org $2000\nx: LDA one\nx: RTS\n",               {"2:8 undefined", "3:1 assembler"}},
       {".org $2000\n .cloaked_segment one,none\n RTS\n", {"2:19 undefined"}},
@@ -53,6 +56,7 @@ TEST(CheckNames, ReportNoConsequences) {
   expectNames({
       // The definition vanishes.
       {".org $2000\nagain\n JMP again\n"},
+      {".org $2000\nmain: NOP\n.again JMP .again\n"},
       {"size EQU 5\n.org $2000\n LDA size\n"},
       {".const size = 5\n.org $2000\n LDA size\n"},
       // It goes with the line of a long branch.
