@@ -18,7 +18,7 @@ MemoryChecks::MemoryChecks(const Program& program, Findings& findings)
       evaluator_(program.iteration().symbols, ignored_),
       walker_(program.iteration(), evaluator_, low16(program.assembler.settings.banking.bankWindowLow), *this),
       counters_(program.assembler.settings.banking),
-      segmentChecks_(program, output_, segments_, evaluator_, findings),
+      segmentChecks_(program, output_, segments_, findings),
       branchChecks_(program, evaluator_, findings),
       regionChecks_(evaluator_, findings),
       shadowChecks_(program, output_, segments_, findings),

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/arithmetic.h"
 #include "base/format.h"
 #include "base/text.h"
 #include "driver/load.h"
@@ -21,17 +20,9 @@ constexpr uint32_t never = 0xFFFFFFFF;
 void SegmentChecks::lookForOrigin(const Statement& statement) {
   const Kind kind = statement.parsed->kind;
   if (rowOf(kind).moves) hasOrigin_ = true;
-  if (kind != Kind::Empty || statement.word.empty()) return;
-  if (statement.word.front() == '*' || toLower(statement.word).find("org") != std::string::npos) hasLostOrigin_ = true;
-}
-
-void SegmentChecks::checkOrigin(const Statement& statement) {
-  const int64_t address = evaluator_.evaluate(statement.parsed->operand());
-  if (address < addressCount) return;
-  findings_.add(
-      Check::PastEnd,
-      {.at = statement.text,
-       .text = concat({dollarHex(address), " is past $FFFF: the program continues at ", dollarHex(low16(address))})});
+  const bool hasVanished = kind == Kind::Empty || statement.isMisread;
+  if (!hasVanished || statement.text.empty()) return;
+  if (statement.text.front() == '*' || toLower(statement.text).find("org") != std::string::npos) hasLostOrigin_ = true;
 }
 
 void SegmentChecks::reportPastEnd(std::string_view at) {

@@ -14,14 +14,12 @@ namespace kiln {
 
 class SegmentChecks {
  public:
-  SegmentChecks(const Program& program, OutputKind output, const PlacedSegments& segments, Evaluator& evaluator,
-                Findings& findings)
-      : program_(program), output_(output), segments_(segments), evaluator_(evaluator), findings_(findings) {}
+  SegmentChecks(const Program& program, OutputKind output, const PlacedSegments& segments, Findings& findings)
+      : program_(program), output_(output), segments_(segments), findings_(findings) {}
 
   // To be called once for each statement, before its bytes are placed.
   void visit(const Statement& statement) {
     if (!hasOrigin_) lookForOrigin(statement);
-    if (statement.parsed->kind == Kind::Org) checkOrigin(statement);
   }
   // The statement `at` has put its bytes at `pc`, into the last segment.
   void place(const AsLine& line, uint32_t pc, std::string_view at) {
@@ -45,7 +43,6 @@ class SegmentChecks {
   };
 
   void lookForOrigin(const Statement& statement);
-  void checkOrigin(const Statement& statement);
   void reportPastEnd(std::string_view at);
   void reportBeforeOrigin(std::string_view at);
   void keepWords(const AsLine& line, uint32_t pc, std::string_view at);
@@ -57,7 +54,6 @@ class SegmentChecks {
   const Program& program_;
   const OutputKind output_;
   const PlacedSegments& segments_;
-  Evaluator& evaluator_;
   Findings& findings_;
   bool hasOrigin_ = false;      // or nothing is to be said about its absence
   bool hasLostOrigin_ = false;  // a statement has vanished that was probably meant as one
