@@ -49,6 +49,7 @@ ValueChecks::ValueChecks(const Program& program, Findings& findings)
       wantsThreeBytes_(findings.wants(Check::ThreeBytes)) {}
 
 void ValueChecks::visit(const Statement& statement) {
+  if (statement.isMisread) return;
   switch (statement.parsed->kind) {
     case Kind::Instruction:
       return visitInstruction(statement);
@@ -155,19 +156,22 @@ void ValueChecks::visitItem(const Statement& statement, std::string_view item, s
   reportCut(statement, item, *value, bytes, std::move(note));
 }
 
-// An assigned name may stand for a large number, an origin past $FFFF is a matter of the memory, and such a stage has
-// an error of the assembler. What follows a greedy equals sign is perhaps no number at all.
+// An assigned name may stand for a large number; a stage beyond $FFFF has an error of the assembler. What follows a
+// greedy equals sign is perhaps no number at all.
 void ValueChecks::visitArgument(const Statement& statement) {
   const AsLine& line = *statement.parsed;
   switch (line.kind) {
     case Kind::Assign:
       if (nameHash(line.assignName()) != 0) leaves_.visit(statement, line.assignValue());
       return;
+    case Kind::Space:
+    case Kind::ShadowStage:
+      leaves_.visit(statement, line.operand());
+      return;
     case Kind::CloakedSegment:
       return visitAddress(statement, line.firstItem());
     default:
-      leaves_.visit(statement, line.operand());
-      return;
+      return visitAddress(statement, line.operand());
   }
 }
 

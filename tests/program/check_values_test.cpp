@@ -116,13 +116,14 @@ TEST(CheckValues, AllowWhatFits) {
       {" STA large", {"6 cut-value"}},
       {" STA high+$F000", {"6 cut-value"}},
       {" STA high-$D000,X"},
+      {" .org $12345", {"7 cut-value"}},
       {" STA 0-1"},
   });
   // The assembler has messages of its own about these.
-  expectFindings({" .org $2000\n LDA (300),Y\n"}, {"2:2 assembler"});
-  expectFindings({" .org $2000\n PSH #300\n"}, {"2:2 assembler"});
+  expectFindings({" LDA (300),Y\n"}, {"1:2 assembler"});
+  expectFindings({" PSH #300\n"}, {"1:2 assembler"});
   // A name from -D is in the zero page by its first value, and has its last one.
-  expectFindings({" .org $2000\n LDA port\nport = $1234\n", "-Wno-define-overridden -D port=1"}, {"2:6 cut-value"});
+  expectFindings({" LDA port\nport = $1234\n", "-Wno-define-overridden -D port=1"}, {"1:6 cut-value"});
 }
 
 TEST(CheckValues, AllowLowAndHighOfASum) {
@@ -166,8 +167,8 @@ TEST(CheckValues, PutFixesWhereTheyBelong) {
 }
 
 TEST(CheckValues, ReportTheLinesOfAMacroAtItsCall) {
-  const std::string macro = ".macro load value\n LDA #value\n LDX #$1G\n\n .org $2000\n";
-  expectFindings({macro + " load 300\n"}, {"6:2 number-ends-early", "6:2 cut-value"});
+  const std::string macro = ".macro load value\n LDA #value\n LDX #$1G\n\n";
+  expectFindings({macro + " load 300\n"}, {"5:2 number-ends-early", "5:2 cut-value"});
 }
 
 }  // namespace
