@@ -51,9 +51,10 @@ void BankChecks::finish() {
   if (output_ != OutputKind::BankedXex) {
     if (named != nullptr) checkFlatBanks();
   } else if (named != nullptr && banking_.bankWindowLow == 0) {
-    findings_.add(Check::NoWindow, {.at = named->at,
-                                    .text = "no bank window is known, so the bank begins at $0000: give the option -L "
-                                            "and a layout file with a window"});
+    findings_.add(Check::MissingWindow,
+                  {.at = named->at,
+                   .text = "no bank window is known, so the bank begins at $0000: give the option -L "
+                           "and a layout file with a window"});
   } else {
     checkBanks();
   }

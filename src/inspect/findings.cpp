@@ -36,7 +36,7 @@ bool areSame(const Finding& a, const Finding& b) { return orderOf(a) == orderOf(
 
 // What makes nothing is as wrong in each call of a macro, so it is reported once, at the line of the body.
 bool isOfBody(Check check) {
-  return check == Check::Vanished || check == Check::NoArgument || check == Check::TabAfterDirective ||
+  return check == Check::Vanished || check == Check::MissingArgument || check == Check::TabAfterDirective ||
          check == Check::MissingColon || check == Check::MacroInMacro;
 }
 

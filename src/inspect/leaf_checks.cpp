@@ -122,11 +122,12 @@ void LeafChecks::reportSigned(std::string_view before, std::string_view after, s
   const std::string reason = concat({": between '", before, "' and '", sign, "' is nothing, which counts as 0"});
   const std::string_view between = trimLeft(after.substr(1));
   if (between.data() != next.data()) {
-    return add(Check::NoMinus, sign, concat({"'", sign, "' is no sign", reason}), concat({"write '(0", sign, "...)'"}));
+    return add(Check::MinusSign, sign, concat({"'", sign, "' is no sign", reason}),
+               concat({"write '(0", sign, "...)'"}));
   }
   const std::string_view number = after.substr(0, static_cast<size_t>(next.data() + next.size() - after.data()));
   const std::string replacement = sign == "-" ? concat({"(0", number, ")"}) : std::string(next);
-  add(Check::NoMinus, number, concat({inQuotes(number), " is not a signed number", reason}),
+  add(Check::MinusSign, number, concat({inQuotes(number), " is not a signed number", reason}),
       concat({"write ", inQuotes(replacement)}), replacement);
 }
 
@@ -143,7 +144,7 @@ void LeafChecks::checkNumber(std::string_view leaf) {
   const std::string readAs = number.digits.empty() ? inQuotes(leaf) + " counts as 0"
                                                    : concat({inQuotes(leaf), " is read as ", inQuotes(number.read)});
   if (const OtherOperator* const other = otherOperatorIn(number.rest)) {
-    return add(Check::NoOperator, leaf, concat({readAs, ": there is no operator '", other->spelling, "'"}),
+    return add(Check::ForeignOperator, leaf, concat({readAs, ": there is no operator '", other->spelling, "'"}),
                std::string(other->instead));
   }
   if (isComplete) {
@@ -170,11 +171,11 @@ void LeafChecks::reportUndefined(std::string_view leaf) {
   if (front == '\'' || front == '"') return reportCharacter(leaf);
   if (isSign(front)) return reportSign(leaf);
   if (leaf == "*") {
-    return add(Check::NoOperator, leaf, "'*' is not the current address but an unknown name, which counts as 0",
+    return add(Check::ForeignOperator, leaf, "'*' is not the current address but an unknown name, which counts as 0",
                "write a label before the statement, and its name for the address");
   }
   if (const OtherOperator* const other = otherOperatorIn(leaf)) {
-    return add(Check::NoOperator, leaf,
+    return add(Check::ForeignOperator, leaf,
                concat({inQuotes(leaf), " is read as one name, which counts as 0: there is no operator '",
                        other->spelling, "'"}),
                std::string(other->instead));
@@ -204,7 +205,7 @@ void LeafChecks::reportSign(std::string_view leaf) {
                "write a label with a name: there are no others");
   }
   const std::string replacement = leaf.front() == '-' ? concat({"0", leaf}) : std::string(trimLeft(leaf.substr(1)));
-  add(Check::NoMinus, leaf, concat({inQuotes(leaf), " is not a number but an unknown name, which counts as 0"}),
+  add(Check::MinusSign, leaf, concat({inQuotes(leaf), " is not a number but an unknown name, which counts as 0"}),
       concat({"write ", inQuotes(replacement)}), replacement);
 }
 

@@ -269,7 +269,7 @@ void NameChecks::checkZeroAddress(const Statement& statement) {
 bool NameChecks::isZeroForOtherReason(const Symbol& symbol) const {
   if (beforeOrigin_.contains(symbol.index)) return findings_.wants(Check::BeforeOrigin);
   const bool hasWindow = program_.assembler.settings.banking.bankWindowLow != 0;
-  return symbol.bank != 0 && !hasWindow && findings_.wants(Check::NoWindow);
+  return symbol.bank != 0 && !hasWindow && findings_.wants(Check::MissingWindow);
 }
 
 }  // namespace kiln

@@ -75,7 +75,7 @@ bool VanishedWords::reportNoAddress(const Statement& statement) {
   Findings::Report report{.at = statement.word,
                           .text = concat({quoted(statement.word), " has no argument: the segment begins at $0000"})};
   addNote(report, "write its address, '.cloaked_segment $5000'");
-  reporter_.add(Check::NoArgument, statement, std::move(report));
+  reporter_.add(Check::MissingArgument, statement, std::move(report));
   return true;
 }
 
@@ -97,7 +97,7 @@ bool VanishedWords::reportDirective(const Statement& statement) {
     Findings::Report report{.at = statement.word,
                             .text = concat({name, " has no argument: ", extentOf(statement), " makes nothing"})};
     addNote(report, concat({"it is written '", directive->word, " ", directive->example, "'"}));
-    reporter_.add(Check::NoArgument, statement, std::move(report));
+    reporter_.add(Check::MissingArgument, statement, std::move(report));
   } else if (statement.rest[statement.word.size()] == '\t') {
     Findings::Report report{.at = statement.word,
                             .text = concat({name, " is followed by a tab: ", extentOf(statement), " makes nothing"})};

@@ -37,11 +37,11 @@ TEST(CheckLines, NamesTheMistakeInAVanishedStatement) {
       {"        = 5", {"2:9 vanished"}},
       {"size:   = 5", {"2:9 vanished"}},
       {"Draws the border of the screen", {"2:1 vanished"}},
-      {"        .byte ; nothing", {"2:9 no-argument"}},
-      {"        .byte\t; nothing", {"2:9 no-argument"}},
+      {"        .byte ; nothing", {"2:9 missing-argument"}},
+      {"        .byte\t; nothing", {"2:9 missing-argument"}},
       {"here:   .include \"a.inc\"", {"2:9 vanished"}},
-      {"        .include", {"2:9 no-argument"}},
-      {"        .cloaked_segment", {"2:9 no-argument"}},
+      {"        .include", {"2:9 missing-argument"}},
+      {"        .cloaked_segment", {"2:9 missing-argument"}},
       {"        .macro\tPAINT colour", {"2:9 tab-after-directive"}},
   });
 }

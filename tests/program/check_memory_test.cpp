@@ -75,7 +75,7 @@ TEST(CheckMemory, FindsWhatIsLostWithALongBranch) {
   const std::string far = ".space 200\nfar: RTS\n";
   expectAll({
       {".org $2000\nloop: BRA far\n" + far + "JMP loop\n", {"2:1 lost-with-branch"}},  // and not that loop is unknown
-      {".org $2000\nBEQ near : BEQ far\nnear: " + far, {"2:1 lost-with-branch"}},  // BEQ near is lost
+      {".org $2000\nBEQ near : BEQ far\nnear: " + far, {"2:1 lost-with-branch"}},      // BEQ near is lost
       {".org $2000\nBEQ  far+1 : NOP\n" + far, {"2:14 lost-with-branch"}},
       {".org $2000\nmain:\n.loop: BEQ far\n" + far + "JMP .loop\n", {"3:1 lost-with-branch"}},
       {".org $2000\nBEQ far ; a comment : NOP\n" + far},
@@ -166,7 +166,7 @@ TEST(CheckMemory, FindsBanksThatCannotBeReached) {
           {code + bank, {"3:1 flat-bank"}},
           {code + bank + ".bank other\n.byte 1\n", {"3:1 flat-bank"}, "-f prg -L plain.lnk"},
           {code + bank, {}, "-code-window $4000-$7FFF"},
-          {code + bank, {"3:1 no-window"}, "-b"},
+          {code + bank, {"3:1 missing-window"}, "-b"},
           {code + bank, {"3:1 missing-register"}, "-L none.lnk"},
           {code + bank, {"3:1 missing-register"}, "-L none.lnk -code-reg 82"},
           {code + bank, {}, "-L halves.lnk"},

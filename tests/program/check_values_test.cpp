@@ -79,16 +79,16 @@ TEST(CheckValues, FindCharactersSignsAndOperators) {
           {" LDA #'A'-'0'", {"7 character-literal", "11 character-literal"}},
           {" LDA #'A", {"7 character-literal"}},
           {" .byte 1,'A',2", {"10 character-literal"}},
-          {" LDA #+5", {"7 no-minus"}},
-          {" LDA #<-5", {"8 no-minus"}},
-          {" LDA #2*(-5)", {"10 no-minus"}},
-          {" LDA #5-+3", {"9 no-minus"}},
-          {" LDA #5*-(small+1)", {"9 no-minus"}},
+          {" LDA #+5", {"7 minus-sign"}},
+          {" LDA #<-5", {"8 minus-sign"}},
+          {" LDA #2*(-5)", {"10 minus-sign"}},
+          {" LDA #5-+3", {"9 minus-sign"}},
+          {" LDA #5*-(small+1)", {"9 minus-sign"}},
           {" LDA #5++3"},
-          {" LDA #small AND 3", {"7 no-operator"}},
+          {" LDA #small AND 3", {"7 foreign-operator"}},
           {" LDA #small and more of it", {"7 undefined"}},
-          {" LDA #$10%3", {"7 no-operator"}},
-          {" LDA #low-*", {"11 no-operator"}},
+          {" LDA #$10%3", {"7 foreign-operator"}},
+          {" LDA #low-*", {"11 foreign-operator"}},
           {" JMP --", {"6 undefined"}},
           {" STA @low", {"6 undefined"}},
           {" LDA ##5", {"7 undefined"}},
@@ -120,10 +120,10 @@ TEST(CheckValues, AllowWhatFits) {
       {" STA 0-1"},
   });
   // The assembler has messages of its own about these.
-  expectFindings({" LDA (300),Y\n"}, {"1:2 assembler"});
-  expectFindings({" PSH #300\n"}, {"1:2 assembler"});
+  expectFindings({" .org $2000\n LDA (300),Y\n"}, {"2:2 assembler"});
+  expectFindings({" .org $2000\n PSH #300\n"}, {"2:2 assembler"});
   // A name from -D is in the zero page by its first value, and has its last one.
-  expectFindings({" LDA port\nport = $1234\n", "-Wno-define-overridden -D port=1"}, {"1:6 cut-value"});
+  expectFindings({" .org $2000\n LDA port\nport = $1234\n", "-Wno-define-overridden -D port=1"}, {"2:6 cut-value"});
 }
 
 TEST(CheckValues, AllowLowAndHighOfASum) {
@@ -167,8 +167,8 @@ TEST(CheckValues, PutFixesWhereTheyBelong) {
 }
 
 TEST(CheckValues, ReportTheLinesOfAMacroAtItsCall) {
-  const std::string macro = ".macro load value\n LDA #value\n LDX #$1G\n\n";
-  expectFindings({macro + " load 300\n"}, {"5:2 number-ends-early", "5:2 cut-value"});
+  const std::string macro = ".macro load value\n LDA #value\n LDX #$1G\n\n .org $2000\n";
+  expectFindings({macro + " load 300\n"}, {"6:2 number-ends-early", "6:2 cut-value"});
 }
 
 }  // namespace
