@@ -12,6 +12,9 @@ namespace {
 constexpr std::string_view undefinedPrefix = "undefined symbol '";
 constexpr std::string_view undefinedSuffix = "', using 0";
 
+// Longer texts are not searched: for each of a million names in a line, that would take quadratic time.
+constexpr size_t longestSearch = 4096;
+
 bool isNamePart(char c) { return isIdentifierCharacter(c) || c == '.'; }
 
 // A name that may be written without its scope.
@@ -104,6 +107,7 @@ std::string_view usedName(const Statement& statement, std::string_view name) {
   const bool isAssignment = statement.parsed->kind == Kind::Assign;
   const std::string_view text =
       isAssignment ? trim(statement.rest.substr(statement.rest.find('=') + 1)) : statement.argument;
+  if (text.size() > longestSearch) return statement.rest.substr(0, statement.word.size());
   const std::string_view used = findInScope(text, name, statement.scope);
   if (used.data() != nullptr) return used;
   return text.empty() ? statement.text : text;
@@ -112,6 +116,7 @@ std::string_view usedName(const Statement& statement, std::string_view name) {
 std::string_view writtenName(const SourceMap& map, const Statement& statement, std::string_view name) {
   std::string_view written = usedName(statement, name);
   while (const SourceNotes::Made* const made = map.madeLine(written)) {
+    if (made->origin.size() > longestSearch) break;
     const std::string_view original = findInScope(withoutComment(made->origin), name, statement.scope);
     if (original.data() == nullptr) break;
     written = original;

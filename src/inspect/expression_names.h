@@ -53,7 +53,7 @@ bool isPlainName(std::string_view text);
 std::string_view findName(std::string_view text, std::string_view name);
 
 // Where the statement has a name that it uses. `name` may have the statement's scope in front. The text after the word,
-// or the whole statement, when it cannot be found.
+// or the whole statement, when it cannot be found; the word when the text is too long for a search.
 std::string_view usedName(const Statement& statement, std::string_view name);
 // The same, but in the line for which a macro or a rewriter made the statement, if the name is there, too.
 std::string_view writtenName(const SourceMap& map, const Statement& statement, std::string_view name);

@@ -181,11 +181,12 @@ bool NameChecks::isLocalOfScope(const Statement& statement, std::string_view nam
   if (symbol == nullptr) return false;
   const std::string_view written = writtenName(*program_.map, statement, name);
   if (!rowOf(statement.parsed->kind).qualifies) {
-    findings_.add(Check::LocalInList,
-                  {.at = written,
-                   .text = concat({"'", name, "' gets no scope here, so it is an unknown name and counts as 0: write '",
-                                   full, "'"}),
-                   .fix = {{written, full}}});
+    Findings::Report report{
+        .at = written,
+        .text =
+            concat({"'", name, "' gets no scope here, so it is an unknown name and counts as 0: write '", full, "'"})};
+    if (written == name) report.fix.emplace_back(written, full);
+    findings_.add(Check::LocalInList, std::move(report));
   } else if (reported_.insert(full).second) {
     pending_.push_back({Check::ReservedLocal,
                         {.at = written,

@@ -1,6 +1,7 @@
 #include "inspect/undefined_names.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/format.h"
 #include "base/text.h"
@@ -49,6 +50,12 @@ std::string numberLike(std::string_view name) {
   return concat({"$", name});
 }
 
+// "FFh", but no word such as "beach".
+bool isWrittenWithH(std::string_view number) {
+  const auto isSmall = [](char c) { return c >= 'a' && c <= 'z'; };
+  return toLower(number.back()) == 'h' && std::none_of(number.begin(), number.end() - 1, isSmall);
+}
+
 // What defines the name after "__bank_".
 std::string bankHint(std::string_view rest) {
   if (rest == "code_reg" || rest == "data_reg") return "it is defined when this bank register is set";
@@ -91,8 +98,9 @@ void UndefinedNames::report() {
 }
 
 void UndefinedNames::collectElsewhere() {
+  const char* last = nullptr;
   for (const SourceNotes::Made& made : program_.notes.made) {
-    if (made.pattern.data() != nullptr) continue;
+    if (made.pattern.data() != nullptr || std::exchange(last, made.origin.data()) == made.origin.data()) continue;
     // The call stager keeps labels, and replaces no branches.
     std::vector<std::string_view> names;
     bool hasBranch = false;
@@ -139,7 +147,7 @@ void UndefinedNames::report(const Use& use) {
     check = Check::NumberLikeName;
     report.text = concat(
         {quoted(use.name), " is a name, which nothing defines: it counts as 0; write ", number, " for the number"});
-    if (use.written == use.name) report.fix.emplace_back(use.written, number);
+    if (use.written == use.name && isWrittenWithH(use.name)) report.fix.emplace_back(use.written, number);
   } else if (use.written != use.name && use.written.starts_with('.')) {
     report.text = concat({quoted(use.written), " is not defined in the scope ", quoted(use.scope), ": it counts as 0"});
   } else {

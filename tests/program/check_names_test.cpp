@@ -160,8 +160,8 @@ TEST(CheckNames, SayWhatMayBeMeant) {
 }
 
 TEST(CheckNames, CorrectWhatIsCertain) {
-  EXPECT_EQ(fixedSource({".org $2000\na: NOP\n.b: .word 1 , .b\nc = .b\n LDA #FFh\n STA D01A\n JMP C\n", "-Wextra"}),
-            ".org $2000\na: NOP\n.b: .word 1 , a.b\nc = a.b\n LDA #$FF\n STA $D01A\n JMP c\n");
+  EXPECT_EQ(fixedSource({".org $2000\na: NOP\n.b: .word 1 , .b\nc = .b\n LDA #FFh\n STA beach\n JMP C\n", "-Wextra"}),
+            ".org $2000\na: NOP\n.b: .word 1 , a.b\nc = a.b\n LDA #$FF\n STA beach\n JMP c\n");
 }
 
 }  // namespace
