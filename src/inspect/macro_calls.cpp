@@ -166,6 +166,10 @@ void MacroCalls::checkEmpty(const Call& call) {
                   {.at = withoutLabel(call.noted, call.use.name()),
                    .text = concat({"the argument for '", parameter, "' is empty: nothing comes in its place"}),
                    .notes = {{macro.head, "the macro begins here"}}});
+    if (!findings_.wants(Check::MacroArguments)) return;
+    for (const SourceNotes::Made& made : call.made) {
+      if (needsNumber(made.pattern, parameter)) findings_.explainText(made.text);
+    }
   }
 }
 

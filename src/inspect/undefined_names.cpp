@@ -84,6 +84,8 @@ void UndefinedNames::addVanished(const Statement& statement) {
     return;
   }
   vanished_.insert(statement.word);
+  // A local label without its colon.
+  if (statement.word.starts_with('.')) vanished_.insert(texts_.join({statement.scope, statement.word}));
   std::string_view argument = statement.argument;
   if (statement.word.starts_with('.')) vanished_.insert(takeWord(argument));
 }

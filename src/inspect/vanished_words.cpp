@@ -256,6 +256,8 @@ void VanishedWords::reportUnknown(const Statement& statement) {
   Findings::Report report{.at = word, .text = unknownText(statement, word)};
   const std::string hint = isProse(statement.rest) ? "" : nearWords(word);
   const DirectiveWord* const directive = directiveInFrontOf(word);
+  // A file that cannot be found may define the word as a macro.
+  if (hint.empty() && !program_.notes.errorLines.empty()) return;
   if (!hint.empty()) {
     addNote(report, hint);
   } else if (word.size() > 3 && word[3] == '.' && mnemonicOf(word.substr(0, 3)) != Mnemonic::None) {

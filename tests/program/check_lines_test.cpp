@@ -156,6 +156,9 @@ TEST(CheckLines, ExplainsWhatTheAssemblerSaysOfTheLine) {
   expectFindings({.source = program("        LDA #1:STA $10\n        LDA #1:STA $11")},
                  {"2:15 separator", "3:15 separator"});
   expectFindings({.source = program("start:  TXA :PHA")}, {"2:13 separator"});
+  expectFindings({.source = program("start:  JMP .loop\n.loop   RTS")}, {"3:1 missing-colon"});
+  // The missing file may have the macro.
+  expectFindings({.source = program("        .include \"a.inc\"\n        PAINT 1")}, {"2:9 assembler"});
   EXPECT_EQ(findingTextsIn({.source = program("        .byte \"A\""), .options = "-Wno-text-in-list"}),
             std::vector<std::string>{"undefined symbol '\"A\"', using 0"});
 }
