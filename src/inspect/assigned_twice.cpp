@@ -46,7 +46,7 @@ class AssignedTwice {
 
  private:
   void use(const Statement& statement);
-  void define(std::string_view name, std::string_view written, int64_t value);
+  void define(std::string_view text, std::string_view written, int64_t value);
   Name* find(std::string_view name);
   bool areInOneFile(std::string_view a, std::string_view b) const;
 

@@ -146,7 +146,7 @@ void BankChecks::checkBankCounts() {
   if (std::none_of(segments_.begin(), segments_.end(), differs)) return;
   const std::unordered_set<std::string_view> used = findUsedBanks(program_.iteration().statements.lines);
   for (const PlacedSegment& segment : segments_) {
-    if (!differs(segment) || used.count(nameOf(segment)) == 0) continue;
+    if (!differs(segment) || !used.contains(nameOf(segment))) continue;
     findings_.add(
         Check::BankCount,
         {.at = segment.at,

@@ -143,7 +143,7 @@ void CycleListing::showExpanded(std::string_view line, size_t end) {
 void CycleListing::moveTo(std::string_view origin) {
   const auto isHere = [&] {
     const std::string_view text = fileLine_.text;
-    const std::less_equal<const char*> upTo;
+    const std::less_equal<> upTo;
     return origin.data() != nullptr && upTo(text.data(), origin.data()) &&
            upTo(origin.data(), text.data() + text.size());
   };

@@ -25,7 +25,8 @@ class BodyChecker {
       : use_(use), body_(use.macro->body), after_(after), findings_(findings) {}
 
   void check() {
-    bool hasCode = false, hasEndWord = false;
+    bool hasCode = false;
+    bool hasEndWord = false;
     for (size_t i = 0; i < body_.size(); ++i) {
       const BodyLine line(body_[i].text);
       if (line.code.empty()) continue;

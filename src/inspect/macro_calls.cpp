@@ -1,6 +1,7 @@
 #include "inspect/macro_calls.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "base/format.h"
@@ -17,7 +18,7 @@ std::string_view between(const char* begin, const char* end) { return {begin, st
 std::string_view endOf(std::string_view text) { return text.substr(text.size()); }
 
 bool isHexNumber(std::string_view line, std::string_view word) {
-  const bool hasSign = word.data() != line.data() && word.data()[-1] == '$';
+  const bool hasSign = word.data() != line.data() && *std::prev(word.data()) == '$';
   return hasSign && word.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
 }
 
@@ -36,7 +37,8 @@ bool needsNumber(std::string_view line, std::string_view parameter) {
   if (word.data() == nullptr) return false;
   const std::string_view before = trimRight(between(parsed.code.data(), word.data()));
   const std::string_view after = trimLeft(between(word.data() + word.size(), endOf(parsed.code).data()));
-  constexpr std::string_view beforeNumbers = "#<>(+-*/", afterNumbers = "+-*/,)";
+  constexpr std::string_view beforeNumbers = "#<>(+-*/";
+  constexpr std::string_view afterNumbers = "+-*/,)";
   return (!before.empty() && beforeNumbers.find(before.back()) != std::string_view::npos) ||
          (!after.empty() && afterNumbers.find(after.front()) != std::string_view::npos);
 }
@@ -202,7 +204,8 @@ void MacroCalls::checkNested(const Call& call) {
   const Macro& macro = *call.use.macro;
   const auto parameters = call.use.parameters().first(std::min(call.use.parameters().size(), arguments_.size()));
   for (size_t i = 0; i + 1 < parameters.size(); ++i) {
-    const std::string_view argument = arguments_[i], parameter = parameters[i];
+    const std::string_view argument = arguments_[i];
+    const std::string_view parameter = parameters[i];
     const auto isIn = [argument](std::string_view later) { return argument.find(later) != std::string_view::npos; };
     const auto after = parameters.subspan(i + 1);
     const auto later = std::find_if(after.begin(), after.end(), isIn);
@@ -232,7 +235,8 @@ MacroCalls::Traits& MacroCalls::traitsOf(const MacroUse& use, size_t index) {
 // Which parameters are whole words of the body. One whose name has a value elsewhere has that by default.
 std::vector<bool> MacroCalls::findUsed(const MacroUse& use, Traits& traits) const {
   const auto parameters = use.parameters();
-  std::vector<bool> isWhole(parameters.size()), isLabel(parameters.size());
+  std::vector<bool> isWhole(parameters.size());
+  std::vector<bool> isLabel(parameters.size());
   const auto mark = [parameters](std::string_view word, std::vector<bool>& marks) {
     const auto found = std::find(parameters.begin(), parameters.end(), word);
     if (found != parameters.end()) marks[static_cast<size_t>(found - parameters.begin())] = true;

@@ -144,7 +144,8 @@ void MacroEnds::checkNested(const MacroUse& use, std::string_view line) {
 // Blank lines and comments, the first of which has ended the macro.
 void MacroEnds::checkGap(const MacroUse& use, std::string_view line, TextLines lines) {
   End end{&use, {}};
-  std::string_view left, parameter;
+  std::string_view left;
+  std::string_view parameter;
   for (; line.data() != nullptr; line = lines.next()) {
     if (isBlankOrComment(line)) {
       if (left.empty()) end.lines.push_back(line);

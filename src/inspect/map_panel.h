@@ -11,6 +11,7 @@ namespace kiln {
 
 inline constexpr uint32_t pageSize = 0x100;
 inline constexpr uint32_t rowSize = 0x1000;
+inline constexpr uint32_t pagesInRow = rowSize / pageSize;
 
 inline constexpr double thinnest = 2;  // so that a single byte can be seen
 

@@ -25,12 +25,12 @@ inline constexpr std::array useStyles = {
     UseStyle{Use::Cloaked, "cloaked", "fill=\"url(#cloaked)\""},
     UseStyle{Use::Overlap, "overlap", "fill=\"url(#overlap)\""},
 };
-inline constexpr std::string_view hardwareFill = "fill=\"#d9d9d9\"";
-inline constexpr std::string_view windowStroke = "fill=\"none\" stroke=\"#000\" stroke-dasharray=\"1 3\"";
-inline constexpr std::string_view regionStroke = "fill=\"none\" stroke=\"#000\" stroke-dasharray=\"5 2\"";
-inline constexpr std::string_view thinStroke = "fill=\"none\" stroke=\"#000\" stroke-width=\"0.6\"";
-inline constexpr std::string_view pageStroke = "stroke=\"#bbb\" stroke-width=\"0.5\"";
-inline constexpr std::string_view beginStroke = "stroke=\"#000\" stroke-width=\"0.8\"";
+inline constexpr std::string_view hardwareFill = R"(fill="#d9d9d9")";
+inline constexpr std::string_view windowStroke = R"(fill="none" stroke="#000" stroke-dasharray="1 3")";
+inline constexpr std::string_view regionStroke = R"(fill="none" stroke="#000" stroke-dasharray="5 2")";
+inline constexpr std::string_view thinStroke = R"(fill="none" stroke="#000" stroke-width="0.6")";
+inline constexpr std::string_view pageStroke = R"(stroke="#bbb" stroke-width="0.5")";
+inline constexpr std::string_view beginStroke = R"(stroke="#000" stroke-width="0.8")";
 
 // The patterns that fills refer to.
 inline constexpr std::string_view patterns = R"(<defs>

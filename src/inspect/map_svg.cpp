@@ -44,8 +44,8 @@ class MapPicture {
   void placeMain();
   void drawLegend();
   void drawSwatch(std::string_view name, std::string_view style);
-  void drawSegments(double top);
-  void drawRoutines(double top);
+  void drawSegments(double y);
+  void drawRoutines(double y);
   void beginTable(double x, double& y, std::string_view title);
   void endTable(double x, double y, size_t left);
   void placeBanks();
@@ -93,11 +93,11 @@ void MapPicture::drawTitle() {
 
 void MapPicture::placeMain() {
   panels_.push_back({margin + labelWidth, mainTop, mainScale, map_.spaces.front().window});
-  for (uint32_t page = 0; page < rowSize / pageSize; ++page) {
+  for (uint32_t page = 0; page < pagesInRow; ++page) {
     svg_.text(panels_.front().x + page * mainScale.pageWidth + 2, mainTop - 6, smallText,
-              dollarHex(page * pageSize, 3).replace(0, 1, "+"));
+              dollarHex(int64_t{page} * pageSize, 3).replace(0, 1, "+"));
   }
-  right_ = panels_.front().x + rowSize / pageSize * mainScale.pageWidth;
+  right_ = panels_.front().x + pagesInRow * mainScale.pageWidth;
   bottom_ = mainTop + 16 * mainScale.rowPitch;
 }
 
@@ -184,7 +184,7 @@ void MapPicture::placeBanks() {
   for (size_t i = 1; i < map_.spaces.size(); ++i)
     total += heightOf(map_.spaces[i]);
   const double limit = std::max(bottom_, mainTop + total / mostColumns + heightOf(map_.spaces.front()));
-  const double width = labelWidth + rowSize / pageSize * bankScale.pageWidth;
+  const double width = labelWidth + pagesInRow * bankScale.pageWidth;
   double x = right_ + gap;
   double y = mainTop - 16;
   for (size_t i = 1; i < map_.spaces.size(); ++i) {
@@ -210,7 +210,7 @@ void MapPicture::drawRows(const Panel& panel) {
               dollarHex(part.first & ~(rowSize - 1)), Anchor::End);
     svg_.rect(box, thinStroke);
     const uint32_t firstLine = part.first / pageSize + 1;
-    const double x = panel.x + firstLine % (rowSize / pageSize) * panel.scale.pageWidth;
+    const double x = panel.x + firstLine % pagesInRow * panel.scale.pageWidth;
     svg_.verticalLines({x, box.y, panel.scale.pageWidth, box.height}, part.last / pageSize + 1 - firstLine, pageStroke);
   });
 }
@@ -269,7 +269,7 @@ void MapPicture::drawName(const Panel& panel, const AddressRange& range, std::st
   const double width = SvgWriter::textWidth(name, smallText);
   if (width + 6 > widest.width) return;
   const double y = widest.y + (widest.height + smallText) / 2 - 1;
-  svg_.rect({widest.x + 2, y - smallText + 1, width + 2, smallText + 1}, "fill=\"#fff\" fill-opacity=\"0.7\"");
+  svg_.rect({widest.x + 2, y - smallText + 1, width + 2, smallText + 1}, R"(fill="#fff" fill-opacity="0.7")");
   svg_.text(widest.x + 3, y, smallText, name);
 }
 

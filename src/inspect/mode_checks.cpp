@@ -57,7 +57,7 @@ std::string withoutIndirect(const Statement& statement) {
   const std::string_view inside = insideParentheses(written);
   const std::string_view pointer = inside.substr(0, inside.find(','));
   if (inside.empty()) return concat({"write ", inQuotes(concat({"0+", written}))});
-  const std::string address = concat({"write ", inQuotes(pointer), " for the address"});
+  std::string address = concat({"write ", inQuotes(pointer), " for the address"});
   if (opcodeFor(statement.parsed->mnemonic, Mode::IndirectIndexedY) < 0) return address;
   return concat({address, ", or ", inQuotes(concat({"(", pointer, "),Y"})), " or ",
                  inQuotes(concat({"(", pointer, ",X)"})), " for what it points to"});

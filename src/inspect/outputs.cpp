@@ -65,7 +65,7 @@ std::string writeOutputs(Host& host, const Program& program, const CheckOptions&
   const bool hasOthers = !options.labels.empty() || options.listing.has_value() || options.map.has_value();
   std::vector<OutputFile> files = hasOthers ? renderAll(program, options) : std::vector<OutputFile>();
   if (options.depfile.has_value()) {
-    const std::string error = addDepfile(options, pathsRead, files);
+    std::string error = addDepfile(options, pathsRead, files);
     if (!error.empty()) return error;
   }
   // All are tested first: when one would replace a file that the run has read, none is written.

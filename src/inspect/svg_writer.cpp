@@ -77,10 +77,10 @@ void SvgWriter::text(double x, double y, double size, std::string_view text, Anc
 
 std::string SvgWriter::finish(double width, double height, std::string_view title) const {
   const std::string size = concat({pixels(width), " ", pixels(height)});
-  return concat({"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n",
-                 "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"", pixels(width), "\" height=\"",
-                 pixels(height), "\" viewBox=\"0 0 ", size, "\" font-family=\"", font, "\">\n<title>", escaped(title),
-                 "</title>\n<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n", body_, "</svg>\n"});
+  return concat({R"(<?xml version="1.0" encoding="UTF-8"?>)", "\n",
+                 R"(<svg xmlns="http://www.w3.org/2000/svg" version="1.1" width=")", pixels(width), R"(" height=")",
+                 pixels(height), R"(" viewBox="0 0 )", size, R"(" font-family=")", font, "\">\n<title>", escaped(title),
+                 "</title>\n", R"(<rect width="100%" height="100%" fill="#fff"/>)", "\n", body_, "</svg>\n"});
 }
 
 }  // namespace kiln
