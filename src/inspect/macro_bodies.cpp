@@ -24,7 +24,7 @@ class BodyChecker {
   BodyChecker(const MacroUse& use, std::string_view after, Findings& findings)
       : use_(use), body_(use.macro->body), after_(after), findings_(findings) {}
 
-  void check() {
+  bool check() {
     bool hasCode = false;
     bool hasEndWord = false;
     for (size_t i = 0; i < body_.size(); ++i) {
@@ -36,10 +36,14 @@ class BodyChecker {
       }
       // All that follows is there by mistake.
       if (hasEndWord) continue;
-      if (line.word == use_.name() && mnemonicOf(line.word) == Mnemonic::None) return reportOwnCall(line);
+      if (line.word == use_.name() && mnemonicOf(line.word) == Mnemonic::None) {
+        reportOwnCall(line);
+        break;
+      }
       if (equalIgnoringCase(line.word, ".org") && hasCode) checkOrigin(i, line);
       hasCode = true;
     }
+    return isBroken_;
   }
 
  private:
@@ -82,8 +86,8 @@ class BodyChecker {
 
   // What lines do that are in the wrong place says nothing.
   void explainBody() {
-    const char* const end = body_.back().text.data() + body_.back().text.size();
-    findings_.explainText({body_.front().text.data(), static_cast<size_t>(end - body_.front().text.data())});
+    findings_.explainText(use_.body());
+    isBroken_ = true;
   }
 
   // The code of the next line that has any; null data without one.
@@ -99,13 +103,14 @@ class BodyChecker {
   const std::vector<Macro::Line>& body_;
   const std::string_view after_;  // the line that ends the macro
   Findings& findings_;
+  bool isBroken_ = false;
 };
 
 }  // namespace
 
-void checkMacroBody(const Program& program, const MacroUse& use, Findings& findings) {
-  if (!findings.wants(Check::MacroEnd)) return;
-  BodyChecker(use, linesAfter(*use.macro, *program.map).next(), findings).check();
+bool checkMacroBody(const Program& program, const MacroUse& use, Findings& findings) {
+  if (!findings.wants(Check::MacroEnd)) return false;
+  return BodyChecker(use, linesAfter(*use.macro, *program.map).next(), findings).check();
 }
 
 }  // namespace kiln

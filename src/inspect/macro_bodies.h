@@ -7,6 +7,7 @@
 
 namespace kiln {
 
-void checkMacroBody(const Program& program, const MacroUse& use, Findings& findings);
+// True when the body has taken in lines that are not its own.
+bool checkMacroBody(const Program& program, const MacroUse& use, Findings& findings);
 
 }  // namespace kiln

@@ -66,13 +66,14 @@ std::string_view withoutLabel(const SourceNotes::Call& call, std::string_view na
 MacroCalls::MacroCalls(const Program& program, const MacroUses& uses, Findings& findings)
     : program_(program), uses_(uses), findings_(findings), traits_(uses.all().size()) {}
 
-void MacroCalls::check() {
+void MacroCalls::check(const std::vector<bool>& isBroken) {
   std::span<const SourceNotes::Made> made = program_.notes.made;
   for (const SourceNotes::Call& noted : program_.notes.calls) {
     const size_t index = uses_.indexOf(noted);
     const MacroUse& use = uses_.all()[index];
     const size_t lines = std::min(use.macro->body.size(), made.size());
     checkCall({noted, use, made.first(lines)}, index);
+    if (isBroken[index]) findings_.explainText(noted.arguments);
     made = made.subspan(lines);
   }
 }

@@ -17,8 +17,8 @@ class MacroCalls {
  public:
   MacroCalls(const Program& program, const MacroUses& uses, Findings& findings);
 
-  // All calls, in their order.
-  void check();
+  // All calls, in their order. `isBroken` says of which macros the bodies are wrong, so that calls make no sense.
+  void check(const std::vector<bool>& isBroken);
 
  private:
   // A word of the body that means something as it is, and a parameter in it.

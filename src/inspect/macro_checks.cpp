@@ -1,5 +1,7 @@
 #include "inspect/macro_checks.h"
 
+#include <vector>
+
 #include "inspect/macro_bodies.h"
 #include "inspect/macro_calls.h"
 
@@ -11,13 +13,15 @@ MacroChecks::MacroChecks(const Program& program, Findings& findings)
       ends_(program, findings),
       labels_(program, findings),
       lines_(program, findings) {
+  std::vector<bool> isBroken;
   for (const MacroUse& use : uses_.all()) {
-    ends_.check(use);
-    checkMacroBody(program, use, findings);
+    const bool endsEarly = ends_.check(use);
+    const bool endsLate = checkMacroBody(program, use, findings);
+    isBroken.push_back(endsEarly || endsLate);
     labels_.collect(use);
   }
   labels_.explainErrors();
-  MacroCalls(program, uses_, findings).check();
+  MacroCalls(program, uses_, findings).check(isBroken);
 }
 
 }  // namespace kiln

@@ -33,6 +33,12 @@ bool startsAnew(const BodyLine& line, std::string_view macroName) {
   return line.word == macroName || (line.word.starts_with('.') && !placesData(line.word));
 }
 
+// Such a label has given the parameter's name a value.
+bool hasParameterForLabel(const MacroUse& use, const BodyLine& line) {
+  const auto parameters = use.parameters();
+  return std::find(parameters.begin(), parameters.end(), line.label) != parameters.end();
+}
+
 std::string_view indentationOf(const SourceMap& map, std::string_view inLine) {
   const Place place = map.placeOf(inLine);
   const std::string_view line = place.line == 0 ? std::string_view() : map.lineOf(*place.file, place.line);
@@ -41,17 +47,19 @@ std::string_view indentationOf(const SourceMap& map, std::string_view inLine) {
 
 }  // namespace
 
-void MacroEnds::check(const MacroUse& use) {
+bool MacroEnds::check(const MacroUse& use) {
   // With Windows line ends no blank line is empty.
-  if (use.macro->head.ends_with('\r')) return;
+  if (use.macro->head.ends_with('\r')) return false;
   TextLines lines = linesAfter(*use.macro, *program_.map);
   const std::string_view line = lines.next();
-  if (line.data() == nullptr) return;
+  if (line.data() == nullptr) return false;
   const bool isNested = !line.empty() && isBlank(line.front());
-  if (isNested) return checkNested(use, line);
-  if (!findings_.wants(Check::MacroEnd)) return;
+  if (isNested) checkNested(use, line);
+  if (isNested || !findings_.wants(Check::MacroEnd)) return false;
   collectParameters(use);
-  isBlankOrComment(line) ? checkGap(use, line, lines) : checkStatement(use, line);
+  const std::string_view left = isBlankOrComment(line) ? checkGap(use, line, lines) : checkStatement(use, line);
+  if (!left.empty()) explainLeft(use, left);
+  return !left.empty();
 }
 
 // Parameters whose names mean something outside of the macro as well are no sign of its body.
@@ -74,7 +82,8 @@ std::string_view MacroEnds::unknownParameterIn(std::string_view code) const {
   return {};
 }
 
-// What is left of the macro's body, up to the last line with a parameter: it is no program of its own.
+// What is left of the macro's body, up to the last line with a parameter, is no program of its own. Nor do calls make
+// sense.
 void MacroEnds::explainLeft(const MacroUse& use, std::string_view left) {
   const SourceNotes::File* const file = program_.map->fileOf(left);
   TextLines lines(file->text.substr(static_cast<size_t>(left.data() - file->text.data())));
@@ -91,25 +100,24 @@ void MacroEnds::explainLeft(const MacroUse& use, std::string_view left) {
     }
   }
   findings_.explainText({left.data(), size});
+  findings_.explainText(use.body());
 }
 
 // A line with a statement that is not indented.
-void MacroEnds::checkStatement(const MacroUse& use, std::string_view line) {
+std::string_view MacroEnds::checkStatement(const MacroUse& use, std::string_view line) {
   const BodyLine parsed(line);
   if (startsAnew(parsed, use.name())) return;
   std::string_view parameter = unknownParameterIn(parsed.code);
-  // The label has given the name a value.
-  const auto parameters = use.parameters();
-  if (std::find(parameters.begin(), parameters.end(), parsed.label) != parameters.end()) parameter = parsed.label;
+  if (hasParameterForLabel(use, parsed)) parameter = parsed.label;
   const bool isLost = isAtMargin(line) && isOutdented(line);
-  if (parameter.empty() && !isLost) return;
+  if (parameter.empty() && !isLost) return {};
   Findings::Report report{
       .at = parsed.code,
       .text = concat({"the macro '", use.name(), "' ends at this line: indent it to continue the macro"}),
       .fix = {{line.substr(0, 0), std::string(indentation)}}};
   if (!parameter.empty()) report.notes.emplace_back(parameter, concat({"'", parameter, "' is its parameter"}));
   findings_.add(Check::MacroEnd, std::move(report));
-  explainLeft(use, parsed.code);
+  return parsed.code;
 }
 
 // True when these are the only instructions of the file that are not indented: the line, and those directly below it.
@@ -142,32 +150,36 @@ void MacroEnds::checkNested(const MacroUse& use, std::string_view line) {
 }
 
 // Blank lines and comments, the first of which has ended the macro.
-void MacroEnds::checkGap(const MacroUse& use, std::string_view line, TextLines lines) {
+std::string_view MacroEnds::checkGap(const MacroUse& use, std::string_view line, TextLines lines) {
   End end{&use, {}};
   std::string_view left;
   std::string_view parameter;
+  bool isDirectlyBelow = true;  // no gap has come after the first statement
   for (; line.data() != nullptr; line = lines.next()) {
     if (isBlankOrComment(line)) {
       if (left.empty()) end.lines.push_back(line);
+      isDirectlyBelow = left.empty();
       continue;
     }
     const BodyLine parsed(line);
     if (!isBlank(line.front()) || startsAnew(parsed, use.name())) break;
     if (parsed.code.empty()) continue;
-    if (left.empty()) left = parsed.code;
     parameter = unknownParameterIn(parsed.code);
+    if (isDirectlyBelow && hasParameterForLabel(use, parsed)) parameter = parsed.label;
+    if (left.empty()) left = parsed.code;
     if (!parameter.empty()) break;
   }
   if (!parameter.empty()) {
     report(end, parameter, concat({"'", parameter, "' is its parameter"}));
-    return explainLeft(use, left);
+    return left;
   }
-  if (left.empty() || !isInstruction(BodyLine(left))) return;
+  if (left.empty() || !isInstruction(BodyLine(left))) return {};
   if (use.macro->body.empty() && use.calls != 0) {
     report(end, left, "this line does not belong to it");
-    return explainLeft(use, left);
+    return left;
   }
   left_.try_emplace(left.data(), std::move(end));
+  return {};
 }
 
 // Code that neither a label leads to nor the code before it can only be a part of the macro.

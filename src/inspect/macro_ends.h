@@ -16,7 +16,8 @@ class MacroEnds {
  public:
   MacroEnds(const Program& program, Findings& findings) : program_(program), findings_(findings) {}
 
-  void check(const MacroUse& use);
+  // True when the macro has ended where it should not.
+  bool check(const MacroUse& use);
   // Looks for code that the early end of a macro has left behind. To be called once for each statement, in order,
   // after the last check().
   void visit(const Statement& statement) {
@@ -30,9 +31,10 @@ class MacroEnds {
     std::vector<std::string_view> lines;  // blank lines and comments, the first of which ends the macro
   };
 
-  void checkStatement(const MacroUse& use, std::string_view line);
   void checkNested(const MacroUse& use, std::string_view line);
-  void checkGap(const MacroUse& use, std::string_view line, TextLines lines);
+  // Both give the first line that is left of the body; empty when nothing is wrong.
+  std::string_view checkStatement(const MacroUse& use, std::string_view line);
+  std::string_view checkGap(const MacroUse& use, std::string_view line, TextLines lines);
   void findLeft(const Statement& statement);
 
   void collectParameters(const MacroUse& use);

@@ -25,9 +25,10 @@ void MacroLabels::collect(const MacroUse& use) {
   if (use.calls < 2 || !findings_.wants(Check::MacroLabel)) return;
   for (const Macro::Line& line : use.macro->body) {
     const std::string_view label = BodyLine(line.text).label;
-    if (!isName(label) || use.mayReplaceIn(label)) continue;
-    labels_.try_emplace(line.text.data(), Label{label, &use});
-    if (!isIdentifierStart(label.front())) locals_.insert(label);
+    if (!isName(label)) continue;
+    const bool isParameter = use.mayReplaceIn(label);
+    labels_.try_emplace(line.text.data(), Label{label, &use, isParameter});
+    hasLocals_ = hasLocals_ || isParameter || !isIdentifierStart(label.front());
   }
 }
 
@@ -47,38 +48,40 @@ void MacroLabels::explainErrors() {
     if (number == 0 || !text.starts_with(duplicate)) continue;
     const SourceNotes::Made* const made = program_.map->madeLine(lines.at(number - 1));
     Label* const label = labelOf(made);
-    if (label == nullptr || text.substr(duplicate.size()) != concat({label->text, "'"})) continue;
-    report(*label, BodyLine(made->text).label, true);
+    if (label == nullptr) continue;
+    const std::string_view name = BodyLine(made->text).label;
+    if (text.substr(duplicate.size()) != concat({name, "'"})) continue;
+    report(*label, name, true);
     findings_.explain(std::string(errors[i]));
   }
 }
 
 void MacroLabels::visitLocal(const Statement& statement) {
-  if (!locals_.contains(statement.label)) return;
-  const SourceNotes::Made* const made = program_.map->madeLine(statement.label);
-  Label* const label = labelOf(made);
   const SymbolTable& symbols = program_.iteration().symbols;
   const Symbol* const symbol = symbols.find(statement.symbol.text(), statement.symbol.hash());
-  if (label == nullptr || symbol == nullptr) return;
-  isMet_.resize(symbols.symbols().size());
-  if (!isMet_[symbol->index]) {
-    isMet_[symbol->index] = true;
-    return;
-  }
-  report(*label, statement.label, false);
+  if (symbol == nullptr) return;
+  const SourceNotes::Made* const made = program_.map->madeLine(statement.label);
+  Label* const label = labelOf(made);
+  const char* const line = label == nullptr ? statement.text.data() : made->pattern.data();
+  firsts_.resize(symbols.symbols().size());
+  const char*& first = firsts_[symbol->index];
+  const bool isAgain = label != nullptr && first == line;
+  if (first == nullptr) first = line;
+  if (isAgain) report(*label, statement.label, false);
 }
 
-// Each label once, at the second call.
+// A label that is the same for all calls is reported once, at the second call.
 void MacroLabels::report(Label& label, std::string_view again, bool isError) {
-  if (std::exchange(label.isReported, true)) return;
+  if (!label.isParameter && std::exchange(label.isReported, true)) return;
+  const std::string_view cure = label.isParameter ? "give each call a label of its own" : "make the label a parameter";
   Findings::Report report{
       .at = again,
-      .text = concat({"each call of the macro '", label.use->name(), "' defines '", label.text, "' once more",
-                      isError ? "" : ", and the last one counts", ": make the label a parameter"}),
+      .text = concat({label.isParameter ? "this" : "each", " call of the macro '", label.use->name(), "' defines '",
+                      again, "' once more", isError ? "" : ", and the last one counts", ": ", cure}),
       .notes = {{trim(withoutComment(label.use->firstCall)), "the macro is called here first"}}};
   isError ? findings_.addError(std::move(report), Check::MacroLabel)
           : findings_.add(Check::MacroLabel, std::move(report));
-  findings_.explainText(label.text);
+  if (!label.isParameter) findings_.explainText(label.text);
 }
 
 }  // namespace kiln

@@ -3,7 +3,6 @@
 
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "inspect/findings.h"
@@ -17,19 +16,20 @@ class MacroLabels {
  public:
   MacroLabels(const Program& program, Findings& findings) : program_(program), findings_(findings) {}
 
-  // Looks for labels that no argument changes.
+  // Looks for the labels of a macro that is called more than once.
   void collect(const MacroUse& use);
   // Explains the errors about full labels. To be called once, after the last collect().
   void explainErrors();
   // Looks for local labels. To be called once for each statement, in order, after the last collect().
   void visit(const Statement& statement) {
-    if (statement.parsed->labelLocal && !labels_.empty()) visitLocal(statement);
+    if (statement.parsed->labelLocal && hasLocals_) visitLocal(statement);
   }
 
  private:
   struct Label {
     std::string_view text;  // in the body
     const MacroUse* use;
+    bool isParameter;  // or has one in it, so that the calls may define different labels
     bool isReported = false;
   };
 
@@ -40,8 +40,9 @@ class MacroLabels {
   const Program& program_;
   Findings& findings_;
   std::unordered_map<const char*, Label> labels_;  // by the begin of the line of the body
-  std::unordered_set<std::string_view> locals_;    // those of them that are local, as written
-  std::vector<bool> isMet_;                        // for each symbol: a local one of them has been met so far
+  bool hasLocals_ = false;
+  // Where each symbol is first defined, if by a local label: the line of the body, or a statement outside of macros.
+  std::vector<const char*> firsts_;
 };
 
 }  // namespace kiln

@@ -82,6 +82,12 @@ std::string_view MacroUse::name() const {
   return takeWord(head);
 }
 
+std::string_view MacroUse::body() const {
+  if (macro->body.empty()) return {};
+  const std::string_view first = macro->body.front().text, last = macro->body.back().text;
+  return {first.data(), static_cast<size_t>(last.data() + last.size() - first.data())};
+}
+
 bool MacroUse::mayReplaceIn(std::string_view text) const {
   return std::ranges::any_of(
       parameters(), [text](std::string_view parameter) { return text.find(parameter) != std::string_view::npos; });

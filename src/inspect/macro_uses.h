@@ -57,6 +57,8 @@ struct MacroUse {
   std::span<const std::string_view> parameters() const {
     return std::span(macro->parameters).first(std::min<size_t>(macro->parameters.size(), 32));
   }
+  // All lines of the body; empty without any.
+  std::string_view body() const;
   // True when the text has a parameter's letters anywhere.
   bool mayReplaceIn(std::string_view text) const;
 

@@ -27,6 +27,7 @@ TEST(CheckMacros, SeeABodyThatEndsEarly) {
       {".macro M address\n LDA #0\n\n STA address\n STA address+1" + program + "M $10\n RTS", {"3:1 macro-end"}},
       {".macro M value\n; one\n LDA #value" + program + "M 5\n RTS", {"2:1 macro-end"}},
       {".macro M frames,label\n LDX #frames\nlabel: DEX\n BNE label" + program + "M 5,.a\n RTS", {"3:1 macro-end"}},
+      {".macro M n,label\n BNE label\n\n label: INX" + program + "M 5,.a\n RTS", {"3:1 macro-end"}},
       // Neither a label nor the code before it leads to the rest of the body.
       {".macro M\n LDA #0\n\n STA $10" + program + "M\n RTS", {"3:1 macro-end"}},
       {" .org $2000\n JMP start\n.macro M\n LDA #0\n\n STA $10\n\nstart: M\n RTS", {"5:1 macro-end"}},
@@ -112,6 +113,9 @@ TEST(CheckMacros, SeeLabelsThatDouble) {
       {macro("loop:") + "WAIT\n WAIT\n WAIT\n RTS", {"8:2 macro-label"}},
       {macro("loop:") + "WAIT\n RTS"},
       {macro("loop:") + "WAIT\nloop: RTS", {"8:1 assembler"}},
+      // The label is an argument.
+      {".macro M label\n label: RTS" + program + "M .a\n M .b\n M .a\nother: M .a", {"7:2 macro-label"}},
+      {".macro M label\n label: RTS" + program + "M a\n M b\n M a", {"7:2 macro-label"}},
       {macro(".lop:") + "WAIT\n WAIT\n RTS", {"8:2 macro-label"}},
       {macro(".lop:") + "WAIT\nother: WAIT\n RTS"},
       {macro(">loop:") + "WAIT\nother: WAIT\n RTS", {"8:1 macro-label"}},
