@@ -106,7 +106,7 @@ void MacroEnds::explainLeft(const MacroUse& use, std::string_view left) {
 // A line with a statement that is not indented.
 std::string_view MacroEnds::checkStatement(const MacroUse& use, std::string_view line) {
   const BodyLine parsed(line);
-  if (startsAnew(parsed, use.name())) return;
+  if (startsAnew(parsed, use.name())) return {};
   std::string_view parameter = unknownParameterIn(parsed.code);
   if (hasParameterForLabel(use, parsed)) parameter = parsed.label;
   const bool isLost = isAtMargin(line) && isOutdented(line);
