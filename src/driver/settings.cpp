@@ -1,9 +1,9 @@
 #include "driver/settings.h"
 
 #include "driver/home.h"
-#include "driver/seeds.h"
 #include "layout/layout_parser.h"
 #include "source/literals.h"
+#include "source/seeds.h"
 
 namespace kiln {
 namespace {

@@ -5,7 +5,9 @@ namespace {
 
 // How many symbols were entered before the first line: the seeds, then those of other names.
 size_t countPredefined(const Settings& settings, const std::vector<Symbol>& symbols) {
-  size_t count = settings.seeds.symbols.symbols().size();
+  size_t count = 0;
+  while (count < symbols.size() && symbols[count].seed == 1)
+    ++count;
   const auto countIfNext = [&](std::string_view name) {
     if (count < symbols.size() && symbols[count].name == name) ++count;
   };

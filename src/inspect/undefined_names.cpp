@@ -5,9 +5,9 @@
 
 #include "base/format.h"
 #include "base/text.h"
-#include "driver/seeds.h"
 #include "inspect/expression_names.h"
 #include "source/line_text.h"
+#include "source/seeds.h"
 
 namespace kiln {
 namespace {

@@ -16,6 +16,7 @@
 #include "passes/code_regions.h"
 #include "source/expression.h"
 #include "source/line.h"
+#include "source/seeds.h"
 #include "source/source_lines.h"
 #include "source/source_notes.h"
 #include "source/symbols.h"
@@ -26,12 +27,6 @@ namespace kiln {
 struct NamedValue {
   std::string name;
   int64_t value;
-};
-
-// The symbols of symbol files, or the built-in equates. Each iteration begins with a copy.
-struct Seeds {
-  TextStore texts;  // the names
-  SymbolTable symbols;
 };
 
 // Written by the driver before the run, constant afterwards.

@@ -7,7 +7,7 @@
 namespace kiln {
 
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
-  symbols = SymbolTable(settings.seeds.symbols);
+  symbols = seedSymbols(settings.seeds);
   const BankedSettings& banking = settings.banking;
   if (banking.codeBankRegister != 0) symbols.set("__bank_code_reg", banking.codeBankRegister);
   if (banking.dataBankRegister != 0) symbols.set("__bank_data_reg", banking.dataBankRegister);

@@ -27,11 +27,6 @@ bool hasNameIgnoringCase(const Symbol& symbol, std::string_view name, const Name
 
 }  // namespace
 
-SymbolTable::SymbolTable(const SymbolTable& other) : slots_(other.slots_), hasDigitNames_(other.hasDigitNames_) {
-  symbols_.reserve(other.symbols_.size() + 256);
-  symbols_ = other.symbols_;
-}
-
 void SymbolTable::reserve(size_t count) {
   symbols_.reserve(count);
   size_t slotCount = 64;
@@ -41,8 +36,7 @@ void SymbolTable::reserve(size_t count) {
 }
 
 // The slot that holds the name, or the free one where it belongs. An index is never full.
-SymbolTable::Place SymbolTable::placeOf(std::string_view name, uint32_t hash) const {
-  const NameEnds ends = endsOf(name.data(), name.size());
+SymbolTable::Place SymbolTable::placeOf(std::string_view name, const NameEnds& ends, uint32_t hash) const {
   const size_t at = hash & mask();
   const Slot slot = slots_[at];
   if (slot == 0 || (isMarked(slot, hash) && hasName(symbolOf(slot), name, ends))) return {at, hash};
@@ -78,7 +72,7 @@ void SymbolTable::occupy(Place place, size_t index) {
 void SymbolTable::rebuild(size_t slotCount) {
   slots_.assign(slotCount, 0);
   for (const Symbol& symbol : symbols_)
-    occupy(placeOf(symbol.name, symbolHash(symbol.name)), symbol.index);
+    occupy(placeOf(symbol.name, symbol.ends, symbolHash(symbol.name)), symbol.index);
 }
 
 const Symbol* SymbolTable::find(std::string_view name) const {
@@ -87,7 +81,7 @@ const Symbol* SymbolTable::find(std::string_view name) const {
 }
 
 const Symbol* SymbolTable::find(std::string_view name, uint32_t hash) const {
-  return slots_.empty() ? nullptr : symbolAt(placeOf(name, hash).at);
+  return slots_.empty() ? nullptr : symbolAt(placeOf(name, endsOf(name.data(), name.size()), hash).at);
 }
 
 // The search meets the one entered first before all others: those placed by their exact hash came later.
@@ -105,12 +99,12 @@ const Symbol* SymbolTable::findIgnoringCase(std::string_view name, uint32_t hash
 SymbolTable::Entry SymbolTable::enter(HashedName name) {
   if (slots_.size() < 2 * (symbols_.size() + 1)) rebuild(slots_.empty() ? 64 : slots_.size() * 2);
   const std::string_view text = name.text();
-  const Place place = placeOf(text, name.hash());
+  const NameEnds ends = endsOf(text.data(), text.size());
+  const Place place = placeOf(text, ends, name.hash());
   const size_t number = slots_[place.at] & mask();
   if (number != 0) return {symbols_[number - 1], false};
   occupy(place, symbols_.size());
-  symbols_.push_back(
-      {.name = text, .ends = endsOf(text.data(), text.size()), .index = static_cast<uint32_t>(symbols_.size())});
+  symbols_.push_back({.name = text, .ends = ends, .index = static_cast<uint32_t>(symbols_.size())});
   if (!text.empty() && isDigit(text.front())) hasDigitNames_ = true;
   return {symbols_.back(), true};
 }

@@ -43,13 +43,6 @@ struct Symbol {
 // Names are views: their texts have to outlive the table. A pointer to a symbol is valid until the next enter().
 class SymbolTable {
  public:
-  SymbolTable() = default;
-  // A copy with room for some more names: most programs have few, and a large table is not copied once more for them.
-  SymbolTable(const SymbolTable& other);
-  SymbolTable(SymbolTable&&) = default;
-  SymbolTable& operator=(const SymbolTable&) = delete;
-  SymbolTable& operator=(SymbolTable&&) = default;
-
   // Makes room for `count` names in all.
   void reserve(size_t count);
 
@@ -101,7 +94,7 @@ class SymbolTable {
   bool isMarked(Slot slot, uint32_t hash) const { return ((slot ^ hash) & ~mask()) == 0; }
   const Symbol& symbolOf(Slot slot) const { return symbols_[(slot & mask()) - 1]; }
   uint32_t mask() const { return static_cast<uint32_t>(slots_.size() - 1); }
-  Place placeOf(std::string_view name, uint32_t hash) const;
+  Place placeOf(std::string_view name, const NameEnds& ends, uint32_t hash) const;
   Place search(std::string_view name, const NameEnds& ends, uint32_t hash) const;
   const Symbol* symbolAt(size_t at) const;
   void occupy(Place place, size_t index);

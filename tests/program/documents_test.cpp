@@ -23,13 +23,13 @@
 #include "base/version.h"
 #include "driver/options.h"
 #include "driver/run.h"
-#include "driver/seeds.h"
 #include "host/real_host.h"
 #include "inspect/check_options.h"
 #include "inspect/check_run.h"
 #include "inspect/checks.h"
 #include "isa/opcodes.h"
 #include "source/kinds.h"
+#include "source/seeds.h"
 #include "support/program.h"
 
 namespace kiln::test {
@@ -158,8 +158,8 @@ TEST(Documents, ListInstructionsAndNames) {
   expectGenerated("instructions", table);
 
   std::set<std::string> names;
-  const Seeds seeds = loadSeeds(MemoryHost(), {});
-  for (const Symbol& equate : seeds.symbols.symbols()) {
+  const SymbolTable symbols = seedSymbols(Seeds());
+  for (const Symbol& equate : symbols.symbols()) {
     const std::string name = (std::string(equate.name) + "       ").substr(0, 8);
     names.insert((name + dollarHex(equate.value, equate.value > 0xFF ? 4 : 2) + "     ").substr(0, 16));
   }

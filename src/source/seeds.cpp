@@ -1,4 +1,4 @@
-#include "driver/seeds.h"
+#include "source/seeds.h"
 
 #include <algorithm>
 #include <array>
@@ -72,7 +72,7 @@ std::string_view trimLine(std::string_view text) {
 
 // Ignores all lines but "name = $hex".
 void readDefinition(std::string_view line, SymbolTable& symbols) {
-  line = trimLine(line.substr(0, line.find(';')));
+  line = line.substr(0, line.find(';'));
   const size_t equals = line.find('=');
   if (equals == std::string_view::npos) return;
   std::string_view wording = trimLine(line.substr(equals + 1));
@@ -81,36 +81,33 @@ void readDefinition(std::string_view line, SymbolTable& symbols) {
   enterSeed(trimLine(line.substr(0, equals)), static_cast<uint32_t>(takeHex(wording)), symbols);
 }
 
-// The texts of the symbol files that can be used.
-std::vector<std::string_view> readSymbolFiles(const FileReader& files, const std::vector<std::string>& paths,
-                                              TextStore& store) {
-  std::vector<std::string_view> texts;
-  for (const std::string& path : paths) {
-    std::optional<std::string> text = files.readFile(path);
-    if (text.has_value() && isUtf8(*text)) texts.push_back(store.own(std::move(*text)));
-  }
-  return texts;
-}
-
 }  // namespace
 
-Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& symbolFiles) {
+Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& paths) {
   Seeds seeds;
-  const std::vector<std::string_view> texts = readSymbolFiles(files, symbolFiles, seeds.texts);
+  for (const std::string& path : paths) {
+    std::optional<std::string> text = files.readFile(path);
+    if (text.has_value() && isUtf8(*text)) seeds.files.push_back(seeds.texts.own(std::move(*text)));
+  }
+  return seeds;
+}
+
+SymbolTable seedSymbols(const Seeds& seeds) {
+  SymbolTable symbols;
   size_t expectedCount = equates.size();
-  for (std::string_view text : texts)
+  for (std::string_view text : seeds.files)
     expectedCount += text.size() / usualDefinition;
-  seeds.symbols.reserve(expectedCount);
-  for (std::string_view text : texts) {
+  symbols.reserve(expectedCount);
+  for (std::string_view text : seeds.files) {
     Fields lines(text, '\n');
     std::string_view line;
     while (lines.next(line))
-      readDefinition(line, seeds.symbols);
+      readDefinition(line, symbols);
   }
-  if (!seeds.symbols.symbols().empty()) return seeds;
+  if (!symbols.symbols().empty()) return symbols;
   for (const Equate& equate : equates)
-    enterSeed(equate.name, equate.value, seeds.symbols);
-  return seeds;
+    enterSeed(equate.name, equate.value, symbols);
+  return symbols;
 }
 
 bool isBuiltInName(std::string_view name) {
