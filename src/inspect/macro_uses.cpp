@@ -84,7 +84,8 @@ std::string_view MacroUse::name() const {
 
 std::string_view MacroUse::body() const {
   if (macro->body.empty()) return {};
-  const std::string_view first = macro->body.front().text, last = macro->body.back().text;
+  const std::string_view first = macro->body.front().text;
+  const std::string_view last = macro->body.back().text;
   return {first.data(), static_cast<size_t>(last.data() + last.size() - first.data())};
 }
 

@@ -415,10 +415,10 @@ draw:   RTS
 
 TEST(Cycles, AreThoseOfTheProcessorsManual) {
   constexpr int p = 100;  // one more when indexing leads to another page
-  constexpr Mode modes[] = {Mode::Implied,   Mode::Accumulator, Mode::Immediate,        Mode::ZeroPage,
-                            Mode::ZeroPageX, Mode::ZeroPageY,   Mode::Absolute,         Mode::AbsoluteX,
-                            Mode::AbsoluteY, Mode::Indirect,    Mode::IndexedIndirectX, Mode::IndirectIndexedY,
-                            Mode::Relative};
+  static constexpr Mode modes[] = {Mode::Implied,   Mode::Accumulator, Mode::Immediate,        Mode::ZeroPage,
+                                   Mode::ZeroPageX, Mode::ZeroPageY,   Mode::Absolute,         Mode::AbsoluteX,
+                                   Mode::AbsoluteY, Mode::Indirect,    Mode::IndexedIndirectX, Mode::IndirectIndexedY,
+                                   Mode::Relative};
   const struct {
     std::string name;
     std::array<int, std::size(modes)> cycles;
