@@ -40,7 +40,6 @@ bool StatementWalk::next(Statement& statement) {
   statement.isLast = !ahead_.has_value();
   statement.isMisread = false;
   statement.symbol = labels_.of(parsed);
-  statement.isMisread = false;
   statement.label = {};
   statement.rest = statement.text;
   if (parsed.hasLabel) {
