@@ -3,18 +3,12 @@
 #include <utility>
 #include <vector>
 
-#include "base/arithmetic.h"
 #include "base/format.h"
-#include "base/paths.h"
-#include "base/text.h"
 #include "driver/settings.h"
 #include "source/preprocessor.h"
 
 namespace kiln {
 namespace {
-
-// The start address of a program without bytes.
-constexpr uint32_t defaultRunAddress = 0x3400;
 
 // The inputs joined, with a line end after each.
 struct JoinedInputs {
@@ -51,25 +45,6 @@ void noteInputs(std::string_view source, const std::vector<size_t>& sizes, const
 }
 
 }  // namespace
-
-std::optional<std::string> chooseOutputPath(const Options& options) {
-  if (options.output.has_value()) return options.output;
-  const std::string stem = pathStem(options.inputs.front());
-  if (stem.empty() || stem == "/") return std::nullopt;
-  return stem + (options.format == Format::Prg ? ".prg" : ".xex");
-}
-
-Format chooseFormat(const Options& options, const std::optional<std::string>& outputPath) {
-  if (options.format.has_value()) return *options.format;
-  const bool isPrg = outputPath.has_value() && equalIgnoringCase(pathExtension(*outputPath), "prg");
-  return isPrg ? Format::Prg : Format::Xex;
-}
-
-uint32_t chooseRunAddress(const Options& options, const Assembler& assembler) {
-  const Symbol* const entry = options.entry.has_value() ? assembler.iteration->symbols.find(*options.entry) : nullptr;
-  if (entry != nullptr) return low16(entry->value);
-  return assembler.segments.empty() ? defaultRunAddress : assembler.segments.front().start;
-}
 
 std::string load(const Host& host, std::span<const std::string> arguments, Options& options, Assembler& assembler) {
   JoinedInputs inputs = readInputs(host, options.inputs);

@@ -8,10 +8,8 @@
 #include "base/format.h"
 #include "driver/load.h"
 #include "driver/options.h"
-#include "output/banked.h"
+#include "driver/output_file.h"
 #include "output/listing.h"
-#include "output/prg.h"
-#include "output/xex.h"
 #include "passes/pipeline.h"
 
 namespace kiln {
@@ -20,14 +18,6 @@ namespace {
 void printMessages(Console& console, const MessageList& messages) {
   for (const std::string& lines : messages.lines())
     console.printError(lines);
-}
-
-std::optional<Image> buildImage(Host& host, const Options& options, Assembler& assembler, Format format) {
-  const std::vector<AsSegment>& segments = assembler.segments;
-  if (format == Format::Prg) return writePrg(segments);
-  const uint32_t runAddress = chooseRunAddress(options, assembler);
-  if (!options.banked) return writeXex(segments, assembler.shadowPlan, runAddress, host);
-  return writeBanked(segments, assembler.shadowPlan, assembler.settings.banking, runAddress, host);
 }
 
 void printSummary(Console& console, const std::string& input, const std::string& output,
@@ -84,7 +74,7 @@ int assembleFiles(Host& host, std::span<const std::string> arguments) {
   }
 
   const std::optional<std::string> outputPath = chooseOutputPath(options);
-  const std::optional<Image> image = buildImage(host, options, assembler, chooseFormat(options, outputPath));
+  const std::optional<Image> image = buildImage(options, assembler, host);
   if (!writeFiles(host, options, outputPath, image, assembler)) return 1;
   printSummary(host, options.inputs.front(), *outputPath, assembler.segments);
   return 0;

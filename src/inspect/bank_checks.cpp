@@ -96,10 +96,10 @@ void BankChecks::checkFlatBanks() {
 
 void BankChecks::checkRegisters(const PlacedSegment& bank) {
   if (banking_.codeBankRegister == 0) {
-    findings_.add(Check::MissingRegister,
-                  {.at = bank.at,
-                   .text = "there is no register for the number of this bank, so kiln-as writes no file: give the "
-                           "layout file a line 'registers = LOW, HIGH'"});
+    findings_.addError({.at = bank.at,
+                        .text = "there is no register for the number of this bank, so kiln-as writes no file: give "
+                                "the layout file a line 'registers = LOW, HIGH'"},
+                       Check::MissingRegister);
     return;
   }
   const auto data = std::find_if(segments_.begin(), segments_.end(), usesDataRegister);

@@ -27,7 +27,7 @@ Options:
   -v, --version          Print version
   -h                     Show this help
 A comment "; check: allow NAME" allows a finding in its line.
-Exit status: 0 nothing found, 1 findings, 2 the program does not assemble.
+Exit status: 0 nothing found, 1 findings, 2 kiln-as would write no program.
 )";
 
 constexpr int failure = 2;

@@ -27,16 +27,17 @@ int complain(Console& console, std::string_view text) {
 // By convention any value but an empty one refuses.
 bool refusesColour(const Host& host) { return !host.environment("NO_COLOR").value_or("").empty(); }
 
-std::string render(const std::vector<Finding>& findings, const Program& program, ReportFormat format, bool inColour) {
-  switch (format) {
-    case ReportFormat::Text:
-      break;
-    case ReportFormat::Json:
-      return renderJson(findings);
-    case ReportFormat::Sarif:
-      return renderSarif(findings, *program.map);
+void print(Host& host, const std::vector<Finding>& findings, const Program& program, ReportFormat format,
+           bool isTerminal) {
+  if (format == ReportFormat::Sarif) return host.printOutput(renderSarif(findings, *program.map));
+  // In parts, as a million findings make a text of hundreds of megabytes.
+  constexpr size_t partSize = 1000;
+  const bool inColour = isTerminal && !refusesColour(host);
+  for (std::span<const Finding> rest = findings; !rest.empty();) {
+    const std::span<const Finding> part = rest.first(std::min(partSize, rest.size()));
+    host.printOutput(format == ReportFormat::Json ? renderJson(part) : renderText(part, *program.map, inColour));
+    rest = rest.subspan(part.size());
   }
-  return renderText(findings, *program.map, inColour);
 }
 
 int check(Host& host, std::span<const std::string> arguments, bool isTerminal) {
@@ -48,10 +49,11 @@ int check(Host& host, std::span<const std::string> arguments, bool isTerminal) {
   const std::unique_ptr<Program> program = assembleProgram(reader, arguments, options.assembler);
   if (!program->error.empty()) return complain(host, program->error);
   const std::vector<Finding> findings = checkProgram(*program, options.levels);
-  host.printOutput(render(findings, *program, options.report, isTerminal && !refusesColour(host)));
+  print(host, findings, *program, options.report, isTerminal);
   if (!program->isAssembled) return failure;
   const std::string error = writeOutputs(host, *program, options, reader.pathsRead());
   if (!error.empty()) return complain(host, error);
+  if (!program->isWritable) return failure;
   return findings.empty() ? foundNothing : foundSomething;
 }
 

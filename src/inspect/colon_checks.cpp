@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "inspect/foreign_words.h"
 #include "inspect/statement_words.h"
+#include "inspect/wording.h"
 
 namespace kiln {
 namespace {
@@ -67,7 +68,7 @@ bool ColonChecks::visitPlainLabel(const Statement& statement) {
 bool ColonChecks::visitOperand(const Statement& statement) {
   const size_t colon = statement.rest.find(':');
   if (colon == std::string_view::npos || statement.rest.find_first_of(quotes) < colon) return false;
-  const std::string text = concat({quoted(statement.argument), " is all taken for the operand, the colon included"});
+  const std::string text = concat({inQuotes(statement.argument), " is all taken for the operand, the colon included"});
   reporter_.add(Check::Separator, statement, separatorReport(statement.rest, colon, text));
   return true;
 }
@@ -82,14 +83,14 @@ bool ColonChecks::isLabelOfCall(const Statement& statement) {
 }
 
 void ColonChecks::reportSeparator(const Statement& statement) {
-  const std::string text = concat({"the colon makes ", quoted(statement.label), " a label, so it is not assembled"});
+  const std::string text = concat({"the colon makes ", inQuotes(statement.label), " a label, so it is not assembled"});
   reporter_.add(Check::Separator, statement, separatorReport(statement.text, statement.text.find(':'), text));
 }
 
 void ColonChecks::reportGreedyColon(const Statement& statement) {
   const std::string_view label = statement.label;
   Findings::Report report{.at = label,
-                          .text = concat({"the colon makes ", quoted(label), " a label, so it is not assembled"})};
+                          .text = concat({"the colon makes ", inQuotes(label), " a label, so it is not assembled"})};
   std::string_view rest = label;
   const std::string_view word = takeWord(rest);
   const bool isWord = word.size() == label.size();
@@ -113,7 +114,7 @@ bool ColonChecks::visitAssignment(const Statement& statement) {
   const std::string_view value = trimLeft(statement.rest.substr(equals + 1));
   if (!isUsableName(name) || name.front() == '>') {
     Findings::Report report{.at = name,
-                            .text = concat({"the '=' makes ", extentOf(statement), " an assignment to ", quoted(name),
+                            .text = concat({"the '=' makes ", extentOf(statement), " an assignment to ", inQuotes(name),
                                             ", so it makes no bytes"})};
     addNote(report, adviceForName(name, program_.notes.macros));
     reporter_.add(Check::GreedyEquals, statement, std::move(report));
@@ -123,7 +124,7 @@ bool ColonChecks::visitAssignment(const Statement& statement) {
   if (second == std::string_view::npos || value.find('\'') < second) return false;
   Findings::Report report{
       .at = value.substr(second, 1),
-      .text = concat({quoted(value), " is the value: a second '=' is part of it, and no operator"})};
+      .text = concat({inQuotes(value), " is the value: a second '=' is part of it, and no operator"})};
   addNote(report, "write one '=' and one value");
   if (second == 0 && value.size() > 1 && value.find('=', 1) == std::string_view::npos)
     report.fix.emplace_back(report.at, "");
@@ -133,8 +134,8 @@ bool ColonChecks::visitAssignment(const Statement& statement) {
 
 bool ColonChecks::reportMnemonicName(const Statement& statement) {
   Findings::Report report{.at = statement.rest,
-                          .text = concat({quoted(statement.word), " is an instruction, which takes ",
-                                          quoted(statement.argument), " for its operand"})};
+                          .text = concat({inQuotes(statement.word), " is an instruction, which takes ",
+                                          inQuotes(statement.argument), " for its operand"})};
   addNote(report, "choose another name for the value");
   reporter_.add(Check::GreedyEquals, statement, std::move(report));
   return true;

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "base/format.h"
 #include "base/text.h"
 #include "inspect/carriage_returns.h"
 #include "source/line_text.h"
@@ -13,9 +14,10 @@ namespace {
 
 constexpr std::string_view allowPrefix = "check: allow ";
 
-// True when the line's comment allows the check: "; check: allow NAME, NAME".
-bool allows(std::string_view line, std::string_view name) {
-  const std::string_view comment = line.substr(withoutComment(line).size());
+std::string_view commentOf(std::string_view line) { return line.substr(withoutComment(line).size()); }
+
+// True when the comment allows the check: "; check: allow NAME, NAME".
+bool allows(std::string_view comment, std::string_view name) {
   const size_t at = comment.find(allowPrefix);
   if (at == std::string_view::npos) return false;
   Fields names(comment.substr(at + allowPrefix.size()), ',');
@@ -91,20 +93,45 @@ bool Findings::isExplainedText(std::string_view text) const {
 
 void Findings::add(Check check, Report report, Severity severity) {
   const SourceNotes::Made* const made = map_.madeLine(report.at);
-  if (made != nullptr && allows(made->text, rowOf(check).name)) return;
+  std::optional<RepeatKey> key = repeatKey(check, report, made);
+  if (key.has_value()) {
+    const auto known = repeats_.find(*key);
+    if (known != repeats_.end()) {
+      ++known->second.count;
+      return;
+    }
+  }
   Finding finding = resolve(check, std::move(report));
   finding.severity = severity;
-  if (finding.place.line != 0 && severity == Severity::Warning && allows(lineOf(finding.place), rowOf(check).name)) {
-    return;
-  }
-  if (isOfReturn(finding)) return;
+  if (isAllowed(finding, made)) return;
+  if (key.has_value()) repeats_.emplace(std::move(*key), Repeats{findings_.size(), 0});
   findings_.push_back(std::move(finding));
 }
 
-// What else is wrong with a line that a carriage return spoils shows when that is gone.
-bool Findings::isOfReturn(const Finding& finding) const {
-  if (!wants(Check::CarriageReturn) || finding.check == Check::CarriageReturn || finding.place.line == 0) return false;
-  return isSpoiledByReturn(lineOf(finding.place));
+// Absent for what depends on the arguments of the call, or is no matter of a macro.
+std::optional<Findings::RepeatKey> Findings::repeatKey(Check check, const Report& report,
+                                                       const SourceNotes::Made* made) {
+  if (made == nullptr) return std::nullopt;
+  const std::string_view inBody = sameInBody(report.at, *made);
+  if (inBody.data() == nullptr) return std::nullopt;
+  return RepeatKey(inBody.data(), check, report.text);
+}
+
+// A comment can allow a warning, and what else is wrong with a line that a carriage return spoils shows when that is
+// gone.
+bool Findings::isAllowed(const Finding& finding, const SourceNotes::Made* made) {
+  const std::string_view name = rowOf(finding.check).name;
+  if (made != nullptr && allows(commentOf(made->text), name)) return true;
+  if (finding.place.line == 0) return false;
+  const LineFacts& facts = factsOf(finding.place);
+  if (finding.severity == Severity::Warning && allows(facts.comment, name)) return true;
+  return facts.isSpoiled && wants(Check::CarriageReturn) && finding.check != Check::CarriageReturn;
+}
+
+const Findings::LineFacts& Findings::factsOf(const Place& place) {
+  const std::string_view line = map_.lineOf(*place.file, place.line);
+  if (line.data() != facts_.line.data()) facts_ = {line, commentOf(line), isSpoiledByReturn(line)};
+  return facts_;
 }
 
 Finding Findings::resolve(Check check, Report report) const {
@@ -134,7 +161,18 @@ Finding Findings::resolve(Check check, Report report) const {
   return finding;
 }
 
+void Findings::noteRepeats() {
+  for (const auto& [key, repeats] : repeats_) {
+    if (repeats.count == 0 || isOfBody(std::get<Check>(key))) continue;
+    findings_[repeats.finding].notes.push_back(
+        {{},
+         concat({"the same in ", decimal(static_cast<int64_t>(repeats.count)), " more ",
+                 repeats.count == 1 ? "call" : "calls", " of the macro"})});
+  }
+}
+
 std::vector<Finding> Findings::take() {
+  noteRepeats();
   std::stable_sort(findings_.begin(), findings_.end(),
                    [](const Finding& a, const Finding& b) { return orderOf(a) < orderOf(b); });
   findings_.erase(std::unique(findings_.begin(), findings_.end(), areSame), findings_.end());

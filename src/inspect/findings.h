@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -82,12 +83,28 @@ class Findings {
   std::vector<Finding> take();
 
  private:
+  // What counts for all findings of a line.
+  struct LineFacts {
+    std::string_view line;
+    std::string_view comment;
+    bool isSpoiled;  // by a carriage return
+  };
+  // What a line of a macro causes in every call, whatever its arguments: the place in the body, check and text.
+  using RepeatKey = std::tuple<const char*, Check, std::string>;
+  // A finding that is reported at the first call of a macro only.
+  struct Repeats {
+    size_t finding;  // index
+    size_t count;    // of the other calls
+  };
+
   void add(Check check, Report report, Severity severity);
-  bool isOfReturn(const Finding& finding) const;
+  const LineFacts& factsOf(const Place& place);
+  static std::optional<RepeatKey> repeatKey(Check check, const Report& report, const SourceNotes::Made* made);
+  bool isAllowed(const Finding& finding, const SourceNotes::Made* made);
+  void noteRepeats();
   Finding resolve(Check check, Report report) const;
   bool isExplainedText(std::string_view text) const;
   bool overlapsExplained(std::string_view text) const;
-  std::string_view lineOf(const Place& place) const { return map_.lineOf(*place.file, place.line); }
 
   const SourceMap& map_;
   const CheckLevels& levels_;
@@ -95,6 +112,8 @@ class Findings {
   std::unordered_set<std::string> explained_;
   std::unordered_set<size_t> explainedLines_;
   std::map<const char*, const char*, std::less<>> explainedTexts_;  // begin and end; none overlaps the next
+  LineFacts facts_ = {};                                            // of the line asked about last
+  std::map<RepeatKey, Repeats> repeats_;
 };
 
 }  // namespace kiln

@@ -8,26 +8,11 @@
 #include "source/statements.h"
 
 namespace kiln {
-namespace {
-
-constexpr size_t longestQuote = 40;
-
-bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
-}  // namespace
 
 void LineReporter::add(Check check, const Statement& statement, Findings::Report report) {
   if (!findings_.wants(check)) return;
   explainMessages(statement);
-  if (!isRepeated(check, report.at)) findings_.add(check, std::move(report));
-}
-
-bool LineReporter::isRepeated(Check check, std::string_view at) {
-  const SourceNotes::Made* const made = program_.map->madeLine(at);
-  if (made == nullptr || made->pattern.find(at) == std::string_view::npos) return false;
-  const Place place = program_.map->placeOf(made->pattern);
-  if (place.line == 0) return false;
-  return !reported_.insert(concat({rowOf(check).name, " ", place.file->path, ":", decimal(place.line)})).second;
+  findings_.add(check, std::move(report));
 }
 
 // All that the assembler may say of its values: it says nothing of a name that it knows.
@@ -57,16 +42,6 @@ void LineReporter::explainValue(std::string_view expression) {
 
 void LineReporter::explainUndefined(std::string_view name) {
   findings_.explain(concat({"undefined symbol '", name, "', using 0"}));
-}
-
-std::string quoted(std::string_view text) {
-  const bool hasQuotes = text.starts_with('"') || text.starts_with('\'');
-  const std::string_view quote = hasQuotes ? "" : "'";
-  if (text.size() <= longestQuote) return concat({quote, text, quote});
-  size_t end = longestQuote;
-  while (end > 0 && isContinuation(text[end]))
-    --end;
-  return concat({quote, text.substr(0, end), "...", quote});
 }
 
 Findings::Report separatorReport(std::string_view code, size_t colon, std::string text) {

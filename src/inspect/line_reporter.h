@@ -25,18 +25,13 @@ class LineReporter {
   void explainUndefined(std::string_view name);
 
  private:
-  bool isRepeated(Check check, std::string_view at);
   void explainMessages(const Statement& statement);
   void explainValue(std::string_view expression);
 
   const Program& program_;
   Findings& findings_;
-  std::unordered_set<std::string> reported_;  // lines of macro bodies, with their checks
   std::string scratch_;
 };
-
-// The text between single quotes, unless it has quotes of its own; cut when it is long.
-std::string quoted(std::string_view text);
 
 // "this line" when the line has nothing besides the statement, else "this statement".
 std::string_view extentOf(const Statement& statement);

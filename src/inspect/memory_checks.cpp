@@ -1,5 +1,7 @@
 #include "inspect/memory_checks.h"
 
+#include "inspect/writer_messages.h"
+
 namespace kiln {
 namespace {
 
@@ -11,7 +13,9 @@ bool isLaidOut(const Program& program) {
 }  // namespace
 
 MemoryChecks::MemoryChecks(const Program& program, Findings& findings)
-    : statements_(program.iteration().statements.lines),
+    : program_(program),
+      findings_(findings),
+      statements_(program.iteration().statements.lines),
       isLaidOut_(isLaidOut(program)),
       hasRegions_(program.iteration().codeRegions.count() != 0),
       output_(outputKindOf(program)),
@@ -45,6 +49,7 @@ void MemoryChecks::follow(const Statement& statement) {
 }
 
 void MemoryChecks::finish() {
+  reportWriterMessages(program_, segments_, shadowChecks_.stage(), findings_);
   if (!isLaidOut_) return;
   segmentChecks_.finish();
   shadowChecks_.finish();

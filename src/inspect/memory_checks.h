@@ -36,6 +36,8 @@ class MemoryChecks {
  private:
   void follow(const Statement& statement);
 
+  const Program& program_;
+  Findings& findings_;
   const std::vector<AsLine>& statements_;
   const bool isLaidOut_;
   const bool hasRegions_;

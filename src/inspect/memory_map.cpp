@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "base/format.h"
-#include "driver/load.h"
+#include "driver/output_file.h"
 #include "output/pieces.h"
 #include "output/shadow.h"
 

@@ -8,7 +8,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
-#include "driver/load.h"
+#include "driver/output_file.h"
 #include "inspect/cycle_listing.h"
 #include "inspect/depfile.h"
 #include "inspect/labels.h"

@@ -1,6 +1,6 @@
 #include "inspect/placed_segments.h"
 
-#include "driver/load.h"
+#include "driver/output_file.h"
 
 namespace kiln {
 

@@ -1,7 +1,7 @@
 #include "inspect/placements.h"
 
 #include "base/arithmetic.h"
-#include "driver/load.h"
+#include "driver/output_file.h"
 #include "passes/placement.h"
 
 namespace kiln {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "driver/options.h"
 #include "host/host.h"
@@ -12,6 +13,12 @@
 #include "passes/assembler.h"
 
 namespace kiln {
+
+// What kiln-as prints when it makes the output file.
+struct WriterMessage {
+  std::string text;
+  bool isError;
+};
 
 struct Program {
   Options options;
@@ -21,6 +28,8 @@ struct Program {
   std::optional<SourceMap> map;       // of the notes, once they are complete
   std::string error;                  // what cannot be read and why; empty when all can
   bool isAssembled = false;           // without errors: the layout is final, and there are segments
+  bool isWritable = false;            // kiln-as would write the output file
+  std::vector<WriterMessage> writerMessages;
 
   // The last iteration; there is one unless something cannot be read.
   const Iteration& iteration() const { return *assembler.iteration; }

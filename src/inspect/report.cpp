@@ -24,6 +24,10 @@ struct Colours {
 
 constexpr size_t numberWidth = 5;
 
+// Of a longer line a part is shown, in bytes.
+constexpr size_t mostShown = 200;
+constexpr size_t shownBefore = 80;
+
 void appendPlace(std::string& out, const Place& place, const Colours& colours) {
   out += colours.bold;
   if (place.line == 0) {
@@ -42,24 +46,47 @@ void appendVisible(std::string& out, std::string_view text) {
   }
 }
 
+bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// The part of a line that is shown: bytes [begin, end).
+struct Extract {
+  size_t begin;
+  size_t end;
+};
+
+// All of the line, unless a line of millions of statements would be shown for each finding in it.
+Extract extractOf(std::string_view line, const Place& place) {
+  Extract extract{0, line.size()};
+  if (line.size() <= mostShown) return extract;
+  if (place.column > shownBefore) extract.begin = place.column - shownBefore;
+  extract.end = std::min(line.size(), extract.begin + mostShown);
+  while (extract.begin < place.column - 1 && isContinuation(line[extract.begin]))
+    ++extract.begin;
+  while (extract.end < line.size() && isContinuation(line[extract.end]))
+    ++extract.end;
+  return extract;
+}
+
 // The line, and below it "^" for the first byte and "~" for the others. A tab stays a tab, so that the mark is below
 // its text on every terminal.
 void appendLine(std::string& out, std::string_view line, const Place& place, const Colours& colours) {
+  const auto [begin, end] = extractOf(line, place);
+  const std::string_view cutOff = begin == 0 ? "" : "...";
   const std::string number = decimal(place.line);
   out.append(number.size() < numberWidth ? numberWidth - number.size() : 0, ' ');
-  out += number + " | ";
-  appendVisible(out, line);
-  out.push_back('\n');
+  out += concat({number, " | ", cutOff});
+  appendVisible(out, line.substr(begin, end - begin));
+  out += end == line.size() ? "\n" : "...\n";
   out.append(std::max(numberWidth, number.size()), ' ');
   out += " | ";
-  const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-  for (char c : line.substr(0, place.column - 1)) {
+  out.append(cutOff.size(), ' ');
+  for (char c : line.substr(begin, place.column - 1 - begin)) {
     if (!isContinuation(c)) out.push_back(c == '\t' ? '\t' : ' ');
   }
   out += colours.mark;
   out.push_back('^');
-  for (uint32_t at = place.column + 1; at < place.endColumn && at <= line.size(); ++at) {
-    if (!isContinuation(line[at - 1])) out.push_back('~');
+  for (size_t at = place.column; at + 1 < place.endColumn && at < end; ++at) {
+    if (!isContinuation(line[at])) out.push_back('~');
   }
   out += colours.end;
   out.push_back('\n');
@@ -84,7 +111,7 @@ void appendFinding(std::string& out, const Finding& finding, const SourceMap& ma
 
 }  // namespace
 
-std::string renderText(const std::vector<Finding>& findings, const SourceMap& map, bool inColour) {
+std::string renderText(std::span<const Finding> findings, const SourceMap& map, bool inColour) {
   const Colours colours(inColour);
   std::string out;
   for (const Finding& finding : findings)

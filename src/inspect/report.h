@@ -1,20 +1,21 @@
 // Findings as people and programs read them.
 #pragma once
 
+#include <span>
 #include <string>
-#include <vector>
 
 #include "inspect/findings.h"
 
 namespace kiln {
 
 // "FILE:LINE:COLUMN: warning: TEXT [CHECK]", the line and a mark below it, then the notes.
-std::string renderText(const std::vector<Finding>& findings, const SourceMap& map, bool inColour);
+// Of a long line, only what is near the mark.
+std::string renderText(std::span<const Finding> findings, const SourceMap& map, bool inColour);
 
 // One JSON object a line.
-std::string renderJson(const std::vector<Finding>& findings);
+std::string renderJson(std::span<const Finding> findings);
 
 // A SARIF 2.1.0 document, which code hosts read.
-std::string renderSarif(const std::vector<Finding>& findings, const SourceMap& map);
+std::string renderSarif(std::span<const Finding> findings, const SourceMap& map);
 
 }  // namespace kiln

@@ -135,14 +135,14 @@ Json rules() {
 
 }  // namespace
 
-std::string renderJson(const std::vector<Finding>& findings) {
+std::string renderJson(std::span<const Finding> findings) {
   std::string lines;
   for (const Finding& finding : findings)
     lines += dump(toJson(finding), -1);
   return lines;
 }
 
-std::string renderSarif(const std::vector<Finding>& findings, const SourceMap& map) {
+std::string renderSarif(std::span<const Finding> findings, const SourceMap& map) {
   const SarifWriter writer(map);
   Json results = Json::array();
   for (const Finding& finding : findings)

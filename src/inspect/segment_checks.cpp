@@ -4,7 +4,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
-#include "driver/load.h"
+#include "driver/output_file.h"
 #include "inspect/overlaps.h"
 
 namespace kiln {

@@ -29,6 +29,9 @@ class ShadowChecks {
   // After the last statement.
   void finish();
 
+  // The last ".shadow_stage"; null data without one.
+  std::string_view stage() const { return stage_; }
+
  private:
   void checkHalf();
   void checkStage();

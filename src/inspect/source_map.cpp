@@ -89,8 +89,8 @@ std::string_view SourceMap::lineOf(const SourceNotes::File& file, uint32_t line)
   if (lines == nullptr || line == 0) return {};
   const std::vector<uint32_t>& starts = startsOf(*lines);
   if (line > starts.size()) return {};
-  const std::string_view rest = file.text.substr(starts[line - 1]);
-  return rest.substr(0, rest.find('\n'));
+  const uint32_t start = starts[line - 1];
+  return line == starts.size() ? file.text.substr(start) : file.text.substr(start, starts[line] - 1 - start);
 }
 
 }  // namespace kiln

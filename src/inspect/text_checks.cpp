@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "base/utf8.h"
 #include "inspect/statement_words.h"
+#include "inspect/wording.h"
 
 namespace kiln {
 namespace {
@@ -82,7 +83,7 @@ bool TextChecks::visitList(const Statement& statement) {
   const std::string_view text = list.substr(begin, end == std::string_view::npos ? end : end - begin + 1);
   Findings::Report report{
       .at = text,
-      .text = concat({"there are no texts in lists: ", quoted(text), " is an unknown name, which counts as 0"})};
+      .text = concat({"there are no texts in lists: ", inQuotes(text), " is an unknown name, which counts as 0"})};
   const std::string_view letters = text.size() > 2 ? text.substr(1, text.size() - 2) : std::string_view();
   const bool isBytes = statement.parsed->kind == Kind::Byte && end != std::string_view::npos;
   if (isBytes && !letters.empty() && letters.size() <= longestAsNumbers && countQuotes(list) <= 2) {

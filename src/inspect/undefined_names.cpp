@@ -6,6 +6,7 @@
 #include "base/format.h"
 #include "base/text.h"
 #include "inspect/expression_names.h"
+#include "inspect/wording.h"
 #include "source/line_text.h"
 #include "source/seeds.h"
 
@@ -14,8 +15,6 @@ namespace {
 
 constexpr std::string_view bankPrefix = "__bank_";
 constexpr size_t mostChanges = 2;  // that NearNames accepts
-
-std::string quoted(std::string_view text) { return concat({"'", text, "'"}); }
 
 // The name that a statement defines, as its uses in the same scope are written: the label, or what it assigns to.
 std::string_view definedName(std::string_view statement) {
@@ -141,19 +140,20 @@ void UndefinedNames::report(const Use& use) {
   Check check = Check::Undefined;
   if (use.isUnscoped && elsewhere != nullptr) {
     check = Check::LocalInList;
-    report.text = concat({quoted(use.name),
+    report.text = concat({inQuotes(use.name),
                           " gets no scope here, so it is an unknown name and counts as 0: write the "
                           "full name, such as ",
-                          quoted(elsewhere->name)});
+                          inQuotes(elsewhere->name)});
   } else if (!number.empty() && report.notes.empty()) {
     check = Check::NumberLikeName;
     report.text = concat(
-        {quoted(use.name), " is a name, which nothing defines: it counts as 0; write ", number, " for the number"});
+        {inQuotes(use.name), " is a name, which nothing defines: it counts as 0; write ", number, " for the number"});
     if (use.written == use.name && isWrittenWithH(use.name)) report.fix.emplace_back(use.written, number);
-  } else if (use.written != use.name && use.written.starts_with('.')) {
-    report.text = concat({quoted(use.written), " is not defined in the scope ", quoted(use.scope), ": it counts as 0"});
+  } else if (use.written != use.name && use.written == localPart(use.name)) {
+    report.text =
+        concat({inQuotes(use.written), " is not defined in the scope ", inQuotes(use.scope), ": it counts as 0"});
   } else {
-    report.text = concat({quoted(use.name), " is not defined: it counts as 0"});
+    report.text = concat({inQuotes(use.name), " is not defined: it counts as 0"});
   }
   findings_.add(check, std::move(report));
 }
@@ -180,7 +180,7 @@ const Symbol* UndefinedNames::addHints(const Use& use, Findings::Report& report)
   if (std::string hint = near_.hint(); !hint.empty()) report.notes.emplace_back(std::string_view(), std::move(hint));
   if (elsewhere == nullptr) return nullptr;
   report.notes.emplace_back(definitions_.first(*elsewhere).text,
-                            concat({"a local label of another scope has this name: ", quoted(elsewhere->name)}));
+                            concat({"a local label of another scope has this name: ", inQuotes(elsewhere->name)}));
   return elsewhere;
 }
 

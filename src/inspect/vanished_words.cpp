@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "inspect/foreign_words.h"
 #include "inspect/statement_words.h"
+#include "inspect/wording.h"
 
 namespace kiln {
 namespace {
@@ -52,7 +53,7 @@ std::string_view adviceFor(std::string_view rest) {
 }
 
 std::string unknownText(const Statement& statement, std::string_view word) {
-  return concat({quoted(word), " is no instruction, directive or macro: ", extentOf(statement), " makes nothing"});
+  return concat({inQuotes(word), " is no instruction, directive or macro: ", extentOf(statement), " makes nothing"});
 }
 
 void addNote(Findings::Report& report, std::string_view text) {
@@ -73,7 +74,7 @@ void VanishedWords::report(const Statement& statement) {
 
 bool VanishedWords::reportNoAddress(const Statement& statement) {
   Findings::Report report{.at = statement.word,
-                          .text = concat({quoted(statement.word), " has no argument: the segment begins at $0000"})};
+                          .text = concat({inQuotes(statement.word), " has no argument: the segment begins at $0000"})};
   addNote(report, "write its address, '.cloaked_segment $5000'");
   reporter_.add(Check::MissingArgument, statement, std::move(report));
   return true;
@@ -92,7 +93,7 @@ bool VanishedWords::isOfMacro(const Statement& statement) const {
 bool VanishedWords::reportDirective(const Statement& statement) {
   const DirectiveWord* const directive = directiveOf(statement.word);
   if (directive == nullptr) return false;
-  const std::string name = quoted(statement.word);
+  const std::string name = inQuotes(statement.word);
   if (statement.argument.empty()) {
     Findings::Report report{.at = statement.word,
                             .text = concat({name, " has no argument: ", extentOf(statement), " makes nothing"})};
@@ -128,7 +129,7 @@ bool VanishedWords::reportMissingSpace(const Statement& statement) {
   if (!isSign && !isShift && (used_.contains(word) || !isKnownName(statement, after))) return false;
   Findings::Report report{
       .at = word,
-      .text = concat({quoted(known), " has no space after it: ", extentOf(statement), " makes nothing"}),
+      .text = concat({inQuotes(known), " has no space after it: ", extentOf(statement), " makes nothing"}),
       .fix = {{endOf(known), " "}}};
   addNote(report, concat({"write '", known, " ", word.substr(size), "'"}));
   reporter_.add(Check::Vanished, statement, std::move(report));
@@ -152,7 +153,7 @@ bool VanishedWords::reportColon(const Statement& statement) {
   const std::string_view colon = statement.rest.substr(at, 1);
   const bool isStatement = beginsStatement(before, program_.notes.macros);
   if (isStatement && beginsStatement(statement.rest.substr(at + 1), program_.notes.macros)) {
-    const std::string text = concat({quoted(before), " is no statement, because the colon belongs to it"});
+    const std::string text = concat({inQuotes(before), " is no statement, because the colon belongs to it"});
     reporter_.add(Check::Separator, statement, separatorReport(statement.rest, at, text));
   } else if (isStatement || before.empty()) {
     Findings::Report report{.at = colon, .text = "a second colon after the label: what comes after it makes nothing"};
@@ -183,7 +184,7 @@ bool VanishedWords::reportEquals(const Statement& statement) {
     report.fix.emplace_back(spanOf(sign, address.substr(0, 0)), ".org ");
   } else if (rest.front() == '=' && !statement.label.empty()) {
     report = {.at = rest,
-              .text = concat({"the colon makes ", quoted(statement.label), " a label, whose value is an address"})};
+              .text = concat({"the colon makes ", inQuotes(statement.label), " a label, whose value is an address"})};
     addNote(report, concat({"write '", statement.label, " ", rest, "'"}));
     report.fix.emplace_back(spanOf(endOf(statement.label), rest.substr(0, 0)), " ");
   } else if (rest.front() == '=') {

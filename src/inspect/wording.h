@@ -19,8 +19,12 @@ inline std::string shortened(std::string_view text) {
   return concat({text.substr(0, end), "..."});
 }
 
-// The same in single quotes.
-inline std::string inQuotes(std::string_view text) { return concat({"'", shortened(text), "'"}); }
+// The same in single quotes, unless the text begins with a quote.
+inline std::string inQuotes(std::string_view text) {
+  const bool hasQuotes = text.starts_with('"') || text.starts_with('\'');
+  const std::string_view quote = hasQuotes ? "" : "'";
+  return concat({quote, shortened(text), quote});
+}
 
 // "$2C", "$012C", "-300".
 inline std::string valueText(int64_t value) {

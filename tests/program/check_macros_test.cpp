@@ -143,6 +143,16 @@ TEST(CheckMacros, SeeCallsThatAreNotExpanded) {
   });
 }
 
+TEST(CheckMacros, ReportAMistakeInABodyOnce) {
+  const std::string body = ".macro M n\n LDA #300\n LDX #n";
+  expectFindings({.source = body + program + "M 1\n M 2\n M 300\n M 300\n RTS"},
+                 {"6:1 cut-value", "8:2 cut-value", "9:2 cut-value"});
+  // Not at a call that allows it.
+  expectFindings({.source = body + program + "M 1 ; check: allow cut-value\n M 2\n M 3\n RTS"}, {"7:2 cut-value"});
+  const std::vector<std::string> texts = findingTextsIn({.source = body + program + "M 1\n M 2\n RTS"});
+  EXPECT_EQ(texts.back(), "the same in 1 more call of the macro");
+}
+
 TEST(CheckMacros, FixWhatTheyCan) {
   const std::vector<std::pair<std::string, std::string>> rows = {
       {".macro M n\n LDA #1\n; two\n\n LDX #n\n\n .org $2000\n M 1",

@@ -196,5 +196,24 @@ TEST(CheckMemory, FindsCallsThatSelectNoBank) {
       layouts);
 }
 
+TEST(CheckMemory, ReportsWhatTheWritersOfFilesSay) {
+  const std::string main = ".org $2000\nRTS\n", bank = ".bank one\n.byte 1\n";
+  const std::string shadow = ".shadow_ranges $C000-$CFFF\n.org $C000\n.byte 1\n";
+  expectAll(
+      {
+          {main + bank + ".bank two\n.space $4000\n", {}, "-L plain.lnk"},
+          {main + bank + ".bank two\n.space $4001\n", {"5:1 assembler"}, "-L plain.lnk"},
+          {".org $3FFF\nRTS\n" + bank, {}, "-L plain.lnk"},
+          {".org $3FFF\nNOP\nRTS\n" + bank, {"1:1 assembler"}, "-L plain.lnk"},
+          {shadow + ".shadow_stage $7F86\n"},  // up to $8000: 122 bytes
+          {shadow + ".shadow_stage $7F87\n", {"4:1 assembler"}},
+          {shadow + ".shadow_stage $FF87\n", {"4:1 assembler", "4:1 assembler"}},  // the screen, and the end of memory
+          {".cloaked_segment $4000,1\n.byte 1\n.cloaked_segment_end\n" + main, {"1:1 assembler"}, "-L plain.lnk"},
+          {"; nothing\n"},
+          {"; nothing\n", {"assembler"}, "-f prg"},
+      },
+      layouts);
+}
+
 }  // namespace
 }  // namespace kiln::test

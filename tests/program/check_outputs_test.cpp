@@ -381,6 +381,19 @@ TEST(CheckOutputs, RefuseWhatCannotBeWritten) {
   }
 }
 
+// A program that the assembler cannot write is reported, and its map helps to find the reason.
+TEST(CheckOutputs, EndWithFailureWhenTheProgramCannotBeWritten) {
+  const Files files = {{"l.lnk", bankLayout}, {"big", " .bank one\n .space $4001"}, {"none", ""}, {"nop", " NOP"}};
+  for (const std::string line :
+       {"-L l.lnk big", "-f prg none", "-o nop nop", "-l nop nop", "-o x -L l.lnk -o l.lnk nop"}) {
+    MemoryHost host;
+    host.files = files;
+    EXPECT_EQ(runCheck(host, words("kiln-check -Wno-before-origin --map=map.txt " + line), false), 2) << line;
+    EXPECT_NE(host.standardOutput.find("error: "), std::string::npos) << line;
+    EXPECT_EQ(host.written.count("map.txt"), 1U) << line;
+  }
+}
+
 // The stager's code comes after a line that a macro has made, and that line has a message.
 TEST(CheckOutputs, EndAfterALineThatTheStagerKeeps) {
   const std::string source = R"(.macro DONE
