@@ -16,8 +16,10 @@ declare -A mayInclude=(
   [passes]='base/|host/|isa/|layout/|source/|output/|passes/'
   [driver]='base/|host/|isa/|layout/|source/|output/|passes/|driver/'
   [inspect]='base/|host/|isa/|layout/|source/|output/|passes/|driver/|inspect/'
+  [lsp]='base/|host/|isa/|layout/|source/|output/|passes/|driver/|inspect/|lsp/'
   [main.cpp]='.*/'
   [check_main.cpp]='.*/'
+  [lsp_main.cpp]='.*/'
 )
 
 # Prints "file:line:directive" for every #include below the current folder.

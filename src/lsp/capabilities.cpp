@@ -1,0 +1,17 @@
+#include "lsp/capabilities.h"
+
+namespace kiln {
+
+Json capabilities(Encoding encoding) {
+  constexpr int incremental = 2;
+  return {
+      {"positionEncoding", encoding == Encoding::Utf8 ? "utf-8" : "utf-16"},
+      {"textDocumentSync", {{"openClose", true}, {"change", incremental}, {"save", true}}},
+      {"workspace", {{"workspaceFolders", {{"supported", true}, {"changeNotifications", true}}}}},
+      {"definitionProvider", true},
+      {"referencesProvider", true},
+      {"documentHighlightProvider", true},
+  };
+}
+
+}  // namespace kiln

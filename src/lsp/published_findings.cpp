@@ -1,0 +1,101 @@
+#include "lsp/published_findings.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "lsp/uri.h"
+
+namespace kiln {
+namespace {
+
+constexpr int severityError = 1;
+constexpr int severityWarning = 2;
+constexpr int tagUnnecessary = 1;
+
+using Lists = std::map<std::string, Json>;  // by URI
+
+void add(Lists& lists, const std::string& uri, Json diagnostic) {
+  Json& list = lists.try_emplace(uri, Json::array()).first->second;
+  // A file of several programs has the same findings in each.
+  if (std::find(list.begin(), list.end(), diagnostic) == list.end()) list.push_back(std::move(diagnostic));
+}
+
+Json simpleDiagnostic(uint32_t line, const std::string& text) {
+  return {{"range", toJson(Range{{line, 0}, {line + 1, 0}})},
+          {"severity", severityError},
+          {"source", "kiln"},
+          {"message", text}};
+}
+
+// A note has a place of its own, or is a line of the message.
+Json diagnosticOf(const Finding& finding, Range range, Locations& locations, const SourceMap& map) {
+  std::string message = finding.text;
+  Json related = Json::array();
+  for (const Note& note : finding.notes) {
+    const bool isElsewhere =
+        note.place.line != 0 && (note.place.file != finding.place.file || note.place.line != finding.place.line);
+    if (isElsewhere) {
+      related.push_back(
+          {{"location", locations.locationOf(Locations::textAt(map, note.place))}, {"message", note.text}});
+    } else {
+      message += "\n" + note.text;
+    }
+  }
+  Json diagnostic = {{"range", toJson(range)},
+                     {"severity", finding.severity == Severity::Error ? severityError : severityWarning},
+                     {"code", rowOf(finding.check).name},
+                     {"source", "kiln"},
+                     {"message", std::move(message)}};
+  if (!related.empty()) diagnostic["relatedInformation"] = std::move(related);
+  if (finding.check == Check::Vanished) diagnostic["tags"] = {tagUnnecessary};
+  return diagnostic;
+}
+
+void addFindings(const Session& session, const Analysis& analysis, Lists& lists) {
+  Locations locations(session, analysis);
+  const SourceNotes::File& mainFile = analysis.program().notes.files.front();
+  for (const Finding& finding : analysis.findings()) {
+    const std::string_view text = Locations::textAt(analysis.map(), finding.place);
+    const bool hasPlace = finding.place.line != 0;
+    const SourceNotes::File& file = hasPlace ? *finding.place.file : mainFile;
+    const Range range = hasPlace ? locations.rangeOf(file, text) : Range();
+    add(lists, locations.uriOf(file), diagnosticOf(finding, range, locations, analysis.map()));
+  }
+}
+
+// Why a program cannot be read: at its line in ".kiln", or in the document itself.
+void addError(const Session& session, const Analysis& analysis, Lists& lists) {
+  const CommandLine& line = analysis.commandLine();
+  const bool hasProject = !line.projectPath.empty();
+  const std::string path = hasProject ? line.projectPath : line.arguments.front();
+  add(lists, uriOf(session, plainPath(path)),
+      simpleDiagnostic(hasProject ? line.projectLine - 1 : 0, analysis.error()));
+}
+
+}  // namespace
+
+std::vector<Json> PublishedFindings::update(Session& session) {
+  Lists lists;
+  for (const auto& [uri, text] : sent_)
+    lists[uri] = Json::array();
+  for (const Analysis* analysis : session.workspace.programsOfOpenDocuments())
+    analysis->error().empty() ? addFindings(session, *analysis, lists) : addError(session, *analysis, lists);
+  std::vector<Json> notifications;
+  std::map<std::string, std::string> sent;
+  for (auto& [uri, list] : lists) {
+    std::string text = dumpJson(list);
+    const auto before = sent_.find(uri);
+    if (before == sent_.end() || before->second != text) {
+      Json params = {{"uri", uri}, {"diagnostics", std::move(list)}};
+      const std::optional<std::string> path = pathOfUri(uri);
+      const Document* const document = path.has_value() ? session.documents.find(*path) : nullptr;
+      if (document != nullptr && document->version.is_number()) params["version"] = document->version;
+      notifications.push_back({{"jsonrpc", "2.0"}, {"method", "textDocument/publishDiagnostics"}, {"params", params}});
+    }
+    if (text != "[]") sent.emplace(uri, std::move(text));
+  }
+  sent_ = std::move(sent);
+  return notifications;
+}
+
+}  // namespace kiln

@@ -1,0 +1,47 @@
+#include "lsp/session.h"
+
+#include "lsp/uri.h"
+
+namespace kiln {
+
+std::optional<Target> findTarget(Session& session, const Json& params) {
+  const std::optional<std::string> path = pathOfUri(textOf(memberOf(params, {"textDocument", "uri"})));
+  const Document* const document = path.has_value() ? session.documents.find(*path) : nullptr;
+  if (document == nullptr) return std::nullopt;
+  for (const Analysis* analysis : session.workspace.programsOf(*path)) {
+    const SourceNotes::File* const source = analysis->error().empty() ? analysis->sourceAt(*path) : nullptr;
+    if (source == nullptr || source->text != document->text) continue;
+    return Target{*document, *analysis, *source, TextIndex(source->text, session.encoding)};
+  }
+  return std::nullopt;
+}
+
+std::string uriOf(const Session& session, const std::string& path) {
+  const Document* const document = session.documents.find(path);
+  return document != nullptr ? document->uri : uriOfPath(path);
+}
+
+std::string Locations::uriOf(const SourceNotes::File& file) const {
+  return kiln::uriOf(session_, plainPath(file.path));
+}
+
+Range Locations::rangeOf(const SourceNotes::File& file, std::string_view text) {
+  const TextIndex& index = indexes_.try_emplace(&file, file.text, session_.encoding).first->second;
+  const auto begin = static_cast<size_t>(text.data() - file.text.data());
+  return index.rangeOf(begin, begin + text.size());
+}
+
+Json Locations::locationOf(std::string_view text) {
+  const SourceNotes::File* const file = analysis_.map().fileOf(text);
+  if (file == nullptr) return nullptr;
+  return {{"uri", uriOf(*file)}, {"range", toJson(rangeOf(*file, text))}};
+}
+
+std::string_view Locations::textAt(const SourceMap& map, const Place& place) {
+  if (place.line == 0) return {};
+  const std::string_view line = map.lineOf(*place.file, place.line);
+  const size_t begin = std::min<size_t>(place.column - 1, line.size());
+  return line.substr(begin, place.endColumn - place.column);
+}
+
+}  // namespace kiln
