@@ -122,6 +122,10 @@ void Workspace::readFolders() {
   sources_.clear();
   for (const std::string& folder : folders_)
     readFolder(folder, 0);
+  // These may not be on the disk yet, or in another folder.
+  for (const auto& [path, document] : documents_.all()) {
+    if (isSource(path)) readSource(path);
+  }
 }
 
 void Workspace::readFolder(const std::string& folder, int depth) {
