@@ -17,6 +17,8 @@ constexpr Method methods[] = {
 
 }  // namespace
 
+std::span<const Method> methodRows() { return methods; }
+
 const Method* findMethod(std::string_view name) {
   const auto* const row = std::find_if(std::begin(methods), std::end(methods),
                                        [name](const Method& method) { return method.name == name; });

@@ -1,6 +1,7 @@
 // The requests that the server answers, each in a file of its own.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "lsp/answer.h"
@@ -13,6 +14,9 @@ struct Method {
   // Null where there is nothing to say.
   Answer (*answer)(Session& session, const Json& params);
 };
+
+// In the order of their names.
+std::span<const Method> methodRows();
 
 // Null for an unknown method.
 const Method* findMethod(std::string_view name);
