@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/format.h"
+#include "inspect/expression_names.h"
 #include "passes/stage_code.h"
 #include "source/line_text.h"
 #include "source/statements.h"
@@ -82,7 +83,7 @@ void BranchChecks::checkLostParts(const Statement& statement, std::string_view s
 void BranchChecks::explainLostLabel(std::string_view label, std::string_view scope) {
   if (label.front() == '>') label.remove_prefix(1);
   const std::string_view prefix = label.starts_with('.') ? scope : std::string_view();
-  findings_.explain(concat({"undefined symbol '", prefix, label, "', using 0"}));
+  findings_.explain(undefinedMessage(concat({prefix, label})));
 }
 
 void BranchChecks::checkSkip(const Statement& statement, const CodeFlow& flow, std::string_view source) {

@@ -1,4 +1,5 @@
-// The operands of an expression: the texts that the evaluator takes as a number or a name.
+// The operands of an expression in their order, missing ones included: the texts that the evaluator takes as a number
+// or a name.
 #pragma once
 
 #include <cstddef>

@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "inspect/name_text.h"
 #include "source/data_items.h"
 #include "source/literals.h"
 #include "source/statements.h"
@@ -14,8 +15,6 @@ constexpr std::string_view undefinedSuffix = "', using 0";
 
 // Longer texts are not searched: for each of a million names in a line, that would take quadratic time.
 constexpr size_t longestSearch = 4096;
-
-bool isNamePart(char c) { return isIdentifierCharacter(c) || c == '.'; }
 
 // A name that may be written without its scope.
 std::string_view findInScope(std::string_view text, std::string_view name, std::string_view scope) {
@@ -90,17 +89,6 @@ std::string_view undefinedName(std::string_view message) {
   message.remove_prefix(undefinedPrefix.size());
   message.remove_suffix(undefinedSuffix.size());
   return message;
-}
-
-bool isPlainName(std::string_view text) { return !text.empty() && leadingSymbol(text) == text; }
-
-std::string_view findName(std::string_view text, std::string_view name) {
-  for (size_t at = text.find(name); at != std::string_view::npos; at = text.find(name, at + 1)) {
-    const size_t end = at + name.size();
-    const bool begins = at == 0 || !isNamePart(text[at - 1]);
-    if (begins && (end == text.size() || !isNamePart(text[end]))) return text.substr(at, name.size());
-  }
-  return {};
 }
 
 std::string_view usedName(const Statement& statement, std::string_view name) {

@@ -1,4 +1,4 @@
-// The names that expressions use, and where they are written.
+// The names that the evaluator looks up for a statement, and where they are written.
 #pragma once
 
 #include <cstdint>
@@ -45,12 +45,6 @@ class ExpressionNames {
 std::string undefinedMessage(std::string_view name);
 // The name in such a message; empty for other messages.
 std::string_view undefinedName(std::string_view message);
-
-// True for letters, digits, "_" and "." that do not begin with a digit.
-bool isPlainName(std::string_view text);
-
-// The first place of the name in the text where it is not a part of a longer name; null data when there is none.
-std::string_view findName(std::string_view text, std::string_view name);
 
 // Where the statement has a name that it uses. `name` may have the statement's scope in front. The text after the word,
 // or the whole statement, when it cannot be found; the word when the text is too long for a search.

@@ -6,6 +6,8 @@
 #include "base/format.h"
 #include "base/hex.h"
 #include "base/text.h"
+#include "inspect/expression_names.h"
+#include "inspect/name_text.h"
 #include "inspect/other_operators.h"
 #include "inspect/wording.h"
 #include "source/literals.h"
@@ -22,10 +24,6 @@ bool isSign(char c) { return c == '+' || c == '-'; }
 template <typename Predicate>
 bool isAllOf(std::string_view text, Predicate predicate) {
   return !text.empty() && std::all_of(text.begin(), text.end(), predicate);
-}
-
-bool isPlainName(std::string_view leaf) {
-  return !isDigit(leaf.front()) && isAllOf(leaf, [](char c) { return isIdentifierCharacter(c) || c == '.'; });
 }
 
 bool isPlainNumber(std::string_view leaf) {
@@ -161,7 +159,7 @@ void LeafChecks::checkNumber(std::string_view leaf) {
 void LeafChecks::checkUndefined(std::string_view leaf) {
   if (symbols_.find(leaf) != nullptr || symbols_.findIgnoringCase(leaf, symbolHash(leaf)) != nullptr) return;
   hasZero_ = true;
-  findings_.explain(concat({"undefined symbol '", leaf, "', using 0"}));
+  findings_.explain(undefinedMessage(leaf));
   const bool isReported = static_cast<size_t>(leaf.data() - expression_.data()) < reported_;
   if (!isReported && !leaf.ends_with('\r')) reportUndefined(leaf);
 }

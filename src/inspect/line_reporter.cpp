@@ -4,6 +4,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "inspect/expression_names.h"
 #include "source/data_items.h"
 #include "source/statements.h"
 
@@ -40,9 +41,7 @@ void LineReporter::explainValue(std::string_view expression) {
     findings_.explain(std::string(messages[i]));
 }
 
-void LineReporter::explainUndefined(std::string_view name) {
-  findings_.explain(concat({"undefined symbol '", name, "', using 0"}));
-}
+void LineReporter::explainUndefined(std::string_view name) { findings_.explain(undefinedMessage(name)); }
 
 Findings::Report separatorReport(std::string_view code, size_t colon, std::string text) {
   const std::string_view before = trimRight(code.substr(0, colon));

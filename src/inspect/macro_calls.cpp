@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "base/format.h"
+#include "inspect/expression_names.h"
+#include "inspect/name_text.h"
 #include "source/line_text.h"
 
 namespace kiln {
@@ -178,7 +180,7 @@ void MacroCalls::checkEmpty(const Call& call) {
 
 // The texts of one parameter that the call leaves in its lines.
 void MacroCalls::explainIn(const Call& call, std::string_view parameter) {
-  findings_.explain(concat({"undefined symbol '", parameter, "', using 0"}));
+  findings_.explain(undefinedMessage(parameter));
   for (const SourceNotes::Made& made : call.made) {
     std::string_view rest = made.text;
     for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {

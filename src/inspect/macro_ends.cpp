@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "base/format.h"
+#include "inspect/expression_names.h"
 #include "inspect/flow_checks.h"
+#include "inspect/name_text.h"
 #include "source/line_text.h"
 
 namespace kiln {
@@ -95,7 +97,7 @@ void MacroEnds::explainLeft(const MacroUse& use, std::string_view left) {
     std::string_view code = parsed.code;
     for (std::string_view word = takeNameLike(code); !word.empty(); word = takeNameLike(code)) {
       if (!isParameter(word)) continue;
-      findings_.explain(concat({"undefined symbol '", word, "', using 0"}));
+      findings_.explain(undefinedMessage(word));
       size = static_cast<size_t>(parsed.code.data() + parsed.code.size() - left.data());
     }
   }

@@ -7,6 +7,7 @@
 
 #include "base/format.h"
 #include "inspect/macro_uses.h"
+#include "inspect/name_text.h"
 
 namespace kiln {
 namespace {

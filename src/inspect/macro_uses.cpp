@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/text.h"
 #include "isa/opcodes.h"
 #include "source/kinds.h"
 #include "source/line_text.h"
@@ -11,8 +12,6 @@ namespace kiln {
 namespace {
 
 constexpr std::array<std::string_view, 4> registers = {"a", "x", "y", "sp"};
-
-bool joins(char a, char b) { return isWordCharacter(a) && isWordCharacter(b); }
 
 bool isDirective(std::string_view word) {
   const auto isOf = [word](const KindRow& row) {
@@ -28,28 +27,6 @@ bool meansSomething(const Program& program, std::string_view word) {
   const auto isWord = [word](std::string_view name) { return equalIgnoringCase(word, name); };
   return std::any_of(registers.begin(), registers.end(), isWord) ||
          program.iteration().symbols.findIgnoringCase(word, symbolHash(word)) != nullptr;
-}
-
-std::string_view takeNameLike(std::string_view& text) {
-  size_t begin = 0;
-  while (begin < text.size() && !isWordCharacter(text[begin]))
-    ++begin;
-  size_t end = begin;
-  while (end < text.size() && isWordCharacter(text[end]))
-    ++end;
-  const std::string_view word = text.substr(begin, end - begin);
-  text.remove_prefix(end);
-  return word;
-}
-
-std::string_view findWhole(std::string_view text, std::string_view word) {
-  if (word.empty()) return {};
-  for (size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
-    const size_t end = at + word.size();
-    const bool joinsBefore = at > 0 && joins(text[at - 1], word.front());
-    if (!joinsBefore && (end == text.size() || !joins(word.back(), text[end]))) return text.substr(at, word.size());
-  }
-  return {};
 }
 
 BodyLine::BodyLine(std::string_view line) : code(trim(withoutComment(line))) {

@@ -1,4 +1,4 @@
-// The macros of a program beside their calls, and the words in their lines.
+// The macros of a program beside their calls, and the parts of their lines.
 #pragma once
 
 #include <algorithm>
@@ -8,22 +8,12 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/text.h"
 #include "inspect/program.h"
 
 namespace kiln {
 
-// Names consist of these.
-constexpr bool isWordCharacter(char c) { return isIdentifierCharacter(c) || c == '.'; }
-
-// Takes the next run of such characters off the front of `text`; empty when there is none left.
-std::string_view takeNameLike(std::string_view& text);
-
 // True for mnemonics, directives, registers, and names with a value, in any letter case.
 bool meansSomething(const Program& program, std::string_view word);
-
-// Where `word` is in `text`, not as a part of a longer word; a view into `text`, with null data when it is not there.
-std::string_view findWhole(std::string_view text, std::string_view word);
 
 // A line of a body: the label of its first statement, with "." or ">" and without the colon, and the first word after
 // it. Both may be empty.

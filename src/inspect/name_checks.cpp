@@ -6,6 +6,7 @@
 #include "base/arithmetic.h"
 #include "base/format.h"
 #include "inspect/assigned_twice.h"
+#include "inspect/name_text.h"
 #include "inspect/unused_labels.h"
 #include "source/statements.h"
 
@@ -229,13 +230,10 @@ void NameChecks::checkLetterCase(const Statement& statement, std::string_view na
 
 // Numbers such as 12h that are names, at their first use.
 void NameChecks::checkNumberNames(std::string_view text) {
-  const auto isNamePart = [](char c) { return isIdentifierCharacter(c) || c == '.'; };
-  for (size_t at = 0; at < text.size(); ++at) {
-    if (!isNamePart(text[at])) continue;
-    const auto end = std::find_if_not(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(), isNamePart);
-    const std::string_view word(text.data() + at, static_cast<size_t>(end - text.begin()) - at);
-    const auto found = text[at == 0 ? 0 : at - 1] == '$' ? numberNames_.end() : numberNames_.find(word);
-    at += word.size();
+  std::string_view rest = text;
+  for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
+    const std::string_view before = text.substr(0, static_cast<size_t>(word.data() - text.data()));
+    const auto found = before.ends_with('$') ? numberNames_.end() : numberNames_.find(word);
     if (found == numberNames_.end()) continue;
     const Symbol& symbol = *program_.iteration().symbols.find(word);
     const std::string number = concat({"$", word.substr(0, word.size() - 1)});

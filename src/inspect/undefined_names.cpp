@@ -6,6 +6,7 @@
 #include "base/format.h"
 #include "base/text.h"
 #include "inspect/expression_names.h"
+#include "inspect/name_text.h"
 #include "inspect/wording.h"
 #include "source/line_text.h"
 #include "source/seeds.h"

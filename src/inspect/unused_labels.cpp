@@ -2,7 +2,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
-#include "inspect/expression_names.h"
+#include "inspect/name_text.h"
 
 namespace kiln {
 namespace {

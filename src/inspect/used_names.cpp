@@ -1,14 +1,10 @@
 #include "inspect/used_names.h"
 
 #include "base/text.h"
+#include "inspect/name_text.h"
 #include "inspect/statement_walk.h"
 
 namespace kiln {
-namespace {
-
-bool isNamePart(char c) { return isIdentifierCharacter(c) || c == '.'; }
-
-}  // namespace
 
 bool UsedNames::contains(std::string_view name) {
   if (!areCollected_) collect();
@@ -30,13 +26,8 @@ void UsedNames::collect() {
 }
 
 void UsedNames::addNamesOf(std::string_view text) {
-  for (size_t begin = 0; begin < text.size(); ++begin) {
-    if (!isNamePart(text[begin])) continue;
-    size_t end = begin;
-    while (end < text.size() && isNamePart(text[end]))
-      ++end;
-    if (!isDigit(text[begin])) names_.insert(text.substr(begin, end - begin));
-    begin = end;
+  for (std::string_view name = takeNameLike(text); !name.empty(); name = takeNameLike(text)) {
+    if (!isDigit(name.front())) names_.insert(name);
   }
 }
 

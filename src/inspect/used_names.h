@@ -1,4 +1,4 @@
-// Which names operands use, for checks that seldom ask.
+// Which names stand in any operand of the program, for checks that seldom ask. What they mean there does not matter.
 #pragma once
 
 #include <string_view>

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "inspect/expression_names.h"
 #include "inspect/macro_uses.h"
+#include "inspect/name_text.h"
 #include "source/includes.h"
 
 namespace kiln {
