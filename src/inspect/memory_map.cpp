@@ -135,7 +135,7 @@ void MemoryMapper::assignSpaces() {
     const AsSegment& segment = segments_[i];
     spaces_.push_back(spaceOf(i));
     if (segment.bytes.empty()) continue;
-    map_.segments.push_back({spaces_.back(), segment.start, segment.bytes.size(), segment.cloaked, segment.cloakedId});
+    map_.segments.push_back({spaces_.back(), segment.start, segment.bytes.size(), segment.cloaked});
   }
 }
 

@@ -57,7 +57,6 @@ struct MappedSegment {
   uint32_t start = 0;
   uint64_t size = 0;  // may lead past $FFFF
   bool isCloaked = false;
-  int32_t cloakedNumber = -1;
 };
 
 struct Overlap {
