@@ -63,9 +63,7 @@ void MemoryChecks::openSegment(const Opening& opening, const AsLine&) {
   segment.start = opening.address;
   segment.bank = opening.bank;
   segment.isCloaked = opening.isCloaked;
-  if (!opening.isCloaked && output_ == OutputKind::BankedXex) {
-    segment.written = counters_.next(opening.address, opening.bank);
-  }
+  segment.written = writtenBank(output_, opening, counters_);
 }
 
 uint32_t MemoryChecks::placeBytes(const AsLine& line, uint32_t pc) {

@@ -11,6 +11,7 @@
 
 #include "base/format.h"
 #include "driver/output_file.h"
+#include "inspect/placed_segments.h"
 #include "output/pieces.h"
 #include "output/shadow.h"
 
@@ -81,7 +82,7 @@ class MemoryMapper {
         placements_(placements),
         segments_(program.assembler.segments),
         banking_(withDefaults(program.assembler.settings.banking)),
-        format_(chooseFormat(program.options, chooseOutputPath(program.options))),
+        output_(outputKindOf(program)),
         canvas_(std::make_unique<Canvas>()) {}
 
   MemoryMap run();
@@ -104,7 +105,7 @@ class MemoryMapper {
   const Placements& placements_;
   const std::vector<AsSegment>& segments_;
   const BankedSettings banking_;
-  const Format format_;
+  const OutputKind output_;
   std::unique_ptr<Canvas> canvas_;
   MemoryMap map_;
   std::vector<size_t> spaces_;                    // by segment
@@ -125,8 +126,8 @@ MemoryMap MemoryMapper::run() {
 
 void MemoryMapper::nameProgram() {
   map_.program = chooseOutputPath(program_.options).value_or(program_.options.inputs.front());
-  map_.isForAtari = format_ == Format::Xex;
-  if (isBanked(program_.options)) map_.bankWindow = windowOf(BankKind::Plain);
+  map_.isForAtari = output_ != OutputKind::Prg;
+  if (output_ == OutputKind::BankedXex) map_.bankWindow = windowOf(BankKind::Plain);
 }
 
 void MemoryMapper::assignSpaces() {
@@ -144,7 +145,7 @@ void MemoryMapper::assignSpaces() {
 size_t MemoryMapper::spaceOf(size_t segment) {
   const AsSegment& bytes = segments_[segment];
   const SegmentBank& bank = placements_.segments[segment];
-  const bool isLeftOut = bytes.cloaked && isBanked(program_.options);
+  const bool isLeftOut = bytes.cloaked && output_ == OutputKind::BankedXex;
   if (!isLeftOut && !bank.value.has_value()) return 0;
   constexpr uint64_t cloakedKey = uint64_t{1} << 40;
   const uint64_t key = isLeftOut ? cloakedKey + static_cast<uint32_t>(bytes.cloakedId)
@@ -184,7 +185,7 @@ AddressRange MemoryMapper::windowOf(BankKind kind) const {
 
 void MemoryMapper::findShadow() {
   const ShadowPlan& plan = program_.assembler.shadowPlan;
-  if (format_ != Format::Xex || plan.stageAddress == 0) return;
+  if (output_ == OutputKind::Prg || plan.stageAddress == 0) return;
   const ShadowSplitter splitter(plan);
   for (size_t i = 0; i < segments_.size(); ++i) {
     if (spaces_[i] == 0 && !segments_[i].bytes.empty()) splitter.split(segments_[i], pieces_);
@@ -262,7 +263,7 @@ void MemoryMapper::measureRegions() {
     if (first <= last && last < addressCount)
       map_.regions.push_back({name, {first, last}, usedBefore[last + 1] - usedBefore[first]});
   };
-  if (isBanked(program_.options)) add("main region", banking_.mainRegionLow, banking_.mainRegionHigh);
+  if (output_ == OutputKind::BankedXex) add("main region", banking_.mainRegionLow, banking_.mainRegionHigh);
   const RegionList& regions = program_.iteration().codeRegions;
   for (size_t i = 0; i < regions.count(); ++i)
     add(codeRegionName, regions.start(i), regions.end(i));

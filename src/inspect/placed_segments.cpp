@@ -10,4 +10,9 @@ OutputKind outputKindOf(const Program& program) {
   return options.banked ? OutputKind::BankedXex : OutputKind::Xex;
 }
 
+std::optional<BankValue> writtenBank(OutputKind output, const Opening& opening, BankCounters& counters) {
+  if (output != OutputKind::BankedXex || opening.isCloaked) return std::nullopt;
+  return counters.next(opening.address, opening.bank);
+}
+
 }  // namespace kiln

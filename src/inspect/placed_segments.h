@@ -1,4 +1,4 @@
-// The segments of a program beside the statements that open them.
+// The segments of a program beside the statements that open them, and what becomes of them in its file.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 #include "inspect/program.h"
 #include "output/bank_values.h"
+#include "passes/placement.h"
 
 namespace kiln {
 
@@ -28,5 +29,8 @@ enum class OutputKind : uint8_t { Xex, BankedXex, Prg };
 
 // What kiln-as would write.
 OutputKind outputKindOf(const Program& program);
+
+// The bank that the output puts a segment into; absent in main memory. To be called for each segment, in order.
+std::optional<BankValue> writtenBank(OutputKind output, const Opening& opening, BankCounters& counters);
 
 }  // namespace kiln

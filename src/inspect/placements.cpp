@@ -1,8 +1,7 @@
 #include "inspect/placements.h"
 
 #include "base/arithmetic.h"
-#include "driver/output_file.h"
-#include "passes/placement.h"
+#include "inspect/placed_segments.h"
 
 namespace kiln {
 namespace {
@@ -15,7 +14,7 @@ class StatementPlacer {
         evaluator_(iteration_.symbols, ignored_),
         walker_(iteration_, evaluator_, low16(program.assembler.settings.banking.bankWindowLow), *this),
         counters_(program.assembler.settings.banking),
-        isBanked_(isBanked(program.options)) {}
+        output_(outputKindOf(program)) {}
 
   Placements run() {
     const std::vector<AsLine>& lines = iteration_.statements.lines;
@@ -29,8 +28,7 @@ class StatementPlacer {
     SegmentBank& segment = placements_.segments.emplace_back();
     isOpen_ = true;
     size_ = 0;
-    if (!isBanked_ || opening.isCloaked) return;
-    segment.value = counters_.next(opening.address, opening.bank);
+    segment.value = writtenBank(output_, opening, counters_);
     if (line.kind == Kind::Bank) segment.name = line.operand();
   }
   void fillGap(uint32_t size) { size_ += size; }
@@ -57,17 +55,13 @@ class StatementPlacer {
   Evaluator evaluator_;
   PlacementWalker<StatementPlacer> walker_;
   BankCounters counters_;
-  const bool isBanked_;
+  const OutputKind output_;
   Placements placements_;
   bool isOpen_ = false;
   uint64_t size_ = 0;  // of the open segment
 };
 
 }  // namespace
-
-bool isBanked(const Options& options) {
-  return options.banked && chooseFormat(options, chooseOutputPath(options)) == Format::Xex;
-}
 
 uint64_t byteCount(const AsLine& line) {
   if (line.kind == Kind::String) return line.operand().size() + 1;

@@ -28,9 +28,6 @@ struct Placements {
   std::vector<SegmentBank> segments;       // by index among the segments
 };
 
-// True when the program's file fills banks.
-bool isBanked(const Options& options);
-
 // The bytes that a statement makes in its segment. A text beyond ASCII makes more than its size says.
 uint64_t byteCount(const AsLine& line);
 
