@@ -161,7 +161,8 @@ void UndefinedNames::report(const Use& use) {
 
 // Adds notes. Returns a local label of another scope that has the name.
 const Symbol* UndefinedNames::addHints(const Use& use, Findings::Report& report) {
-  if (isBuiltInName(use.name)) {
+  // Without a symbol file, all built-in names are defined.
+  if (!program_.assembler.settings.seeds.files.empty() && isBuiltInName(use.name)) {
     report.notes.emplace_back(std::string_view(), "it is a built-in name, but a symbol file replaces all of these");
   }
   if (use.name.starts_with(bankPrefix)) {
