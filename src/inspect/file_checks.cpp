@@ -57,7 +57,7 @@ void checkMark(const SourceNotes::File& file, Findings& findings) {
 
 void explainReturns(const MessageList& messages, Findings& findings) {
   for (size_t i = 0; i < messages.size(); ++i) {
-    if (messages[i].find('\r') != std::string_view::npos) findings.explain(std::string(messages[i]));
+    if (messages[i].find('\r') != std::string_view::npos) findings.explain(messages[i]);
   }
 }
 

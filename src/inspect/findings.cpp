@@ -63,6 +63,11 @@ void Findings::add(Check check, Report report) {
   add(check, std::move(report), isError ? Severity::Error : Severity::Warning);
 }
 
+void Findings::explain(std::string_view message) {
+  const uint32_t hash = symbolHash(message);
+  if (explained_.find(message, hash) == nullptr) explained_.enter(HashedName(texts_.join({message}), hash));
+}
+
 void Findings::explainText(std::string_view text) {
   const char* begin = text.data();
   const char* end = begin + text.size();

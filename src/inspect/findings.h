@@ -12,8 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/text_store.h"
 #include "inspect/checks.h"
 #include "inspect/source_map.h"
+#include "source/symbols.h"
 
 namespace kiln {
 
@@ -68,8 +70,8 @@ class Findings {
   void add(Check check, Report report);
   // Says that a finding explains this message of the assembler, which is not reported then. The text is the message as
   // recorded, without "kiln-as: warning: ".
-  void explain(std::string message) { explained_.insert(std::move(message)); }
-  bool isExplained(std::string_view message) const { return explained_.contains(std::string(message)); }
+  void explain(std::string_view message);
+  bool isExplained(std::string_view message) const { return explained_.find(message) != nullptr; }
   // The same for all messages about a line of the expanded source; lines count from 1.
   void explainLine(size_t line) { explainedLines_.insert(line); }
   bool isLineExplained(size_t line) const { return explainedLines_.contains(line); }
@@ -109,7 +111,8 @@ class Findings {
   const SourceMap& map_;
   const CheckLevels& levels_;
   std::vector<Finding> findings_;
-  std::unordered_set<std::string> explained_;
+  TextStore texts_;
+  SymbolTable explained_;  // messages, in texts_; faster than a set, as there may be a million
   std::unordered_set<size_t> explainedLines_;
   std::map<const char*, const char*, std::less<>> explainedTexts_;  // begin and end; none overlaps the next
   LineFacts facts_ = {};                                            // of the line asked about last

@@ -42,7 +42,7 @@ class IncludeChecker {
       const bool isCircle = errors[i].ends_with("': it includes itself");
       const bool isExplained = isCircle ? explainCircle(line) : explainMissing(line);
       if (!isExplained) findings_.addError({.at = codeOf(line), .text = std::string(errors[i])});
-      findings_.explain(std::string(errors[i]));
+      findings_.explain(errors[i]);
     }
   }
 

@@ -38,7 +38,7 @@ void LineReporter::explainValue(std::string_view expression) {
   MessageList messages;
   Evaluator(none, messages).evaluate(expression);
   for (size_t i = 0; i < messages.size(); ++i)
-    findings_.explain(std::string(messages[i]));
+    findings_.explain(messages[i]);
 }
 
 void LineReporter::explainUndefined(std::string_view name) { findings_.explain(undefinedMessage(name)); }

@@ -52,7 +52,7 @@ void MacroLabels::explainErrors() {
     const std::string_view name = BodyLine(made->text).label;
     if (text.substr(duplicate.size()) != concat({name, "'"})) continue;
     report(*label, name, true);
-    findings_.explain(std::string(errors[i]));
+    findings_.explain(errors[i]);
   }
 }
 

@@ -237,7 +237,7 @@ void NameChecks::checkNumberNames(std::string_view text) {
     if (found == numberNames_.end()) continue;
     const Symbol& symbol = *program_.iteration().symbols.find(word);
     const std::string number = concat({"$", word.substr(0, word.size() - 1)});
-    findings_.explain(std::string(found->second));
+    findings_.explain(found->second);
     numberNames_.erase(found);
     findings_.add(Check::NumberLikeName,
                   {.at = word,
@@ -253,7 +253,7 @@ void NameChecks::checkZeroAddress(const Statement& statement) {
   const std::string_view message = zeroAddresses_.take(line, expression);
   // A number such as $G is the concern of the values.
   if (message.empty() || expressions_.of(line).empty()) return;
-  findings_.explain(std::string(message));
+  findings_.explain(message);
   const Symbol* const symbol = definitions_.find(leadingSymbol(expression));
   if (isDoubtful_ || (symbol != nullptr && isZeroForOtherReason(*symbol))) return;
   Findings::Report report{.at = writtenName(*program_.map, statement, expression),

@@ -123,9 +123,9 @@ void ValueChecks::explainOperand(const AsLine& line, std::string_view expression
                  .value = evaluator_.evaluate(expression)},
                 diagnostics, bytes);
   for (size_t i = 0; i < diagnostics.warnings.size(); ++i)
-    findings_.explain(std::string(diagnostics.warnings[i]));
+    findings_.explain(diagnostics.warnings[i]);
   for (size_t i = 0; i < messages_.size(); ++i)
-    findings_.explain(std::string(messages_[i]));
+    findings_.explain(messages_[i]);
   messages_.clear();
 }
 
