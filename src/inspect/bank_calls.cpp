@@ -75,7 +75,7 @@ void BankCalls::check(const Call& call) {
                           .text = concat({"this ", call.isBranch ? "branch" : "call", " does not select bank ",
                                           decimal(to->value), ", where '", target.name, "' is"})};
   if (call.isBranch) {
-    report.notes.emplace_back(std::string_view(), "branch over a JMP, which selects the bank of a label after a .bank");
+    report.addNote("branch over a JMP, which selects the bank of a label after a .bank");
   }
   if (target.bank == 0) {
     report.notes.emplace_back(

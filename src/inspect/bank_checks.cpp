@@ -7,12 +7,12 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "inspect/name_definitions.h"
 
 namespace kiln {
 namespace {
 
 constexpr uint32_t portB = 0xD301;
-constexpr std::string_view bankPrefix = "__bank_";
 
 // The names of all banks whose numbers the program uses.
 std::unordered_set<std::string_view> findUsedBanks(const std::vector<AsLine>& statements) {

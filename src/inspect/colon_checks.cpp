@@ -13,10 +13,6 @@ namespace {
 
 constexpr std::string_view quotes = "\"'";
 
-void addNote(Findings::Report& report, std::string text) {
-  report.notes.emplace_back(std::string_view(), std::move(text));
-}
-
 // What to write in place of a comparison or an assignment that is none.
 std::string adviceForName(std::string_view name, const MacroTable& macros) {
   std::string_view rest = name;
@@ -95,15 +91,15 @@ void ColonChecks::reportGreedyColon(const Statement& statement) {
   const std::string_view word = takeWord(rest);
   const bool isWord = word.size() == label.size();
   if (label.find_first_of(quotes) != std::string_view::npos) {
-    addNote(report, "quotes do not protect a colon: write its number, 58");
+    report.addNote("quotes do not protect a colon: write its number, 58");
   } else if (program_.notes.macros.find(word) != nullptr) {
-    addNote(report, "a macro call has its line to itself");
+    report.addNote("a macro call has its line to itself");
   } else if (beginsStatement(label, program_.notes.macros)) {
-    addNote(report, "leave the colon out");
+    report.addNote("leave the colon out");
     const std::string_view colon = statement.text.substr(statement.text.find(':'), 1);
     if (statement.rest.empty() || isWord) report.fix.emplace_back(colon, isWord && !statement.rest.empty() ? " " : "");
   } else {
-    addNote(report, "a label is one word of letters, digits and '_'; a comment begins with ';'");
+    report.addNote("a label is one word of letters, digits and '_'; a comment begins with ';'");
   }
   reporter_.add(Check::GreedyColon, statement, std::move(report));
 }
@@ -116,7 +112,7 @@ bool ColonChecks::visitAssignment(const Statement& statement) {
     Findings::Report report{.at = name,
                             .text = concat({"the '=' makes ", extentOf(statement), " an assignment to ", inQuotes(name),
                                             ", so it makes no bytes"})};
-    addNote(report, adviceForName(name, program_.notes.macros));
+    report.addNote(adviceForName(name, program_.notes.macros));
     reporter_.add(Check::GreedyEquals, statement, std::move(report));
     return true;
   }
@@ -125,7 +121,7 @@ bool ColonChecks::visitAssignment(const Statement& statement) {
   Findings::Report report{
       .at = value.substr(second, 1),
       .text = concat({inQuotes(value), " is the value: a second '=' is part of it, and no operator"})};
-  addNote(report, "write one '=' and one value");
+  report.addNote("write one '=' and one value");
   if (second == 0 && value.size() > 1 && value.find('=', 1) == std::string_view::npos)
     report.fix.emplace_back(report.at, "");
   reporter_.add(Check::GreedyEquals, statement, std::move(report));
@@ -136,7 +132,7 @@ bool ColonChecks::reportMnemonicName(const Statement& statement) {
   Findings::Report report{.at = statement.rest,
                           .text = concat({inQuotes(statement.word), " is an instruction, which takes ",
                                           inQuotes(statement.argument), " for its operand"})};
-  addNote(report, "choose another name for the value");
+  report.addNote("choose another name for the value");
   reporter_.add(Check::GreedyEquals, statement, std::move(report));
   return true;
 }

@@ -61,6 +61,11 @@ class Findings {
     std::string text = {};
     std::vector<std::pair<std::string_view, std::string>> notes = {};
     std::vector<std::pair<std::string_view, std::string>> fix = {};
+
+    // Adds a note without a place of its own; an empty text adds none.
+    void addNote(std::string_view note) {
+      if (!note.empty()) notes.emplace_back(std::string_view(), note);
+    }
   };
 
   // True when the check is on. Ask before work that is done for it alone.

@@ -40,10 +40,9 @@ const Symbol* NameDefinitions::define(HashedName name, const Definition& definit
 }
 
 void NameDefinitions::defineBank(std::string_view bank, std::string_view written) {
-  constexpr std::string_view prefix = "__bank_";
   const std::vector<Symbol>& symbols = symbols_.symbols();
-  if (next_ == symbols.size() || !symbols[next_].name.starts_with(prefix)) return;
-  if (symbols[next_].name.substr(prefix.size()) != bank) return;
+  if (next_ == symbols.size() || !symbols[next_].name.starts_with(bankPrefix)) return;
+  if (symbols[next_].name.substr(bankPrefix.size()) != bank) return;
   ++next_;
   definitions_.push_back({written, true});
 }

@@ -9,6 +9,9 @@
 
 namespace kiln {
 
+// The symbol of a bank's number is this and the name of the bank.
+inline constexpr std::string_view bankPrefix = "__bank_";
+
 // Follows the statements in order. Symbols are numbered in the order in which they were entered, and their names are
 // views of the texts that entered them. So a statement that defines the next symbol is recognised without a look-up.
 class NameDefinitions {

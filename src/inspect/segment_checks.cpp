@@ -83,7 +83,7 @@ void SegmentChecks::checkRunWord(const Word& word, uint32_t value) {
                           .text = concat({"the word at $02E0 has no effect: the program starts at ", dollarHex(start),
                                           ", not ", dollarHex(value)})};
   if (program_.options.entry.has_value()) {
-    report.notes.emplace_back(std::string_view(), "the option -e gives the start");
+    report.addNote("the option -e gives the start");
   } else {
     report.notes.emplace_back(segments_.front().at, "it starts with this segment: give the start with the option -e");
   }

@@ -15,10 +15,6 @@ namespace {
 
 constexpr size_t longestAsNumbers = 100;
 
-void addNote(Findings::Report& report, std::string text) {
-  report.notes.emplace_back(std::string_view(), std::move(text));
-}
-
 size_t countQuotes(std::string_view text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '"')); }
 
 bool isBeyondAscii(char c) { return (static_cast<unsigned char>(c) & 0x80) != 0; }
@@ -61,11 +57,11 @@ bool TextChecks::visitQuotedLine(const Statement& statement) {
   Findings::Report report{.at = trimRight(code.substr(last))};
   if (hasComment) {
     report.text = "an odd number of quotes in the line: the comment belongs to the statement";
-    addNote(report, "close the text before the comment; a quote that stands for itself is the number 34");
+    report.addNote("close the text before the comment; a quote that stands for itself is the number 34");
   } else {
     report.at = argument;
     report.text = "the text has only one of its quotes, which is stored, too";
-    addNote(report, "write the other one");
+    report.addNote("write the other one");
   }
   reporter_.add(Check::OddQuote, statement, std::move(report));
   return true;
@@ -89,7 +85,7 @@ bool TextChecks::visitList(const Statement& statement) {
   if (isBytes && !letters.empty() && letters.size() <= longestAsNumbers && countQuotes(list) <= 2) {
     report.fix.emplace_back(text, numbersOf(letters));
   }
-  addNote(report, "write a '.string', which adds a 0, or the codes of the letters");
+  report.addNote("write a '.string', which adds a 0, or the codes of the letters");
   reporter_.add(Check::TextInList, statement, std::move(report));
   return true;
 }
@@ -113,7 +109,7 @@ bool TextChecks::visitString(const Statement& statement) {
   report.text = concat({"the text takes ", decimal(static_cast<int64_t>(stored.size())), " bytes but counts ",
                         decimal(int64_t{statement.parsed->size} - 1), ": labels after it are ", decimal(off),
                         off == 1 ? " byte too low" : " bytes too low"});
-  addNote(report, "use letters of ASCII alone, or write the bytes as numbers after '.byte'");
+  report.addNote("use letters of ASCII alone, or write the bytes as numbers after '.byte'");
   reporter_.add(Check::NonAsciiText, statement, std::move(report));
   return false;
 }
@@ -122,13 +118,13 @@ void TextChecks::reportCutText(const Statement& statement, std::string_view text
   Findings::Report report{.at = text};
   if (sign == ":") {
     report.text = "everything before the colon is a label: the text is not stored";
-    addNote(report, "write the codes of the letters, 58 for ':', or put a label before the '.string'");
+    report.addNote("write the codes of the letters, 58 for ':', or put a label before the '.string'");
   } else if (sign == "=") {
     report.text = "the '=' makes this an assignment: the text is not stored";
-    addNote(report, "write the codes of the letters, 61 for '='");
+    report.addNote("write the codes of the letters, 61 for '='");
   } else {
     report.text = "the text ends at ' : ', which ends the statement";
-    addNote(report, "write the codes of the letters, 58 for ':'");
+    report.addNote("write the codes of the letters, 58 for ':'");
   }
   std::string_view rest = text;
   takeWord(rest);

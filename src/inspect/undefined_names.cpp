@@ -14,7 +14,6 @@
 namespace kiln {
 namespace {
 
-constexpr std::string_view bankPrefix = "__bank_";
 constexpr size_t mostChanges = 2;  // that NearNames accepts
 
 // The name that a statement defines, as its uses in the same scope are written: the label, or what it assigns to.
@@ -163,10 +162,10 @@ void UndefinedNames::report(const Use& use) {
 const Symbol* UndefinedNames::addHints(const Use& use, Findings::Report& report) {
   // Without a symbol file, all built-in names are defined.
   if (!program_.assembler.settings.seeds.files.empty() && isBuiltInName(use.name)) {
-    report.notes.emplace_back(std::string_view(), "it is a built-in name, but a symbol file replaces all of these");
+    report.addNote("it is a built-in name, but a symbol file replaces all of these");
   }
   if (use.name.starts_with(bankPrefix)) {
-    report.notes.emplace_back(std::string_view(), bankHint(use.name.substr(bankPrefix.size())));
+    report.addNote(bankHint(use.name.substr(bankPrefix.size())));
   }
   const std::string_view bare = withoutMark(use.written);
   const Symbol* elsewhere = nullptr;
@@ -179,7 +178,7 @@ const Symbol* UndefinedNames::addHints(const Use& use, Findings::Report& report)
     if (elsewhere != nullptr || !isLonger || symbol.name[symbol.name.size() - bare.size() - 1] != '.') continue;
     if (symbol.name.ends_with(bare)) elsewhere = &symbol;
   }
-  if (std::string hint = near_.hint(); !hint.empty()) report.notes.emplace_back(std::string_view(), std::move(hint));
+  report.addNote(near_.hint());
   if (elsewhere == nullptr) return nullptr;
   report.notes.emplace_back(definitions_.first(*elsewhere).text,
                             concat({"a local label of another scope has this name: ", inQuotes(elsewhere->name)}));

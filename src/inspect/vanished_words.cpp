@@ -56,10 +56,6 @@ std::string unknownText(const Statement& statement, std::string_view word) {
   return concat({inQuotes(word), " is no instruction, directive or macro: ", extentOf(statement), " makes nothing"});
 }
 
-void addNote(Findings::Report& report, std::string_view text) {
-  if (!text.empty()) report.notes.emplace_back(std::string_view(), std::string(text));
-}
-
 }  // namespace
 
 VanishedWords::VanishedWords(const Program& program, UsedNames& used, LineReporter& reporter)
@@ -75,7 +71,7 @@ void VanishedWords::report(const Statement& statement) {
 bool VanishedWords::reportNoAddress(const Statement& statement) {
   Findings::Report report{.at = statement.word,
                           .text = concat({inQuotes(statement.word), " has no argument: the segment begins at $0000"})};
-  addNote(report, "write its address, '.cloaked_segment $5000'");
+  report.addNote("write its address, '.cloaked_segment $5000'");
   reporter_.add(Check::MissingArgument, statement, std::move(report));
   return true;
 }
@@ -97,18 +93,18 @@ bool VanishedWords::reportDirective(const Statement& statement) {
   if (statement.argument.empty()) {
     Findings::Report report{.at = statement.word,
                             .text = concat({name, " has no argument: ", extentOf(statement), " makes nothing"})};
-    addNote(report, concat({"it is written '", directive->word, " ", directive->example, "'"}));
+    report.addNote(concat({"it is written '", directive->word, " ", directive->example, "'"}));
     reporter_.add(Check::MissingArgument, statement, std::move(report));
   } else if (statement.rest[statement.word.size()] == '\t') {
     Findings::Report report{.at = statement.word,
                             .text = concat({name, " is followed by a tab: ", extentOf(statement), " makes nothing"})};
-    addNote(report, "a directive needs a space after it");
+    report.addNote("a directive needs a space after it");
     report.fix.emplace_back(statement.rest.substr(statement.word.size(), 1), " ");
     reporter_.add(Check::TabAfterDirective, statement, std::move(report));
   } else {
     Findings::Report report{.at = statement.word,
                             .text = concat({name, " is not alone in its line: this statement makes nothing"})};
-    addNote(report, "write it in a line of its own");
+    report.addNote("write it in a line of its own");
     reporter_.add(Check::Vanished, statement, std::move(report));
   }
   return true;
@@ -131,7 +127,7 @@ bool VanishedWords::reportMissingSpace(const Statement& statement) {
       .at = word,
       .text = concat({inQuotes(known), " has no space after it: ", extentOf(statement), " makes nothing"}),
       .fix = {{endOf(known), " "}}};
-  addNote(report, concat({"write '", known, " ", word.substr(size), "'"}));
+  report.addNote(concat({"write '", known, " ", word.substr(size), "'"}));
   reporter_.add(Check::Vanished, statement, std::move(report));
   return true;
 }
@@ -157,12 +153,12 @@ bool VanishedWords::reportColon(const Statement& statement) {
     reporter_.add(Check::Separator, statement, separatorReport(statement.rest, at, text));
   } else if (isStatement || before.empty()) {
     Findings::Report report{.at = colon, .text = "a second colon after the label: what comes after it makes nothing"};
-    addNote(report, "leave it out");
+    report.addNote("leave it out");
     report.fix.emplace_back(colon, before.empty() ? "" : " ");
     reporter_.add(Check::GreedyColon, statement, std::move(report));
   } else if (isPlainLabel(before)) {
     Findings::Report report{.at = before, .text = "a second label in the statement: neither it nor the rest is made"};
-    addNote(report, "write each label in a line of its own");
+    report.addNote("write each label in a line of its own");
     reporter_.add(Check::Vanished, statement, std::move(report));
   } else {
     return false;
@@ -180,19 +176,19 @@ bool VanishedWords::reportEquals(const Statement& statement) {
     const std::string_view sign = rest.substr(0, rest.find('=') + 1);
     const std::string_view address = trimLeft(rest.substr(sign.size()));
     report = {.at = sign, .text = unknownText(statement, sign)};
-    addNote(report, concat({"write '.org ", address, "'"}));
+    report.addNote(concat({"write '.org ", address, "'"}));
     report.fix.emplace_back(spanOf(sign, address.substr(0, 0)), ".org ");
   } else if (rest.front() == '=' && !statement.label.empty()) {
     report = {.at = rest,
               .text = concat({"the colon makes ", inQuotes(statement.label), " a label, whose value is an address"})};
-    addNote(report, concat({"write '", statement.label, " ", rest, "'"}));
+    report.addNote(concat({"write '", statement.label, " ", rest, "'"}));
     report.fix.emplace_back(spanOf(endOf(statement.label), rest.substr(0, 0)), " ");
   } else if (rest.front() == '=') {
     report.text = "an assignment without a name: this statement makes nothing";
-    addNote(report, "write 'name = value'");
+    report.addNote("write 'name = value'");
   } else {
     report.text = "an assignment without a value: this statement makes nothing";
-    addNote(report, "write the value after the '='");
+    report.addNote("write the value after the '='");
   }
   reporter_.add(Check::Vanished, statement, std::move(report));
   return true;
@@ -217,9 +213,9 @@ bool VanishedWords::reportMissingColon(const Statement& statement) {
   const std::string_view name = word.substr(word.starts_with('>') ? 1 : 0);
   Findings::Report report{.at = word, .text = unknownText(statement, word)};
   if (statement.argument.empty() && !statement.isLast) {
-    addNote(report, concat({"a label has its colon directly after it: '", word, ":'"}));
+    report.addNote(concat({"a label has its colon directly after it: '", word, ":'"}));
   } else {
-    addNote(report, concat({"a label needs a colon: '", word, ":'"}));
+    report.addNote(concat({"a label needs a colon: '", word, ":'"}));
     if (used_.contains(name)) report.fix.emplace_back(endOf(word), ":");
   }
   reporter_.add(Check::MissingColon, statement, std::move(report));
@@ -240,14 +236,14 @@ bool VanishedWords::reportForeignWord(const Statement& statement) {
   }
   if (foreign == nullptr) return false;
   Findings::Report report{.at = word, .text = unknownText(statement, word)};
-  addNote(report, foreign->advice);
+  report.addNote(foreign->advice);
   const bool isEquals = foreign->replacement == "=";
   const bool isSecond = word.data() != statement.word.data();
   const bool hasText = statement.rest.find_first_of("\"'") != std::string_view::npos;
   if (!foreign->replacement.empty() && !hasText && isEquals == isSecond)
     report.fix.emplace_back(word, foreign->replacement);
   if (statement.argument.empty() && isLetter(word.front()))
-    addNote(report, concat({"if it is a label, it needs a colon: '", word, ":'"}));
+    report.addNote(concat({"if it is a label, it needs a colon: '", word, ":'"}));
   reporter_.add(Check::Vanished, statement, std::move(report));
   return true;
 }
@@ -260,15 +256,15 @@ void VanishedWords::reportUnknown(const Statement& statement) {
   // A file that cannot be found may define the word as a macro.
   if (hint.empty() && !program_.notes.errorLines.empty()) return;
   if (!hint.empty()) {
-    addNote(report, hint);
+    report.addNote(hint);
   } else if (word.size() > 3 && word[3] == '.' && mnemonicOf(word.substr(0, 3)) != Mnemonic::None) {
-    addNote(report, "an instruction has a space after its name, and no size");
+    report.addNote("an instruction has a space after its name, and no size");
   } else if (directive != nullptr) {
-    addNote(report, concat({"a directive needs a space after it: '", directive->word, " '"}));
+    report.addNote(concat({"a directive needs a space after it: '", directive->word, " '"}));
   } else if (used_.contains(word) && isPlainLabel(word)) {
-    addNote(report, concat({"a name gets a value with '=': '", word, " = ", statement.argument, "'"}));
+    report.addNote(concat({"a name gets a value with '=': '", word, " = ", statement.argument, "'"}));
   } else {
-    addNote(report, adviceFor(statement.rest));
+    report.addNote(adviceFor(statement.rest));
   }
   reporter_.add(Check::Vanished, statement, std::move(report));
 }
