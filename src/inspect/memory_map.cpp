@@ -18,8 +18,6 @@
 namespace kiln {
 namespace {
 
-constexpr uint32_t addressCount = 0x10000;
-
 Use useOf(const AsLine& line) {
   if (line.kind == Kind::Instruction) return Use::Code;
   return line.kind == Kind::Space ? Use::Reserved : Use::Data;

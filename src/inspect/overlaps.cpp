@@ -10,7 +10,6 @@
 namespace kiln {
 namespace {
 
-constexpr uint64_t addressCount = 0x10000;
 constexpr uint32_t initWord = 0x02E2;
 
 // The memory of one bank while a file is loaded.
@@ -114,7 +113,7 @@ void OverlapFinder::report(size_t earlier, size_t later) {
   lastReported_ = second.at.data();
   const auto endOf = [](const PlacedSegment& segment) { return segment.start + segment.size - 1; };
   const uint64_t from = std::max(first.start, second.start);
-  const uint64_t to = std::min({endOf(first), endOf(second), addressCount - 1});
+  const uint64_t to = std::min<uint64_t>({endOf(first), endOf(second), addressCount - 1});
   const std::string range =
       concat({" at ", dollarHex(static_cast<int64_t>(from)), "-", dollarHex(static_cast<int64_t>(to))});
   findings_.add(

@@ -12,6 +12,8 @@
 
 namespace kiln {
 
+inline constexpr uint32_t addressCount = 0x10000;
+
 struct PlacedSegment {
   // The statement that opens it. For one that a code region opens: the last statement that moved the address.
   std::string_view at;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr uint32_t runWord = 0x02E0;
 constexpr uint32_t initWord = 0x02E2;
-constexpr uint32_t addressCount = 0x10000;
 constexpr uint32_t never = 0xFFFFFFFF;
 
 }  // namespace

@@ -8,7 +8,6 @@ namespace kiln {
 namespace {
 
 constexpr size_t mostPieces = 41;
-constexpr uint64_t addressCount = 0x10000;
 
 // The bytes of the stage besides those of the pieces: the copy routine, and six for each piece and for the end.
 constexpr uint64_t routineSize = 109;
@@ -86,7 +85,7 @@ void ShadowChecks::reportStageInUse(uint64_t stageEnd, const PlacedSegment& segm
 bool ShadowChecks::overwrites(const Piece& piece, uint64_t stageEnd) const {
   const uint64_t stage = program_.assembler.shadowPlan.stageAddress;
   const uint64_t from = std::max<uint64_t>(piece.address, stage);
-  const uint64_t to = std::min<uint64_t>(piece.address + piece.bytes.size(), std::min(stageEnd, addressCount));
+  const uint64_t to = std::min<uint64_t>({piece.address + piece.bytes.size(), stageEnd, addressCount});
   for (uint64_t address = from; address < to; ++address) {
     if (piece.bytes[address - piece.address] != 0) return true;
   }
