@@ -146,7 +146,7 @@ inline constexpr std::array checkRows = {
     CheckRow{Check::SkippedBranch,      "skipped-branch",      false, "a branch after .byte $2C or $24 that becomes a long branch"},
     CheckRow{Check::CutTable,           "cut-table",           false, "data that the JMP of a code region cuts"},
     CheckRow{Check::LabelLeft,          "label-left",          false, "the label of data that stays behind when the data moves to the next region"},
-    CheckRow{Check::RegionBridge,       "region-bridge",       false, "a JMP between regions that is never reached"},
+    CheckRow{Check::RegionBridge,       "region-bridge",       true,  "a JMP between regions that is never reached"},
     CheckRow{Check::HalfShadow,         "half-shadow",         false, "shadow ranges without a stage"},
     CheckRow{Check::ShadowPieces,       "shadow-pieces",       false, "more than 41 pieces of shadow code"},
     CheckRow{Check::StageInUse,         "stage-in-use",        false, "a stage over bytes of the program"},

@@ -223,6 +223,7 @@ void LeafChecks::reportDigits(std::string_view leaf) {
 }
 
 void LeafChecks::reportName(std::string_view leaf) {
+  if (findings_.wants(Check::Vanished) && lost_.contains(leaf)) return;
   std::string note;
   const std::string_view rest = leaf.substr(1);
   if (leaf.front() == '#') note = "write it without the '#'";

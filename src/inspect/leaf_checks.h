@@ -8,6 +8,7 @@
 
 #include "inspect/expression_leaves.h"
 #include "inspect/findings.h"
+#include "inspect/lost_definitions.h"
 #include "inspect/program.h"
 #include "inspect/statement_walk.h"
 #include "source/symbols.h"
@@ -16,7 +17,8 @@ namespace kiln {
 
 class LeafChecks {
  public:
-  LeafChecks(const Program& program, Findings& findings) : symbols_(program.iteration().symbols), findings_(findings) {}
+  LeafChecks(const Program& program, LostDefinitions& lost, Findings& findings)
+      : symbols_(program.iteration().symbols), lost_(lost), findings_(findings) {}
 
   // Checks an expression of the statement, as it is evaluated. Names of letters, digits, "_" and "." pass, even if
   // nothing defines them. True when another operand counts as 0, which is reported or explained.
@@ -36,6 +38,7 @@ class LeafChecks {
   void add(Check check, std::string_view at, std::string text, std::string note = "", std::string replacement = "");
 
   const SymbolTable& symbols_;
+  LostDefinitions& lost_;
   Findings& findings_;
   ExpressionLeaves walker_;
   // The current expression.

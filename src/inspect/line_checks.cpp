@@ -1,5 +1,7 @@
 #include "inspect/line_checks.h"
 
+#include "base/text.h"
+
 namespace kiln {
 namespace {
 
@@ -54,7 +56,8 @@ bool LineChecks::visitMeaning(const Statement& statement) {
     case Kind::Instruction:
       return statement.argument.starts_with('=') && colons_.reportMnemonicName(statement);
     case Kind::CloakedSegment:
-      return statement.argument.empty() && vanished_.reportNoAddress(statement);
+      // It needs no space before its argument.
+      return trim(statement.parsed->firstItem()).empty() && vanished_.reportNoAddress(statement);
     default:
       return false;
   }

@@ -166,7 +166,9 @@ void NameChecks::checkName(const Statement& statement, std::string_view name) {
 
 // What is missing in a line that means something else is not reported for itself.
 void NameChecks::checkMissing(const Statement& statement, std::string_view name) {
-  const bool isConsequence = isGreedy(*statement.parsed) || isInQuotes(statement.text, usedName(statement, name));
+  const AsLine& line = *statement.parsed;
+  const bool hasNoMode = line.kind == Kind::Instruction && opcodeFor(line.mnemonic, line.mode) < 0;
+  const bool isConsequence = isGreedy(line) || hasNoMode || isInQuotes(statement.text, usedName(statement, name));
   if (isConsequence || isLocalOfScope(statement, name)) {
     findings_.explain(undefinedMessage(name));
   } else {

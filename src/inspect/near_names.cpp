@@ -72,6 +72,13 @@ std::string NearNames::hint() const {
   return hint.empty() ? hint : hint + "?";
 }
 
+bool isNear(std::string_view word, std::string_view name) {
+  NearNames near;
+  near.begin(word);
+  near.offer(name);
+  return !near.only().empty();
+}
+
 std::string_view NearNames::only() const { return names_.size() == 1 ? names_.front() : std::string_view(); }
 
 }  // namespace kiln

@@ -28,4 +28,7 @@ class NearNames {
   size_t comparisonsLeft_ = 2'000'000;
 };
 
+// True when the word is spelled nearly like the name.
+bool isNear(std::string_view word, std::string_view name);
+
 }  // namespace kiln

@@ -5,6 +5,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "source/statements.h"
 
 namespace kiln {
 namespace {
@@ -77,7 +78,9 @@ void RegionChecks::moveBlock(const Statement& statement) {
   label_ = {};
 }
 
+// The label of a long branch stays where the JMP is: the branch leads there as it is executed.
 void RegionChecks::reportLabel(const Label& label, std::string_view target, const Statement& statement) {
+  if (label.written.starts_with(longBranchLabel)) return;
   findings_.add(Check::LabelLeft, {.at = label.written,
                                    .text = concat({"'", label.written, "' stays at ", dollarHex(label.address),
                                                    ", and what it is for moves to ", target}),

@@ -5,6 +5,7 @@
 #include "base/format.h"
 #include "base/text.h"
 #include "driver/output_file.h"
+#include "inspect/near_names.h"
 #include "inspect/overlaps.h"
 
 namespace kiln {
@@ -21,7 +22,8 @@ void SegmentChecks::lookForOrigin(const Statement& statement) {
   if (rowOf(kind).moves) hasOrigin_ = true;
   const bool hasVanished = kind == Kind::Empty || statement.isMisread;
   if (!hasVanished || statement.text.empty()) return;
-  if (statement.text.front() == '*' || toLower(statement.text).find("org") != std::string::npos) hasLostOrigin_ = true;
+  const bool hasWord = statement.text.front() == '*' || toLower(statement.text).find("org") != std::string::npos;
+  if (hasWord || isNear(statement.word, ".org")) hasLostOrigin_ = true;
 }
 
 void SegmentChecks::reportPastEnd(std::string_view at) {

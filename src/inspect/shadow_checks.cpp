@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "base/format.h"
+#include "base/text.h"
+#include "inspect/near_names.h"
 
 namespace kiln {
 namespace {
@@ -21,8 +23,14 @@ void ShadowChecks::finish() {
   plan.stageAddress == 0 ? checkHalf() : checkStage();
 }
 
-// A stage that has no value because of an unknown name is reported as that.
+void ShadowChecks::lookForStage(std::string_view vanishedWord) {
+  constexpr std::string_view directive = ".shadow_stage";
+  if (startsWithIgnoringCase(vanishedWord, directive) || isNear(vanishedWord, directive)) hasLostStage_ = true;
+}
+
+// A stage that vanishes, or has no value because of an unknown name, is reported as that.
 void ShadowChecks::checkHalf() {
+  if (hasLostStage_ && findings_.wants(Check::Vanished)) return;
   MessageList warnings;
   Evaluator evaluator(program_.iteration().symbols, warnings);
   const int64_t stage = evaluator.evaluate(stageOperand_);

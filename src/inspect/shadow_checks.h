@@ -25,6 +25,7 @@ class ShadowChecks {
       stage_ = statement.text;
       stageOperand_ = statement.parsed->operand();
     }
+    if (statement.parsed->kind == Kind::Empty && !statement.word.empty()) lookForStage(statement.word);
   }
   // After the last statement.
   void finish();
@@ -33,6 +34,7 @@ class ShadowChecks {
   std::string_view stage() const { return stage_; }
 
  private:
+  void lookForStage(std::string_view vanishedWord);
   void checkHalf();
   void checkStage();
   std::vector<size_t> split(Pieces& pieces) const;
@@ -48,6 +50,7 @@ class ShadowChecks {
   std::string_view ranges_;
   std::string_view stage_;
   std::string_view stageOperand_;
+  bool hasLostStage_ = false;  // a statement has vanished that was probably meant as one
 };
 
 }  // namespace kiln

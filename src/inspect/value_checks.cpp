@@ -44,7 +44,8 @@ ValueChecks::ValueChecks(const Program& program, Findings& findings)
     : findings_(findings),
       symbols_(program.iteration().symbols),
       evaluator_(symbols_, messages_),
-      leaves_(program, findings),
+      lost_(program.assembler),
+      leaves_(program, lost_, findings),
       hasLargeSymbols_(hasLarge(symbols_)),
       wantsThreeBytes_(findings.wants(Check::ThreeBytes)) {}
 
@@ -96,7 +97,8 @@ bool ValueChecks::isHarmless(const AsLine& line) const {
 void ValueChecks::visitOperand(const Statement& statement, std::string_view expression) {
   const AsLine& line = *statement.parsed;
   if (line.mode == Mode::Immediate && isByteOfName(expression)) return;
-  if (checkModeParentheses(statement, expression, findings_)) return explainOperand(line, expression);
+  const bool hasOtherMode = checkModeParentheses(statement, expression, findings_);
+  if (hasOtherMode || opcodeFor(line.mnemonic, line.mode) < 0) return explainOperand(line, expression);
   const bool isSound = line.nameHash != 0 || parsePlainLiteral(expression) >= 0;
   if (!isSound && leaves_.visit(statement, expression)) return explainOperand(line, expression);
   const CheckedOperand operand{statement, expression, valueOf(expression, line.nameHash)};
@@ -219,6 +221,7 @@ void ValueChecks::checkAddress(const Statement& statement, std::string_view expr
 // "'start' is $2000 and does not fit one byte: only $00 is left".
 void ValueChecks::reportCut(const Statement& statement, std::string_view expression, int64_t value, size_t bytes,
                             std::string note) {
+  if (findings_.wants(Check::Vanished) && lost_.contains(leadingSymbol(expression))) return;
   const std::string_view at = inSource(statement, expression);
   const std::string number = valueText(value);
   const bool isNumber = at.starts_with('$') && isAllHex(at.substr(1));

@@ -10,6 +10,7 @@
 #include "base/diagnostics.h"
 #include "inspect/findings.h"
 #include "inspect/leaf_checks.h"
+#include "inspect/lost_definitions.h"
 #include "inspect/program.h"
 #include "inspect/statement_walk.h"
 #include "source/expression.h"
@@ -45,6 +46,7 @@ class ValueChecks {
   const SymbolTable& symbols_;
   MessageList messages_;  // about the expression just evaluated
   Evaluator evaluator_;
+  LostDefinitions lost_;
   LeafChecks leaves_;
   const bool hasLargeSymbols_;  // some name's value does not fit two bytes
   const bool wantsThreeBytes_;

@@ -112,6 +112,7 @@ TEST(CheckLines, FindsNothingInWhatWorks) {
       "e:  JMP gr\xC3\xB6\xC3\x9F"
       "e",
       "        .SPILL_POINT of this",
+      "        .cloaked_segment$5000,3",
       "        .string A 5\" disk",
       "        .string \"A:B\" ; check: allow cut-text",
       "text:   .string \"A:B\"",
@@ -150,6 +151,17 @@ TEST(CheckLines, GivesEditsThatMendTheLine) {
   // A label is one for sure when something uses it.
   EXPECT_EQ(fixedSource({.source = "loop LDX #1\n .word loop\n"}), "loop: LDX #1\n .word loop\n");
   EXPECT_EQ(fixedSource({.source = "loop LDX #1\n"}), "loop LDX #1\n");
+}
+
+// What comes of a definition that vanishes is not reported where the name is used.
+TEST(CheckLines, ReportsAMistakeOnce) {
+  expectInLine({
+      {"second := 64\n LDA #second\n .byte second,second+1", {"2:9 vanished"}},
+      {"@next:  INX\n BNE @next\n .word @next", {"2:1 vanished"}},
+      {".next:  INX\n LDA @next", {"3:6 undefined"}},
+      {"        JSR #start", {"2:9 assembler"}},
+      {"        JSR #$1G+'A'", {"2:9 assembler"}},
+  });
 }
 
 TEST(CheckLines, ExplainsWhatTheAssemblerSaysOfTheLine) {

@@ -35,6 +35,7 @@ TEST(CheckMemory, FindsBytesBeforeTheFirstOriginOnce) {
       // The line that has vanished is reported already.
       {".org\t$2000\nRTS\n", {"1:1 tab-after-directive"}},
       {"*= $2000\nRTS\n", {"1:1 vanished"}},
+      {".zrg $2000\nRTS\n", {"1:1 vanished"}},
       {"\xEF\xBB\xBF .org $2000\nRTS\n", {"1:1 byte-order-mark"}},
   });
 }
@@ -100,7 +101,7 @@ TEST(CheckMemory, FindsDataThatARegionCuts) {
   const std::string regions = ".org $2000\n.code_regions $2000-$2011,$3000-$30FF\n";
   expectAll({
       {regions + "JMP $E474\n.byte 1,2,3,4\n.byte 5,6\n", {"5:1 cut-table"}},
-      {regions + "JMP $E474\n.byte 1,2,3,4\nnext: .byte 5,6\n", {"5:1 region-bridge"}},
+      {regions + "JMP $E474\n.byte 1,2,3,4\nnext: .byte 5,6\n", {"5:1 region-bridge"}, "-Wregion-bridge"},
       {regions + "LDA $1234\n.byte 1,2,3,4\n.byte 5,6\n"},  // may be code
       {regions + "LDA $1234\n.byte 1,2,3,4\n.word 5\n", {"5:1 cut-table"}},
       {regions + "LDA $1234\nNOP\nJSR $E474\n.string \"HELLO\"\n", {"6:1 cut-table"}},
@@ -122,17 +123,22 @@ TEST(CheckMemory, FindsLabelsThatStayInARegion) {
       {regions + "end:\n.spill_point\nlabel:\nLDA $1234\n.space 20\n"},
       {regions + "label: .spill_point\nLDA $1234\n"},  // divided, with a JMP at the label
   });
+  // The JMP to the data is at the label that a long branch makes.
+  const std::string far = ".org $5000\nfar: RTS\n";
+  expectAll({{".org $2000\n.code_regions $2000-$2013,$3000-$30FF\nLDA $1234\nBEQ far\n.byte 4,$80,4,$80\n" + far}});
 }
 
 TEST(CheckMemory, FindsJumpsBetweenRegionsThatNothingReaches) {
   const std::string regions = ".org $2000\n.code_regions $2000-$2011,$3000-$30FF\nLDA $1234\nLDA $1234\n";
+  const std::string bridge = "-Wregion-bridge";
   expectAll({
-      {regions + "RTS\n; a comment\nnext: LDA $1234\n", {"7:1 region-bridge"}},
-      {regions + "RTS\nn = 5\nnext: .byte 1,2\n", {"7:1 region-bridge"}},
-      {regions + "loop: BRA loop\nnext: LDA $1234\n", {"6:1 region-bridge"}},
-      {regions + "RTS\nnext: LDA $1234\n"},
-      {regions + "RTS\nnext:\nLDA $1234\n"},  // the JMP is at the label
-      {regions + "NOP\n\nnext: LDA $1234\n"},
+      {regions + "RTS\n; a comment\nnext: LDA $1234\n", {"7:1 region-bridge"}, bridge},
+      {regions + "RTS\nn = 5\nnext: .byte 1,2\n", {"7:1 region-bridge"}, bridge},
+      {regions + "loop: BRA loop\nnext: LDA $1234\n", {"6:1 region-bridge"}, bridge},
+      {regions + "RTS\nnext: LDA $1234\n", {}, bridge},
+      {regions + "RTS\nnext:\nLDA $1234\n", {}, bridge},  // the JMP is at the label
+      {regions + "NOP\n\nnext: LDA $1234\n", {}, bridge},
+      {regions + "RTS\n\nnext: LDA $1234\n"},  // three bytes lost, and no harm
   });
 }
 
@@ -140,6 +146,8 @@ TEST(CheckMemory, FindsShadowCodeThatIsNotCopied) {
   const std::string ranges = ".shadow_ranges $C000-$CFFF\n", code = ".org $2000\n.byte 1\n.org $C000\n.byte 1\n";
   expectAll({
       {ranges + ".shadow_stage 0\n" + code, {"1:1 half-shadow"}},
+      {ranges + ".shadow_syage $3800\n" + code, {"2:1 vanished"}},
+      {ranges + ".shadow_stage\t$3800\n" + code, {"2:1 tab-after-directive"}},
       {ranges + code, {}, "-f prg"},
       {ranges + ".shadow_stage nowhere\n" + code, {}, "-Wno-undefined -Wno-assembler"},
       {ranges + ".shadow_stage $1F86\n" + code},  // up to $2000: 122 bytes
