@@ -138,6 +138,8 @@ std::string MacroCalls::countsOf(const Call& call) const {
 void MacroCalls::checkIgnored(const Call& call) {
   const size_t expected = call.use.macro->parameters.size();
   const std::string_view ignored = between(arguments_[expected].data(), endOf(call.noted.arguments).data());
+  // Nothing is lost with a comma at the end.
+  if (ignored.find_first_not_of(", \t") == std::string_view::npos) return;
   Findings::Report report{.at = ignored,
                           .text = concat({countsOf(call), ": '", ignored, "' is ignored"}),
                           .notes = {{call.use.macro->head, "the macro begins here"}}};
@@ -268,7 +270,9 @@ void MacroCalls::findInners(const MacroUse& use, const std::vector<bool>& isWhol
         const bool isInner = word != parameters[i] && word.find(parameters[i]) != std::string_view::npos;
         if (!isInner) continue;
         const bool isNumber = isHexNumber(parsed.code, word);
-        const bool isBroken = isNumber ? isWhole[i] : meansSomething(program_, word);
+        // The arguments of the parameters before it are put in first.
+        const bool isLater = std::find(parameters.begin() + i, parameters.end(), word) != parameters.end();
+        const bool isBroken = isNumber ? isWhole[i] : isLater || meansSomething(program_, word);
         const std::string_view whole = isNumber ? between(word.data() - 1, endOf(word).data()) : word;
         if (isBroken) traits.inners.push_back({whole, parameters[i], isNumber});
         break;

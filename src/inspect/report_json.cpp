@@ -19,8 +19,14 @@ std::string_view pathOf(const Place& place) { return place.file == nullptr ? std
 
 std::string_view nameOf(Severity severity) { return severity == Severity::Error ? "error" : "warning"; }
 
-Json toJson(const Note& note) {
-  return {{"file", pathOf(note.place)}, {"line", note.place.line}, {"column", note.place.column}, {"text", note.text}};
+// A note without a place of its own is about that of the finding.
+Json toJson(const std::vector<Note>& notes, const Place& placeOfFinding) {
+  Json list = Json::array();
+  for (const Note& note : notes) {
+    const Place& place = note.place.line != 0 ? note.place : placeOfFinding;
+    list.push_back({{"file", pathOf(place)}, {"line", place.line}, {"column", place.column}, {"text", note.text}});
+  }
+  return list;
 }
 
 Json toJson(const Edit& edit) {
@@ -31,11 +37,10 @@ Json toJson(const Edit& edit) {
           {"text", edit.text}};
 }
 
-template <typename Items>
-Json listOf(const Items& items) {
+Json toJson(const std::vector<Edit>& edits) {
   Json list = Json::array();
-  for (const auto& item : items)
-    list.push_back(toJson(item));
+  for (const Edit& edit : edits)
+    list.push_back(toJson(edit));
   return list;
 }
 
@@ -47,8 +52,8 @@ Json toJson(const Finding& finding) {
           {"severity", nameOf(finding.severity)},
           {"check", rowOf(finding.check).name},
           {"text", finding.text},
-          {"notes", listOf(finding.notes)},
-          {"fix", finding.fix.empty() ? Json() : listOf(finding.fix)}};
+          {"notes", toJson(finding.notes, finding.place)},
+          {"fix", finding.fix.empty() ? Json() : toJson(finding.fix)}};
 }
 
 // A path as a URI reference: all bytes but the unreserved ones and "/" as "%XX".

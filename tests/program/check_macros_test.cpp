@@ -78,9 +78,10 @@ TEST(CheckMacros, CountArguments) {
       {macro + "SET $10,1,2 ; three\n RTS", {"6:18 macro-arguments"}},
       {macro + "SET ($10,2),1\n RTS", {"6:20 macro-arguments"}},
       {macro + "SET $10,\n RTS", {"6:8 macro-arguments"}},
+      {macro + "SET $10,1,\n RTS"},
       {".macro NONE\n CLC" + program + "NONE 5\n RTS", {"5:13 macro-arguments"}},
       // An operand may be left out, and so may what no line uses.
-      {".macro SHIFT what\n ASL what" + program + "SHIFT ,\n RTS", {"5:15 macro-arguments"}},
+      {".macro SHIFT what\n ASL what" + program + "SHIFT ,\n RTS"},  // the comma loses nothing
       {".macro SHIFT what,why\n ASL what ; why" + program + "SHIFT $10\n SHIFT ,5\n RTS"},
       // A default.
       {macro + "SET $10\n RTS\nNumber = 5"},
@@ -91,6 +92,8 @@ TEST(CheckMacros, CountArguments) {
 
 TEST(CheckMacros, SeeWhatAParameterBreaks) {
   expectEach({
+      {".macro M at,at2\n STA at\n STX at2" + program + "M $10,$20\n RTS", {"3:6 macro-parameter"}},
+      {".macro M at2,at\n STA at\n STX at2" + program + "M $10,$20\n RTS"},
       {".macro M b\n LDX #b\n .byte 1" + program + "M 5\n RTS", {"3:2 macro-parameter"}},
       {".macro M A\n LDX #A\n LDY #$A0" + program + "M 5\n RTS", {"3:7 macro-parameter"}},
       {".macro M e\n LDX #e\n STX here" + program + "M 5\n RTS\nhere: .byte 0", {"3:6 macro-parameter"}},
