@@ -17,6 +17,13 @@
 namespace kiln {
 namespace {
 
+// A definition that another one with another value follows.
+struct Change {
+  std::string_view replaced = {};  // null data: none
+  int64_t value = 0;               // that it gave
+  std::string_view replacement = {};
+};
+
 // A name on the way through the program.
 struct Name {
   uint32_t symbol = 0;
@@ -24,11 +31,10 @@ struct Name {
   std::string_view definition = {};    // the one before the current place; null data: none
   int64_t value = 0;                   // that it gives
   bool isUsed = false;                 // since that definition
-  std::string_view replaced = {};      // a definition with another value than the one after it
-  int64_t replacedValue = 0;           // that it gave
-  std::string_view replacement = {};   // the last definition that changed the value
+  bool isCounter = false;              // some definition uses the name itself
+  Change change = {};                  // the last one
+  Change uselessChange = {};           // the first of those whose `replaced` has no use
   std::string_view surprisedUse = {};  // gets another value than the definition before it gives
-  bool isUseless = false;              // `replaced` has no use
 };
 
 class AssignedTwice {
@@ -90,6 +96,7 @@ void AssignedTwice::use(const Statement& statement) {
     Name* const name = find(text);
     if (name == nullptr) continue;
     name->isUsed = true;
+    name->isCounter = name->isCounter || (line.kind == Kind::Assign && find(line.assignName()) == name);
     const bool differs = name->definition.data() != nullptr && name->value != name->last;
     if (lookUp == LookUp::AtEnd && differs && name->surprisedUse.data() == nullptr) {
       name->surprisedUse = writtenName(*program_.map, statement, text);
@@ -101,10 +108,9 @@ void AssignedTwice::define(std::string_view text, std::string_view written, int6
   Name* const name = find(text);
   if (name == nullptr) return;
   if (name->definition.data() != nullptr && name->value != value) {
-    name->isUseless = name->isUseless || (!name->isUsed && areInOneFile(name->definition, written));
-    name->replaced = name->definition;
-    name->replacedValue = name->value;
-    name->replacement = written;
+    name->change = {name->definition, name->value, written};
+    const bool isUseless = !name->isUsed && areInOneFile(name->definition, written);
+    if (isUseless && name->uselessChange.replaced.data() == nullptr) name->uselessChange = name->change;
   }
   name->definition = written;
   name->value = value;
@@ -125,19 +131,22 @@ bool AssignedTwice::areInOneFile(std::string_view a, std::string_view b) const {
   return program_.map->placeOf(a).file == program_.map->placeOf(b).file;
 }
 
+// Nothing is lost when a counter counts on after its last use and begins anew.
 void AssignedTwice::report() const {
   for (const auto& [symbol, name] : names_) {
     const bool isSurprise = name.surprisedUse.data() != nullptr;
-    if (name.replacement.data() == nullptr || (!isSurprise && !name.isUseless)) continue;
-    const std::string was = concat({"it is ", decimal(name.replacedValue), " here"});
-    Findings::Report report{.at = name.replacement};
+    const Change& change = isSurprise ? name.change : name.uselessChange;
+    if (change.replaced.data() == nullptr || (!isSurprise && name.isCounter)) continue;
+    const std::string was = concat({"it is ", decimal(change.value), " here"});
+    Findings::Report report{.at = change.replacement};
     if (isSurprise) {
-      report.text = concat({"'", name.replacement, "' has several values: instructions and lists use the last one, ",
+      report.text = concat({"'", change.replacement, "' has several values: instructions and lists use the last one, ",
                             decimal(name.last), ", everywhere"});
-      report.notes = {{name.replaced, was}, {name.surprisedUse, concat({"and ", decimal(name.last), " is used here"})}};
+      report.notes = {{change.replaced, was},
+                      {name.surprisedUse, concat({"and ", decimal(name.last), " is used here"})}};
     } else {
-      report.text = concat({"'", name.replacement, "' gets another value before anything has used the one above"});
-      report.notes = {{name.replaced, was + ", without effect"}};
+      report.text = concat({"'", change.replacement, "' gets another value before anything has used the one above"});
+      report.notes = {{change.replaced, was + ", without effect"}};
     }
     findings_.add(Check::AssignedTwice, std::move(report));
   }

@@ -1,12 +1,18 @@
 #include "inspect/line_checks.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 
 namespace kiln {
 namespace {
 
-// True for what vanishes without harm, or because of how the file was saved.
-bool isOfFile(std::string_view text) { return text.empty() || text == "\r" || text.starts_with("\xEF\xBB\xBF"); }
+// True for what vanishes without harm, such as a form feed or the mark of the file's end, or because of how the file
+// was saved.
+bool isOfFile(std::string_view text) {
+  const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; };
+  return std::all_of(text.begin(), text.end(), isControl) || text.starts_with("\xEF\xBB\xBF");
+}
 
 }  // namespace
 

@@ -112,6 +112,7 @@ TEST(CheckLines, FindsNothingInWhatWorks) {
       "e:  JMP gr\xC3\xB6\xC3\x9F"
       "e",
       "        .SPILL_POINT of this",
+      "\f\n        NOP\n\x1A",
       "        .cloaked_segment$5000,3",
       "        .string A 5\" disk",
       "        .string \"A:B\" ; check: allow cut-text",

@@ -88,6 +88,9 @@ TEST(CheckNames, FindDefinitionsThatDoNotCount) {
       {"n = 1\nn = 1\n.org $2000\n LDA #n\n"},
       {"n = 1\n.org $2000\n LDA #N\nn = 2\n",            {"4:1 assigned-twice"}},
       {"n = 1\nm = n\nn = 2\n.org $2000\n LDA #n+m\n"},
+      // A counter begins anew after a step that nothing uses.
+      {"n = 0\na = n\nn = n+1\nn = 0\nb = n\nn = n+2\nc = n\n.org $2000\n LDA #a+b+c\n"},
+      {"n = 1\nn = 2\nm = n\nn = 3\nn = 4\n.org $2000\n LDA #m\n",  {"2:1 assigned-twice"}},
       {"n = 1\n.org $2000\n LDA #n\n",                   {}, "-D n=1"},
       {"n = 2\n.org $2000\n LDA #n\n",                   {"1:1 define-overridden"}, "-D n=1"},
       {"n = 2\n.org $2000\n LDA #n\n",                   {}, "defaults.inc"},
