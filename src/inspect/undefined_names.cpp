@@ -14,6 +14,7 @@
 namespace kiln {
 namespace {
 
+constexpr std::string_view stagerPrefix = "_kxb_";
 constexpr size_t mostChanges = 2;  // that NearNames accepts
 
 // The name that a statement defines, as its uses in the same scope are written: the label, or what it assigns to.
@@ -73,6 +74,8 @@ void UndefinedNames::addUse(const Statement& statement, std::string_view name) {
   seen_.enter(HashedName(kept));
   findings_.explain(undefinedMessage(name));
   const bool isUnscoped = name.starts_with('.') && !rowOf(statement.parsed->kind).qualifies;
+  // The names of the call stager have no values when an error comes first.
+  if (name.starts_with(stagerPrefix)) return;
   uses_.push_back({kept, writtenName(*program_.map, statement, name), statement.scope, isUnscoped});
 }
 

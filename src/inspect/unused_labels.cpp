@@ -1,11 +1,31 @@
 #include "inspect/unused_labels.h"
 
+#include <optional>
+#include <utility>
+
 #include "base/format.h"
 #include "base/text.h"
 #include "inspect/name_text.h"
+#include "source/line_text.h"
 
 namespace kiln {
 namespace {
+
+// A staged call, and a long branch, no longer has the name that the source has.
+void markReplaced(const Program& program, const NameDefinitions& definitions, std::vector<bool>& isUsed) {
+  const char* last = nullptr;
+  for (const SourceNotes::Made& made : program.notes.made) {
+    if (made.pattern.data() != nullptr || std::exchange(last, made.origin.data()) == made.origin.data()) continue;
+    StatementTexts statements(withoutComment(made.origin));
+    while (const std::optional<std::string_view> statement = statements.next()) {
+      std::string_view rest = statement->substr(statement->find(':') + 1);
+      for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
+        const Symbol* const symbol = definitions.find(word);
+        if (symbol != nullptr) isUsed[symbol->index] = true;
+      }
+    }
+  }
+}
 
 // The scope of a local name that is used is in use.
 void markScopes(const std::vector<Symbol>& symbols, const NameDefinitions& definitions, std::vector<bool>& isUsed) {
@@ -31,6 +51,7 @@ bool isInInput(const Program& program, std::string_view text) {
 
 void checkUnusedLabels(const Program& program, const NameDefinitions& definitions, std::vector<bool> isUsed,
                        Findings& findings) {
+  markReplaced(program, definitions, isUsed);
   markScopes(program.iteration().symbols.symbols(), definitions, isUsed);
   for (size_t i = 0; i < definitions.all().size(); ++i) {
     const auto& [text, isAssignment] = definitions.all()[i];

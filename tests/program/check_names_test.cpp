@@ -99,6 +99,18 @@ TEST(CheckNames, FindDefinitionsThatDoNotCount) {
   }, {{"defaults.inc", "n = 1\n"}});
 }
 
+// The source has the names that the call stager replaces, and not those that it makes.
+TEST(CheckNames, KnowTheNamesOfStagedCalls) {
+  const std::string main = ".org $2000\n.code_regions $2000-$3FFF\nloop: JSR draw\nJMP loop\n";
+  const std::string bank = ".bank b\ndraw: RTS\n", options = "-code-window 4000-7FFF -code-reg 82 -b";
+  expectNames({
+      {main + bank, {}, options + " -Wunused"},
+      {main + bank + "hide: RTS\n", {"7:1 unused"}, options + " -Wunused"},
+      // The routines of the stager, which come after this line, are too long for the region.
+      {".org $2000\n.code_regions $2000-$2020\nloop: JSR draw\nJMP loop\n" + bank, {"4:1 assembler"}, options},
+  });
+}
+
 TEST(CheckNames, KnowWhenANameHasItsValue) {
   expectNames({
       {"n = n+1\n.org $2000\n LDA #n\n",                 {"1:5 used-too-early"}},
