@@ -271,7 +271,8 @@ void MacroCalls::findInners(const MacroUse& use, const std::vector<bool>& isWhol
         if (!isInner) continue;
         const bool isNumber = isHexNumber(parsed.code, word);
         // The arguments of the parameters before it are put in first.
-        const bool isLater = std::find(parameters.begin() + i, parameters.end(), word) != parameters.end();
+        const bool isLater =
+            std::find(parameters.begin() + static_cast<std::ptrdiff_t>(i), parameters.end(), word) != parameters.end();
         const bool isBroken = isNumber ? isWhole[i] : isLater || meansSomething(program_, word);
         const std::string_view whole = isNumber ? between(word.data() - 1, endOf(word).data()) : word;
         if (isBroken) traits.inners.push_back({whole, parameters[i], isNumber});
