@@ -11,14 +11,16 @@ import sys
 from pathlib import Path
 from statistics import median
 
+from editing import measure_editing
 from generate import HOME, KILN, RIVAL, prepare
 from images import difference
 
 DIRECTORY = Path("build/bench")
 PROGRAM = os.environ.get("KILN_AS", "build/kiln-as")
 
-# kiln-check of the same build.
+# kiln-check and kiln-lsp of the same build.
 CHECKER = str(Path(PROGRAM).with_name("kiln-check"))
+SERVER = str(Path(PROGRAM).with_name("kiln-lsp"))
 
 # An earlier kiln-as to compare with.
 BEFORE = os.environ.get("KILN_AS_BEFORE")
@@ -34,6 +36,11 @@ BEFORE_LIMITS = {"undefined": 0.60}
 # kiln-check: time against kiln-as, and milliseconds for a program of 10,000 lines.
 CHECK_RATIO_LIMITS = {"plain": 2.5, "data": 2.5, "macro": 2.5}
 CHECK_LINES, CHECK_LIMIT = 10_000, 30
+
+# kiln-lsp, for a program of 10,000 lines: milliseconds to the first findings, and from a keystroke to new ones;
+# megabytes at the peak.
+EDIT_WORKLOADS = ("plain", "macro")
+FIRST_LIMIT, KEYSTROKE_LIMIT, SERVER_MEMORY_LIMIT = 100, 50, 100
 
 # Programs whose size does not grow with the others.
 SHORT = {"start-up": 10, "home": 200}
@@ -231,6 +238,26 @@ class Benchmark:
             table(("kiln-check", f"kiln-as, {self.lines:,} lines", "kiln-check", "ratio", "at most",
                    f"{CHECK_LINES:,} lines", "at most"), [self.check(workload) for workload in workloads])
 
+    def edit(self, workload):
+        """One row of the table of kiln-lsp."""
+        note(f"{workload}, {CHECK_LINES} lines, kiln-lsp")
+        source = program_for(workload, CHECK_LINES) / KILN / "main.asm"
+        rounds = [measure_editing(SERVER, source) for _ in range(self.pair_rounds)]
+        first, keystroke, memory = (median(values) for values in zip(*rounds))
+        self.expect(f"{workload}, milliseconds to the first findings", first * 1000, FIRST_LIMIT)
+        self.expect(f"{workload}, milliseconds after a keystroke", keystroke * 1000, KEYSTROKE_LIMIT)
+        self.expect(f"{workload}, megabytes of kiln-lsp", memory / 1e6, SERVER_MEMORY_LIMIT)
+        return (workload, milliseconds(first), f"{FIRST_LIMIT} ms", milliseconds(keystroke), f"{KEYSTROKE_LIMIT} ms",
+                megabytes(memory), f"{SERVER_MEMORY_LIMIT} MB")
+
+    def run_edits(self):
+        workloads = [workload for workload in EDIT_WORKLOADS if self.wanted(workload)]
+        if workloads and not Path(SERVER).exists():
+            print(f"kiln-lsp is not measured: there is no {SERVER}\n")
+        elif workloads:
+            table((f"kiln-lsp, {CHECK_LINES:,} lines", "first findings", "at most", "after a keystroke", "at most",
+                   "peak", "at most"), [self.edit(workload) for workload in workloads])
+
     def run(self):
         results = [self.compare(workload) for workload in RATIO_LIMITS if self.wanted(workload)]
         if results:
@@ -244,9 +271,9 @@ class Benchmark:
                    "of processor time", "speed", "peak", "of source", "at most"), rows)
         self.run_before()
         self.run_checks()
+        self.run_edits()
         for miss in self.missed:
             print("missed: " + miss)
-
 
     def run_before(self):
         workloads = [workload for workload in BEFORE_LIMITS if self.wanted(workload)]
