@@ -18,7 +18,7 @@ bool isOfFile(std::string_view text) {
 
 LineChecks::LineChecks(const Program& program, Findings& findings)
     : used_(program.assembler),
-      reporter_(program, findings),
+      reporter_(findings),
       vanished_(program, used_, reporter_),
       colons_(program, used_, reporter_),
       texts_(reporter_) {}

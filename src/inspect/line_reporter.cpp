@@ -2,10 +2,12 @@
 
 #include <utility>
 
+#include "base/diagnostics.h"
 #include "base/format.h"
 #include "base/text.h"
 #include "inspect/expression_names.h"
 #include "source/data_items.h"
+#include "source/expression.h"
 #include "source/statements.h"
 
 namespace kiln {

@@ -3,19 +3,15 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_set>
 
-#include "base/diagnostics.h"
 #include "inspect/findings.h"
-#include "inspect/program.h"
 #include "inspect/statement_walk.h"
-#include "source/expression.h"
 
 namespace kiln {
 
 class LineReporter {
  public:
-  LineReporter(const Program& program, Findings& findings) : program_(program), findings_(findings) {}
+  explicit LineReporter(Findings& findings) : findings_(findings) {}
 
   // Adds a finding about a statement that is not what its writer meant, and explains what the assembler says of it. A
   // line of a macro's body is reported at the first call alone, unless the mistake is in the arguments.
@@ -28,7 +24,6 @@ class LineReporter {
   void explainMessages(const Statement& statement);
   void explainValue(std::string_view expression);
 
-  const Program& program_;
   Findings& findings_;
   std::string scratch_;
 };
