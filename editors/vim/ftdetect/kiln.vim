@@ -1,6 +1,6 @@
-" Many assemblers use the ending .asm: a file is taken for kiln-as when one of its first lines names it. With
-" let g:kiln_asm = 1 all files with these endings are.
+" Many assemblers use the ending .asm, and many languages .inc: a file is taken for kiln-as when a comment in its first
+" lines names it, or when a .kiln stands in its folder or in one above. With let g:kiln_asm = 1 all these files are.
+" Vim has taken it for another type before, whose settings may not say how to undo them.
 autocmd BufNewFile,BufRead *.asm,*.inc,*.s
-      \ if get(g:, 'kiln_asm') || match(getline(1, 20), 'kiln-as') >= 0 |
-      \   set filetype=kiln |
-      \ endif
+      \ if kiln#isSource(expand('<afile>')) | unlet! b:did_ftplugin | set filetype=kiln | endif
+autocmd BufNewFile,BufRead .kiln set filetype=kilnproject
