@@ -264,11 +264,12 @@ TEST(SyntaxFiles, HaveEveryInstructionAndDirective) {
 TEST(Version, IsTheSameEverywhere) {
   const std::string release = std::string(version);
   const std::vector<std::string> once = {release}, packaged = {release + ".0"};
-  for (const char* page : {"man/kiln-as.1", "man/kiln-check.1"})
+  for (const char* page : {"man/kiln-as.1", "man/kiln-check.1", "man/kiln-lsp.1"})
     EXPECT_EQ(findAll(read(root / page), R"(\.TH [^\n]*kiln\\-as ([0-9.]+))"), once);
   EXPECT_EQ(findAll(read(root / "man/kiln-as.1"), "/opt/kiln/([0-9.]+)"), once);
   EXPECT_EQ(findAll(read(root / "README.md"), "kiln-as_([0-9.]+)"), once);
-  EXPECT_EQ(findAll(read(root / "editors/textmate/package.json"), "\"version\": \"([^\"]+)"), packaged);
+  for (const char* manifest : {"editors/textmate/package.json", "editors/vscode/package.json"})
+    EXPECT_EQ(findAll(read(root / manifest), "\"version\": \"([^\"]+)"), packaged);
 }
 
 }  // namespace
