@@ -25,9 +25,15 @@ if(TARGET kiln-check)
   installCompletions(kiln-check)
 endif()
 
+if(TARGET kiln-lsp)
+  install(TARGETS kiln-lsp RUNTIME)
+  install(FILES man/kiln-lsp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
+
+# Neovim looks below the second folder, Vim below the first one.
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
+install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/nvim/site)
 install(DIRECTORY editors/textmate DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
-install(FILES editors/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kiln-as)
@@ -39,7 +45,7 @@ set(CPACK_PACKAGE_DESCRIPTION
 files (XEX) and Commodore program files (PRG). It repairs branches that lead
 too far, spreads code over several regions of memory, places code under the
 operating system's ROM and calls subroutines from one memory bank to another.
-kiln-check finds mistakes in programs.
+kiln-check finds mistakes in programs, and kiln-lsp shows them in editors.
 The package holds the manual, examples, completions for bash, zsh and fish,
 and syntax files for editors.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
