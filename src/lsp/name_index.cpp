@@ -15,8 +15,6 @@
 namespace kiln {
 namespace {
 
-constexpr size_t mostParameters = 64;
-
 class Collector {
  public:
   Collector(const Program& program, std::vector<Occurrence>& all)

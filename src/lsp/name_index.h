@@ -10,10 +10,13 @@
 
 namespace kiln {
 
+// Of a macro; those after them are not looked at.
+inline constexpr size_t mostParameters = 64;
+
 enum class Thing : uint8_t {
   Symbol,     // a label, an assigned or a built-in name, or a bank, which is "__bank_" and its name; id = Symbol::index
   Macro,      // id = its place among all definitions
-  Parameter,  // id = its macro's * 64 + its own place
+  Parameter,  // id = its macro's * mostParameters + its own place
   File,       // an include; id = the included file's place in the notes
 };
 

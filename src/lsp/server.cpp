@@ -12,6 +12,12 @@
 namespace kiln {
 namespace {
 
+// A client that does not say which formats it takes is shown Markdown.
+bool takesMarkdown(const Json& formats) {
+  return !formats.is_array() || formats.empty() ||
+         std::find(formats.begin(), formats.end(), "markdown") != formats.end();
+}
+
 bool isRequest(const Json& message) { return message.contains("id") && message.contains("method"); }
 
 }  // namespace
@@ -102,6 +108,7 @@ Answer Server::initialize(const Json& params) {
   const bool hasUtf8 =
       encodings.is_array() && std::find(encodings.begin(), encodings.end(), "utf-8") != encodings.end();
   session_.encoding = hasUtf8 ? Encoding::Utf8 : Encoding::Utf16;
+  session_.takesMarkdown = takesMarkdown(memberOf(params, {"capabilities", "textDocument", "hover", "contentFormat"}));
   session_.hasSnippets =
       isTrue(memberOf(params, {"capabilities", "textDocument", "completion", "completionItem", "snippetSupport"}));
   configure(memberOf(params, {"initializationOptions"}));

@@ -1,5 +1,7 @@
 #include "lsp/session.h"
 
+#include <algorithm>
+
 #include "lsp/uri.h"
 
 namespace kiln {
@@ -14,6 +16,15 @@ std::optional<Target> findTarget(Session& session, const Json& params) {
     return Target{*document, *analysis, *source, TextIndex(source->text, session.encoding)};
   }
   return std::nullopt;
+}
+
+std::string_view Target::linesOf(Range range) const {
+  const std::string_view text = source.text;
+  const size_t first = index.offsetOf(range.start);
+  const size_t last = std::max(first, index.offsetOf(range.end));
+  const size_t begin = first == 0 ? 0 : text.rfind('\n', first - 1) + 1;  // npos + 1 = 0
+  const size_t end = std::min(text.find('\n', last), text.size() - 1) + 1;
+  return text.substr(begin, end - begin);
 }
 
 std::string uriOf(const Session& session, const std::string& path) {

@@ -21,6 +21,7 @@ struct Session {
   Workspace workspace;
   Encoding encoding = Encoding::Utf16;
   bool showsInlayHints = true;
+  bool takesMarkdown = true;
   bool hasSnippets = false;  // the editor can fill in placeholders
 };
 
@@ -38,6 +39,8 @@ struct Target {
     const auto begin = static_cast<size_t>(part.data() - source.text.data());
     return index.rangeOf(begin, begin + part.size());
   }
+  // The part of source.text that has the range, whole lines as the assembler has them, with the last line's end.
+  std::string_view linesOf(Range range) const;
 };
 
 // The document that "textDocument" names; absent when it is not open, or no text of any program.

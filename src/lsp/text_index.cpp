@@ -65,18 +65,35 @@ size_t TextIndex::offsetOf(Position position) const {
   return static_cast<size_t>(rest.data() - text_.data());
 }
 
+uint32_t TextIndex::lineOf(size_t offset) const {
+  const auto after = std::upper_bound(starts_.begin(), starts_.end(), offset);
+  return static_cast<uint32_t>(after - starts_.begin() - 1);
+}
+
+uint32_t TextIndex::unitsIn(size_t begin, size_t end) const {
+  std::string_view rest = text_.substr(begin, end - begin);
+  uint32_t units = 0;
+  while (!rest.empty()) {
+    const size_t size = characterSize(rest);
+    units += unitsOf(size, encoding_);
+    rest.remove_prefix(size);
+  }
+  return units;
+}
+
 Position TextIndex::positionOf(size_t offset) const {
   offset = std::min(offset, text_.size());
-  const auto after = std::upper_bound(starts_.begin(), starts_.end(), offset);
-  const auto line = static_cast<uint32_t>(after - starts_.begin() - 1);
-  std::string_view before = text_.substr(starts_[line], offset - starts_[line]);
-  Position position{line, 0};
-  while (!before.empty()) {
-    const size_t size = characterSize(before);
-    position.character += unitsOf(size, encoding_);
-    before.remove_prefix(size);
-  }
-  return position;
+  const uint32_t line = lineOf(offset);
+  return {line, unitsIn(starts_[line], offset)};
+}
+
+Position PositionWalk::at(size_t offset) {
+  const uint32_t line = index_.lineOf(offset);
+  const size_t from = line == position_.line ? offset_ : index_.startOf(line);
+  const uint32_t before = line == position_.line ? position_.character : 0;
+  position_ = {line, before + index_.unitsIn(from, offset)};
+  offset_ = offset;
+  return position_;
 }
 
 }  // namespace kiln

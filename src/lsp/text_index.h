@@ -38,15 +38,35 @@ class TextIndex {
   uint32_t lineCount() const { return static_cast<uint32_t>(starts_.size()); }
   // Without its line end.
   std::string_view lineAt(uint32_t line) const;
+  // The number of the line that the offset is in.
+  uint32_t lineOf(size_t offset) const;
+  size_t startOf(uint32_t line) const { return starts_[line]; }
   // Places past the end of a line or of the text are at these ends; one within a character is before it.
   size_t offsetOf(Position position) const;
   Position positionOf(size_t offset) const;
   Range rangeOf(size_t begin, size_t end) const { return {positionOf(begin), positionOf(end)}; }
+  // The units of a part of the text.
+  uint32_t unitsIn(size_t begin, size_t end) const;
 
  private:
   std::string_view text_;
   Encoding encoding_;
   std::vector<size_t> starts_;  // of the lines
+};
+
+// The positions of offsets that grow: a line is walked once, however many there are in it.
+class PositionWalk {
+ public:
+  // The index has to stay.
+  explicit PositionWalk(const TextIndex& index) : index_(index) {}
+
+  // `offset` is not before that of the last call.
+  Position at(size_t offset);
+
+ private:
+  const TextIndex& index_;
+  size_t offset_ = 0;
+  Position position_;
 };
 
 }  // namespace kiln
