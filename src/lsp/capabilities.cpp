@@ -1,5 +1,7 @@
 #include "lsp/capabilities.h"
 
+#include "lsp/semantic_tokens.h"
+
 namespace kiln {
 
 Json capabilities(Encoding encoding) {
@@ -11,6 +13,10 @@ Json capabilities(Encoding encoding) {
       {"definitionProvider", true},
       {"referencesProvider", true},
       {"documentHighlightProvider", true},
+      {"hoverProvider", true},
+      {"inlayHintProvider", true},
+      {"codeLensProvider", {{"resolveProvider", false}}},
+      {"semanticTokensProvider", {{"legend", semanticTokensLegend()}, {"full", true}, {"range", true}}},
   };
 }
 

@@ -2,16 +2,25 @@
 
 #include <algorithm>
 
+#include "lsp/code_lens.h"
+#include "lsp/hover.h"
+#include "lsp/inlay_hints.h"
 #include "lsp/navigation.h"
+#include "lsp/semantic_tokens.h"
 
 namespace kiln {
 namespace {
 
 // clang-format off
 constexpr Method methods[] = {
-    {"textDocument/definition",        findDefinition},
-    {"textDocument/documentHighlight", highlight},
-    {"textDocument/references",        findReferences},
+    {"textDocument/codeLens",             findCodeLenses},
+    {"textDocument/definition",           findDefinition},
+    {"textDocument/documentHighlight",    highlight},
+    {"textDocument/hover",                hover},
+    {"textDocument/inlayHint",            findInlayHints},
+    {"textDocument/references",           findReferences},
+    {"textDocument/semanticTokens/full",  findSemanticTokens},
+    {"textDocument/semanticTokens/range", findSemanticTokensInRange},
 };
 // clang-format on
 
