@@ -64,12 +64,12 @@ void Server::cancel(const Json& id) {
   reply(id, Failure{ErrorCode::RequestCancelled, "cancelled"});
 }
 
-void Server::reply(const Json& id, const Answer& answer) {
+void Server::reply(const Json& id, Answer answer) {
   Json message = {{"jsonrpc", "2.0"}, {"id", id}};
   if (answer.failure.has_value()) {
     message["error"] = {{"code", static_cast<int>(answer.failure->code)}, {"message", answer.failure->message}};
   } else {
-    message["result"] = answer.result;
+    message["result"] = std::move(answer.result);
   }
   output_.push_back(dumpJson(message));
 }

@@ -40,7 +40,7 @@ class Server {
   Answer initialize(const Json& params);
   void configure(const Json& settings);
   void cancel(const Json& id);
-  void reply(const Json& id, const Answer& answer);
+  void reply(const Json& id, Answer answer);
 
   void openDocument(const Json& params);
   void changeDocument(const Json& params);
