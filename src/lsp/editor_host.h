@@ -13,6 +13,9 @@ class EditorHost final : public Host {
   // Both have to outlive it.
   EditorHost(const Host& disk, const Documents& documents) : disk_(disk), documents_(documents) {}
 
+  // The same disk with other documents before it, which have to outlive the result.
+  EditorHost with(const Documents& documents) const { return {disk_, documents}; }
+
   std::optional<std::string> readFile(const std::string& path) const override;
   bool exists(const std::string& path) const override;
   bool isDirectory(const std::string& path) const override { return disk_.isDirectory(path); }

@@ -4,6 +4,8 @@
 #include <functional>
 #include <tuple>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include "base/format.h"
 #include "base/text.h"
@@ -15,6 +17,9 @@
 namespace kiln {
 namespace {
 
+// Longer lines of macros are not searched: for each of a million words in a line, that would take quadratic time.
+constexpr size_t longestSearch = 4096;
+
 class Collector {
  public:
   Collector(const Program& program, std::vector<Occurrence>& all)
@@ -22,17 +27,20 @@ class Collector {
 
   void addStatement(const Statement& statement) {
     const AsLine& line = *statement.parsed;
-    if (line.hasLabel) addSymbol(statement.label, statement.symbol.text(), true);
-    if (line.kind == Kind::Assign) addSymbol(line.assignName(), line.assignName(), true, statement.rest);
-    if (line.kind == Kind::Bank) addSymbol(statement.argument, concat({"__bank_", line.operand()}), true);
-    for (std::string_view name : names_.of(line)) {
-      if (isPlainName(name)) addUse(statement, name);
+    if (line.hasLabel) addDefinition(statement.label, statement.symbol.text());
+    if (line.kind == Kind::Assign) {
+      const std::string_view name = line.assignName();
+      addDefinition(statement.rest.substr(0, name.size()), name);
     }
+    if (line.kind == Kind::Bank) addDefinition(statement.argument, concat({"__bank_", line.operand()}));
+    addUses(statement, names_.of(line));
   }
 
   void addMacros() {
     const std::vector<Macro>& macros = program_.notes.macros.all();
     std::unordered_map<const char*, size_t> byHead;
+    for (const SourceNotes::Call& call : program_.notes.calls)
+      argumentsOf_.emplace(call.line.data(), call.arguments);
     for (size_t i = 0; i < macros.size(); ++i) {
       addMacro(macros[i], i);
       byHead.emplace(macros[i].head.data(), i);
@@ -57,34 +65,90 @@ class Collector {
     all_.push_back({text, thing, static_cast<uint32_t>(id), isDefinition});
   }
 
-  // In the file: the place itself, or the one in the macro's body from which it was made.
-  std::string_view placeInFile(std::string_view text) const {
-    while (const SourceNotes::Made* const made = program_.map->madeLine(text)) {
-      const std::string_view source = made->pattern.data() != nullptr ? made->pattern : made->origin;
-      const std::string_view found = findName(withoutComment(source), text);
-      if (found.data() == nullptr) return {};
-      text = found;
+  // Calls `use` with the places in files that the text comes from: its own; for a text that a macro makes, all in the
+  // macro's body, or else in the arguments of the call; for one that a rewriter makes, all in the line that it
+  // replaces.
+  template <typename Use>
+  void forEachPlace(std::string_view text, Use use) {
+    open_.assign({text});
+    while (!open_.empty()) {
+      const std::string_view current = open_.back();
+      open_.pop_back();
+      const SourceNotes::Made* const made = program_.map->madeLine(current);
+      if (made == nullptr) {
+        use(current);
+      } else if (made->pattern.data() == nullptr) {
+        openAll(withoutComment(made->origin), text);
+      } else if (!openAll(withoutComment(made->pattern), text)) {
+        openAll(argumentsOf(made->origin), text);
+      }
     }
-    return text;
   }
 
-  void addSymbol(std::string_view written, std::string_view name, bool isDefinition, std::string_view within = {}) {
-    const Symbol* symbol = symbols_.find(name);
-    if (symbol == nullptr) symbol = symbols_.findIgnoringCase(name, symbolHash(name));
+  // Opens all places of the word but those where it is a macro's parameter; false when there is none.
+  bool openAll(std::string_view within, std::string_view word) {
+    if (within.size() > longestSearch) return false;
+    const size_t before = open_.size();
+    for (std::string_view found = findWhole(within, word); found.data() != nullptr; found = findWhole(within, word)) {
+      if (!parameterPlaces_.contains(found.data())) open_.push_back(found);
+      within.remove_prefix(static_cast<size_t>(found.data() + found.size() - within.data()));
+    }
+    std::reverse(open_.begin() + static_cast<std::ptrdiff_t>(before), open_.end());
+    return open_.size() > before;
+  }
+
+  std::string_view argumentsOf(std::string_view callLine) const {
+    const auto found = argumentsOf_.find(callLine.data());
+    return found == argumentsOf_.end() ? std::string_view() : found->second;
+  }
+
+  const Symbol* symbolOf(std::string_view name) const {
+    const Symbol* const symbol = symbols_.find(name);
+    return symbol != nullptr ? symbol : symbols_.findIgnoringCase(name, symbolHash(name));
+  }
+
+  // The first place is that of the definition: in "loop: BNE loop", the other one is a use.
+  void addDefinition(std::string_view written, std::string_view name) {
+    const Symbol* const symbol = symbolOf(name);
     if (symbol == nullptr) return;
-    if (within.data() != nullptr) written = within.substr(0, written.size());
-    add(placeInFile(written), Thing::Symbol, symbol->index, isDefinition);
+    bool isFirst = true;
+    forEachPlace(written, [&](std::string_view place) {
+      if (std::exchange(isFirst, false)) add(place, Thing::Symbol, symbol->index, true);
+    });
   }
 
-  void addUse(const Statement& statement, std::string_view name) {
-    std::string_view written = usedName(statement, name);
-    if (!name.ends_with(written)) return;
-    // An argument of a macro call is found in the call.
-    const SourceNotes::Made* const made = program_.map->madeLine(written);
-    if (made != nullptr && made->pattern.data() != nullptr && findName(made->pattern, written).data() == nullptr) {
-      written = writtenName(*program_.map, statement, name);
+  // Every word of the statement that is one of the names, with its scope in front or without it.
+  void addUses(const Statement& statement, const std::vector<std::string_view>& names) {
+    if (names.empty()) return;
+    sorted_ = names;
+    std::sort(sorted_.begin(), sorted_.end());
+    sorted_.erase(std::unique(sorted_.begin(), sorted_.end()), sorted_.end());
+    isFound_.assign(sorted_.size(), false);
+    const bool isAssignment = statement.parsed->kind == Kind::Assign;
+    std::string_view rest = isAssignment ? statement.rest.substr(statement.rest.find('=') + 1) : statement.argument;
+    const char* const begin = rest.data();
+    const bool isMade = program_.map->fileOf(rest) == nullptr;
+    for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
+      if (word.data() != begin && word.data()[-1] == '$') continue;  // a hexadecimal number
+      size_t name = usedName(word);
+      if (name == sorted_.size() && word.front() == '.') name = usedName(concat({statement.scope, word}));
+      if (name == sorted_.size()) continue;
+      // All places of a word that a macro has made are found at once.
+      if (!isMade || !isFound_[name]) addUse(word, sorted_[name]);
+      isFound_[name] = true;
     }
-    addSymbol(written, name, false);
+  }
+
+  // The index among the names that the statement uses; their number when it is none of them.
+  size_t usedName(std::string_view name) const {
+    const auto found = std::lower_bound(sorted_.begin(), sorted_.end(), name);
+    return found == sorted_.end() || *found != name ? sorted_.size() : static_cast<size_t>(found - sorted_.begin());
+  }
+
+  void addUse(std::string_view written, std::string_view name) {
+    const Symbol* const symbol = symbolOf(name);
+    if (symbol == nullptr) return;
+    forEachPlace(written, [&](std::string_view place) { add(place, Thing::Symbol, symbol->index, false); });
   }
 
   void addMacro(const Macro& macro, size_t id) {
@@ -92,17 +156,22 @@ class Collector {
     add(takeWord(rest), Thing::Macro, id, true);
     const size_t count = std::min(macro.parameters.size(), mostParameters);
     for (size_t i = 0; i < count; ++i) {
-      add(macro.parameters[i], Thing::Parameter, id * mostParameters + i, true);
+      addParameter(macro.parameters[i], id * mostParameters + i, true);
       for (const Macro::Line& line : macro.body)
         addParameterUses(line.text, macro.parameters[i], id * mostParameters + i);
     }
+  }
+
+  void addParameter(std::string_view text, size_t id, bool isDefinition) {
+    parameterPlaces_.insert(text.data());
+    add(text, Thing::Parameter, id, isDefinition);
   }
 
   void addParameterUses(std::string_view line, std::string_view parameter, size_t id) {
     std::string_view rest = withoutComment(line);
     for (std::string_view found = findWhole(rest, parameter); found.data() != nullptr;
          found = findWhole(rest, parameter)) {
-      add(found, Thing::Parameter, id, false);
+      addParameter(found, id, false);
       rest.remove_prefix(static_cast<size_t>(found.data() + found.size() - rest.data()));
     }
   }
@@ -116,6 +185,11 @@ class Collector {
   const SymbolTable& symbols_;
   std::vector<Occurrence>& all_;
   ExpressionNames names_;
+  std::unordered_set<const char*> parameterPlaces_;
+  std::unordered_map<const char*, std::string_view> argumentsOf_;  // of the macro calls, by their lines
+  std::vector<std::string_view> open_;
+  std::vector<std::string_view> sorted_;  // the names that a statement uses
+  std::vector<bool> isFound_;
 };
 
 auto orderOf(const Occurrence& occurrence) {
@@ -131,9 +205,9 @@ bool areSame(const Occurrence& a, const Occurrence& b) {
 
 NameIndex::NameIndex(const Program& program, const std::vector<Statement>& statements) {
   Collector collector(program, all_);
+  collector.addMacros();
   for (const Statement& statement : statements)
     collector.addStatement(statement);
-  collector.addMacros();
   collector.addFiles();
   std::sort(all_.begin(), all_.end(), [](const Occurrence& a, const Occurrence& b) { return orderOf(a) < orderOf(b); });
   all_.erase(std::unique(all_.begin(), all_.end(), areSame), all_.end());

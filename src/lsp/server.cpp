@@ -111,6 +111,8 @@ Answer Server::initialize(const Json& params) {
   session_.takesMarkdown = takesMarkdown(memberOf(params, {"capabilities", "textDocument", "hover", "contentFormat"}));
   session_.hasSnippets =
       isTrue(memberOf(params, {"capabilities", "textDocument", "completion", "completionItem", "snippetSupport"}));
+  session_.hasDocumentChanges =
+      isTrue(memberOf(params, {"capabilities", "workspace", "workspaceEdit", "documentChanges"}));
   configure(memberOf(params, {"initializationOptions"}));
   const Json& folders = memberOf(params, {"workspaceFolders"});
   if (folders.is_array() && !folders.empty()) {

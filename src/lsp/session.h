@@ -22,7 +22,8 @@ struct Session {
   Encoding encoding = Encoding::Utf16;
   bool showsInlayHints = true;
   bool takesMarkdown = true;
-  bool hasSnippets = false;  // the editor can fill in placeholders
+  bool hasSnippets = false;         // the editor can fill in placeholders
+  bool hasDocumentChanges = false;  // the editor takes edits for a version of a document
 };
 
 // An open document in the first program that has it.

@@ -46,6 +46,14 @@ const Analysis& Workspace::analysisOf(const CommandLine& commandLine) {
   return *analyses_.back();
 }
 
+std::unique_ptr<Analysis> Workspace::analyseWith(const CommandLine& commandLine,
+                                                 const std::map<std::string, std::string>& texts) const {
+  Documents documents = documents_;
+  for (const auto& [path, text] : texts)
+    documents.open({uriOfPath(path), path, nullptr, text});
+  return std::make_unique<Analysis>(files_.with(documents), programPath_, commandLine);
+}
+
 std::vector<const Analysis*> Workspace::programsOf(const std::string& path) {
   std::vector<const Analysis*> programs;
   for (const CommandLine& commandLine : commandLinesOf(path)) {

@@ -35,6 +35,10 @@ class Workspace {
   // All programs of the open documents.
   std::vector<const Analysis*> programsOfOpenDocuments();
 
+  // The program as it would be with these texts, by path, in place of the files'.
+  std::unique_ptr<Analysis> analyseWith(const CommandLine& commandLine,
+                                        const std::map<std::string, std::string>& texts) const;
+
  private:
   struct SourceFile {
     std::vector<std::string> includes;  // paths, whether there is such a file or not
