@@ -10,8 +10,9 @@ namespace kiln {
 namespace {
 
 constexpr std::string_view usage = R"(kiln-check — checks programs for kiln-as
-Usage: kiln-check [options] [options of kiln-as] <input.asm ...>
+Usage: kiln-check [options] [options of kiln-as] [input.asm ...]
 Assembles the inputs as kiln-as would, writes no program, and prints what may be a mistake.
+Without inputs, all programs of .kiln are checked, in this folder or the nearest one above.
 Options:
   -WNAME, -Wno-NAME      Switch a check on, off
   -Wall                  All checks but the extra ones (default)

@@ -1,5 +1,7 @@
 #include "inspect/project.h"
 
+#include <array>
+
 #include "base/paths.h"
 #include "base/text.h"
 
@@ -27,6 +29,17 @@ std::vector<std::string> splitArguments(std::string_view line) {
   }
   return arguments;
 }
+
+// Keeps a complaint about a command line, without the program's name, which is empty, in front.
+class ComplaintReader final : public Console {
+ public:
+  void printError(std::string_view text) override { text_ += text; }
+  void printOutput(std::string_view) override {}
+  std::string text() const { return text_.substr(2, text_.find('\n') - 2); }
+
+ private:
+  std::string text_;
+};
 
 std::string folderAbove(const std::string& folder) {
   const bool isRelative = !folder.starts_with('/');
@@ -56,6 +69,26 @@ std::optional<std::string> findProject(const FileReader& files, const std::strin
     current = folderAbove(current);
   }
   return std::nullopt;
+}
+
+std::string addProjectLine(const ProjectLine& line, const std::string& projectPath, Options& options) {
+  constexpr std::array paths = {&Options::output, &Options::listing, &Options::layout, &Options::symbolFile};
+  const Options before = options;
+  for (auto path : paths)
+    (options.*path).reset();
+  options.includePaths.clear();
+  options.program = "";
+  ComplaintReader complaints;
+  const std::optional<int> status = scanArguments(line.arguments, complaints, options);
+  if (status.has_value()) return *status == 0 ? "this option makes no program" : complaints.text();
+  if (options.inputs.empty()) return "no input files";
+  moveToProject(options, projectPath);
+  options.program = before.program;
+  options.includePaths.insert(options.includePaths.begin(), before.includePaths.begin(), before.includePaths.end());
+  for (auto path : paths) {
+    if (!(options.*path).has_value()) options.*path = before.*path;
+  }
+  return "";
 }
 
 void moveToProject(Options& options, const std::string& projectPath) {

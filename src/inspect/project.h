@@ -27,6 +27,10 @@ std::vector<ProjectLine> readProjectLines(std::string_view text);
 // current one.
 std::optional<std::string> findProject(const FileReader& files, const std::string& folder);
 
+// Adds what a line says to options that come before it, and keep their paths. The result is empty, or says what is
+// wrong with the line.
+std::string addProjectLine(const ProjectLine& line, const std::string& projectPath, Options& options);
+
 // Makes all relative paths in the options relative to the folder of the project file.
 void moveToProject(Options& options, const std::string& projectPath);
 

@@ -15,7 +15,12 @@ std::string renderText(std::span<const Finding> findings, const SourceMap& map, 
 // One JSON object a line.
 std::string renderJson(std::span<const Finding> findings);
 
+struct ProgramFindings {
+  std::span<const Finding> findings;
+  const SourceMap* map;
+};
+
 // A SARIF 2.1.0 document, which code hosts read.
-std::string renderSarif(std::span<const Finding> findings, const SourceMap& map);
+std::string renderSarif(std::span<const ProgramFindings> programs);
 
 }  // namespace kiln

@@ -147,11 +147,13 @@ std::string renderJson(std::span<const Finding> findings) {
   return lines;
 }
 
-std::string renderSarif(std::span<const Finding> findings, const SourceMap& map) {
-  const SarifWriter writer(map);
+std::string renderSarif(std::span<const ProgramFindings> programs) {
   Json results = Json::array();
-  for (const Finding& finding : findings)
-    results.push_back(writer.result(finding));
+  for (const ProgramFindings& program : programs) {
+    const SarifWriter writer(*program.map);
+    for (const Finding& finding : program.findings)
+      results.push_back(writer.result(finding));
+  }
   const Json driver = {{"name", "kiln-check"}, {"version", version}, {"rules", rules()}};
   const Json run = {{"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", results}};
   return dump({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
