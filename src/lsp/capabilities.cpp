@@ -17,6 +17,10 @@ Json capabilities(Encoding encoding) {
       {"inlayHintProvider", true},
       {"codeLensProvider", {{"resolveProvider", false}}},
       {"semanticTokensProvider", {{"legend", semanticTokensLegend()}, {"full", true}, {"range", true}}},
+      {"documentSymbolProvider", true},
+      {"workspaceSymbolProvider", true},
+      {"foldingRangeProvider", true},
+      {"renameProvider", {{"prepareProvider", true}}},
   };
 }
 
