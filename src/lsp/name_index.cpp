@@ -34,6 +34,7 @@ class Collector {
     }
     if (line.kind == Kind::Bank) addDefinition(statement.argument, concat({"__bank_", line.operand()}));
     addUses(statement, names_.of(line));
+    addReplaced(statement);
   }
 
   void addMacros() {
@@ -151,6 +152,19 @@ class Collector {
     forEachPlace(written, [&](std::string_view place) { add(place, Thing::Symbol, symbol->index, false); });
   }
 
+  // A staged call, and a long branch, no longer has the names of the line that it replaces.
+  void addReplaced(const Statement& statement) {
+    const SourceNotes::Made* const made = program_.map->madeLine(statement.text);
+    if (made == nullptr || made->pattern.data() != nullptr) return;
+    if (std::exchange(replaced_, made->origin.data()) == made->origin.data()) return;
+    std::string_view rest = withoutComment(made->origin);
+    if (rest.size() > longestSearch) return;
+    for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
+      if (word.data() != made->origin.data() && word.data()[-1] == '$') continue;  // a hexadecimal number
+      addUse(word, word.front() == '.' ? concat({statement.scope, word}) : std::string(word));
+    }
+  }
+
   void addMacro(const Macro& macro, size_t id) {
     std::string_view rest = macro.head;
     add(takeWord(rest), Thing::Macro, id, true);
@@ -188,6 +202,7 @@ class Collector {
   std::unordered_set<const char*> parameterPlaces_;
   std::unordered_map<const char*, std::string_view> argumentsOf_;  // of the macro calls, by their lines
   std::vector<std::string_view> open_;
+  const char* replaced_ = nullptr;        // the line that a rewriter replaced last
   std::vector<std::string_view> sorted_;  // the names that a statement uses
   std::vector<bool> isFound_;
 };

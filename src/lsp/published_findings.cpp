@@ -1,6 +1,6 @@
 #include "lsp/published_findings.h"
 
-#include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "lsp/uri.h"
@@ -12,12 +12,22 @@ constexpr int severityError = 1;
 constexpr int severityWarning = 2;
 constexpr int tagUnnecessary = 1;
 
-using Lists = std::map<std::string, Json>;  // by URI
+// More would be of no use to anybody, and an editor keeps them all.
+constexpr size_t mostOfFile = 10000;
+
+struct List {
+  Json items = Json::array();
+  std::unordered_set<std::string> seen;  // the items as texts
+};
+
+using Lists = std::map<std::string, List>;  // by URI
 
 void add(Lists& lists, const std::string& uri, Json diagnostic) {
-  Json& list = lists.try_emplace(uri, Json::array()).first->second;
+  List& list = lists[uri];
   // A file of several programs has the same findings in each.
-  if (std::find(list.begin(), list.end(), diagnostic) == list.end()) list.push_back(std::move(diagnostic));
+  if (list.items.size() < mostOfFile && list.seen.insert(dumpJson(diagnostic)).second) {
+    list.items.push_back(std::move(diagnostic));
+  }
 }
 
 Json simpleDiagnostic(uint32_t line, const std::string& text) {
@@ -77,16 +87,16 @@ void addError(const Session& session, const Analysis& analysis, Lists& lists) {
 std::vector<Json> PublishedFindings::update(Session& session) {
   Lists lists;
   for (const auto& [uri, text] : sent_)
-    lists[uri] = Json::array();
+    lists[uri];
   for (const Analysis* analysis : session.workspace.programsOfOpenDocuments())
     analysis->error().empty() ? addFindings(session, *analysis, lists) : addError(session, *analysis, lists);
   std::vector<Json> notifications;
   std::map<std::string, std::string> sent;
   for (auto& [uri, list] : lists) {
-    std::string text = dumpJson(list);
+    std::string text = dumpJson(list.items);
     const auto before = sent_.find(uri);
     if (before == sent_.end() || before->second != text) {
-      Json params = {{"uri", uri}, {"diagnostics", std::move(list)}};
+      Json params = {{"uri", uri}, {"diagnostics", std::move(list.items)}};
       const std::optional<std::string> path = pathOfUri(uri);
       const Document* const document = path.has_value() ? session.documents.find(*path) : nullptr;
       if (document != nullptr && document->version.is_number()) params["version"] = document->version;

@@ -36,10 +36,25 @@ std::string Locations::uriOf(const SourceNotes::File& file) const {
   return kiln::uriOf(session_, plainPath(file.path));
 }
 
+Position Locations::FileIndex::positionOf(size_t at) {
+  const uint32_t line = index.lineOf(at);
+  if (line != position.line || at < offset) {
+    offset = index.startOf(line);
+    position = {line, 0};
+  }
+  position.character += index.unitsIn(offset, at);
+  offset = at;
+  return position;
+}
+
 Range Locations::rangeOf(const SourceNotes::File& file, std::string_view text) {
-  const TextIndex& index = indexes_.try_emplace(&file, file.text, session_.encoding).first->second;
+  auto found = indexes_.find(&file);
+  if (found == indexes_.end()) {
+    found = indexes_.emplace(&file, FileIndex{TextIndex(file.text, session_.encoding)}).first;
+  }
   const auto begin = static_cast<size_t>(text.data() - file.text.data());
-  return index.rangeOf(begin, begin + text.size());
+  const Position start = found->second.positionOf(begin);
+  return {start, found->second.positionOf(begin + text.size())};
 }
 
 Json Locations::locationOf(std::string_view text) {

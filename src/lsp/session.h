@@ -60,9 +60,18 @@ class Locations {
   static std::string_view textAt(const SourceMap& map, const Place& place);
 
  private:
+  // The text of a file, and the place asked for last: places come in order, mostly, and a line may be long.
+  struct FileIndex {
+    Position positionOf(size_t at);
+
+    TextIndex index;
+    size_t offset = 0;
+    Position position = {};
+  };
+
   const Session& session_;
   const Analysis& analysis_;
-  std::unordered_map<const SourceNotes::File*, TextIndex> indexes_;
+  std::unordered_map<const SourceNotes::File*, FileIndex> indexes_;
 };
 
 // The URI of a file: the editor's own for an open document.
