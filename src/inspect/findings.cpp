@@ -50,7 +50,17 @@ std::string_view sameInBody(std::string_view text, const SourceNotes::Made& made
   return made.pattern.starts_with(upToEnd) ? made.pattern.substr(begin, text.size()) : std::string_view();
 }
 
+// Moves a fix from a made line to the line of the body; empty when the arguments have changed one of its texts.
+void moveFix(std::vector<std::pair<std::string_view, std::string>>& fix, const SourceNotes::Made& made) {
+  for (auto& [text, words] : fix) {
+    text = sameInBody(text, made);
+    if (text.data() == nullptr) return fix.clear();
+  }
+}
+
 }  // namespace
+
+bool isAllowedIn(std::string_view line, Check check) { return allows(commentOf(line), rowOf(check).name); }
 
 CheckLevels::CheckLevels() {
   for (const CheckRow& row : checkRows)
@@ -148,7 +158,7 @@ Finding Findings::resolve(Check check, Report report) const {
     const std::string_view inBody = isOfBody(check) ? sameInBody(at, *made) : std::string_view();
     if (inBody.data() != nullptr) {
       report.notes.emplace_back(trim(withoutComment(made->origin)), "in this call of the macro");
-      report.fix.clear();
+      moveFix(report.fix, *made);
       at = inBody;
       break;
     }
@@ -157,8 +167,10 @@ Finding Findings::resolve(Check check, Report report) const {
     }
     at = trim(withoutComment(made->origin));
     report.fix.clear();
+    report.alternatives.clear();
   }
   finding.place = map_.placeOf(at);
+  if (finding.place.line != 0) finding.alternatives = std::move(report.alternatives);
   for (auto& [text, words] : report.notes)
     finding.notes.push_back({map_.placeOf(text), std::move(words)});
   for (auto& [text, words] : report.fix)

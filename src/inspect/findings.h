@@ -38,7 +38,8 @@ struct Finding {
   Place place;  // line 0: none
   std::string text;
   std::vector<Note> notes;
-  std::vector<Edit> fix;  // empty: none
+  std::vector<Edit> fix;                  // empty: none
+  std::vector<std::string> alternatives;  // one of which may be meant in place of the text at the place
 };
 
 // Which checks are on, and what they are worth.
@@ -48,6 +49,9 @@ struct CheckLevels {
   std::array<bool, checkRows.size()> isOn;
   std::array<bool, checkRows.size()> isError{};
 };
+
+// True when a comment in the line allows the check: "; check: allow NAME, NAME".
+bool isAllowedIn(std::string_view line, Check check);
 
 // Collects findings. A finding about a line that a macro or a rewriter made is reported at the line it stands for.
 class Findings {
@@ -61,6 +65,7 @@ class Findings {
     std::string text = {};
     std::vector<std::pair<std::string_view, std::string>> notes = {};
     std::vector<std::pair<std::string_view, std::string>> fix = {};
+    std::vector<std::string> alternatives = {};
 
     // Adds a note without a place of its own; an empty text adds none.
     void addNote(std::string_view note) {

@@ -216,7 +216,8 @@ void LeafChecks::reportDigits(std::string_view leaf) {
     const std::string replacement = concat({isHex ? "$" : "%", digits});
     add(Check::NumberEndsEarly, leaf, finding, concat({"write ", inQuotes(replacement)}), replacement);
   } else if (isAllOf(leaf, isHexDigit)) {
-    add(Check::NumberEndsEarly, leaf, finding, concat({"write '$", leaf, "' for a hexadecimal number"}));
+    addAlternative(Check::NumberEndsEarly, leaf, finding, concat({"write '$", leaf, "' for a hexadecimal number"}),
+                   concat({"$", leaf}));
   } else {
     add(Check::NumberEndsEarly, leaf, finding, hasBlank(leaf) ? std::string(commentNote) : "");
   }
@@ -231,7 +232,19 @@ void LeafChecks::reportName(std::string_view leaf) {
   if (leaf.front() == '[' || leaf.front() == ']') note = "write '(' and ')'";
   if (leaf.ends_with(')')) note = "'<a' and '>a' are the low and the high byte of a; there are no functions";
   if (note.empty() && hasBlank(leaf)) note = commentNote;
-  add(Check::Undefined, leaf, concat({inQuotes(leaf), " is an unknown name, which counts as 0"}), std::move(note));
+  std::string alternative;
+  if (leaf.front() == '#') alternative = rest;
+  if (leaf.front() == '@') alternative = concat({".", rest});
+  addAlternative(Check::Undefined, leaf, concat({inQuotes(leaf), " is an unknown name, which counts as 0"}),
+                 std::move(note), std::move(alternative));
+}
+
+void LeafChecks::addAlternative(Check check, std::string_view at, std::string text, std::string note,
+                                std::string alternative) {
+  Findings::Report report{.at = inSource(*statement_, at), .text = std::move(text)};
+  if (!note.empty()) report.notes.emplace_back(report.at, std::move(note));
+  if (!alternative.empty() && isInLine(*statement_, at)) report.alternatives.push_back(std::move(alternative));
+  findings_.add(check, std::move(report));
 }
 
 void LeafChecks::add(Check check, std::string_view at, std::string text, std::string note, std::string replacement) {

@@ -36,6 +36,7 @@ class LeafChecks {
   void reportDigits(std::string_view leaf);
   void reportName(std::string_view leaf);
   void add(Check check, std::string_view at, std::string text, std::string note = "", std::string replacement = "");
+  void addAlternative(Check check, std::string_view at, std::string text, std::string note, std::string alternative);
 
   const SymbolTable& symbols_;
   LostDefinitions& lost_;

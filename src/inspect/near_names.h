@@ -18,6 +18,8 @@ class NearNames {
   void offer(std::string_view name);
   // "did you mean 'LDX', 'LDY' or 'LDA'?": the nearest names, three at most, in the order offered; empty without one.
   std::string hint() const;
+  // These names.
+  const std::vector<std::string_view>& names() const { return names_; }
   // The nearest name when no other is as near; empty otherwise.
   std::string_view only() const;
 

@@ -139,6 +139,8 @@ bool UndefinedNames::isLostParameter(const Use& use) const {
 void UndefinedNames::report(const Use& use) {
   Findings::Report report{.at = use.written};
   const Symbol* const elsewhere = addHints(use, report);
+  const bool isInPlace = use.written == use.name || use.written == localPart(use.name);
+  if (!isInPlace) report.alternatives.clear();
   const std::string number = numberLike(use.name);
   Check check = Check::Undefined;
   if (use.isUnscoped && elsewhere != nullptr) {
@@ -147,11 +149,16 @@ void UndefinedNames::report(const Use& use) {
                           " gets no scope here, so it is an unknown name and counts as 0: write the "
                           "full name, such as ",
                           inQuotes(elsewhere->name)});
+    report.alternatives.emplace_back(elsewhere->name);
   } else if (!number.empty() && report.notes.empty()) {
     check = Check::NumberLikeName;
     report.text = concat(
         {inQuotes(use.name), " is a name, which nothing defines: it counts as 0; write ", number, " for the number"});
-    if (use.written == use.name && isWrittenWithH(use.name)) report.fix.emplace_back(use.written, number);
+    if (use.written == use.name && isWrittenWithH(use.name)) {
+      report.fix.emplace_back(use.written, number);
+    } else if (isInPlace) {
+      report.alternatives.push_back(number);
+    }
   } else if (use.written != use.name && use.written == localPart(use.name)) {
     report.text =
         concat({inQuotes(use.written), " is not defined in the scope ", inQuotes(use.scope), ": it counts as 0"});
@@ -182,6 +189,7 @@ const Symbol* UndefinedNames::addHints(const Use& use, Findings::Report& report)
     if (symbol.name.ends_with(bare)) elsewhere = &symbol;
   }
   report.addNote(near_.hint());
+  report.alternatives.assign(near_.names().begin(), near_.names().end());
   if (elsewhere == nullptr) return nullptr;
   report.notes.emplace_back(definitions_.first(*elsewhere).text,
                             concat({"a local label of another scope has this name: ", inQuotes(elsewhere->name)}));

@@ -204,7 +204,7 @@ bool VanishedWords::isLabelWithoutColon(const Statement& statement) {
     if (used_.contains(name)) return true;
   }
   if (!statement.argument.empty()) return isBeforeStatement && countWords(statement.argument) <= 2;
-  return foreignWordOf(word) == nullptr && directiveInFrontOf(word) == nullptr && nearWords(word).empty();
+  return foreignWordOf(word) == nullptr && directiveInFrontOf(word) == nullptr && nearWords(word).words.empty();
 }
 
 bool VanishedWords::reportMissingColon(const Statement& statement) {
@@ -216,7 +216,11 @@ bool VanishedWords::reportMissingColon(const Statement& statement) {
     report.addNote(concat({"a label has its colon directly after it: '", word, ":'"}));
   } else {
     report.addNote(concat({"a label needs a colon: '", word, ":'"}));
-    if (used_.contains(name)) report.fix.emplace_back(endOf(word), ":");
+    if (used_.contains(name)) {
+      report.fix.emplace_back(endOf(word), ":");
+    } else {
+      report.alternatives.push_back(concat({word, ":"}));
+    }
   }
   reporter_.add(Check::MissingColon, statement, std::move(report));
   reporter_.explainUndefined(word.starts_with('.') ? concat({statement.scope, word}) : std::string(name));
@@ -251,12 +255,13 @@ bool VanishedWords::reportForeignWord(const Statement& statement) {
 void VanishedWords::reportUnknown(const Statement& statement) {
   const std::string_view word = statement.word;
   Findings::Report report{.at = word, .text = unknownText(statement, word)};
-  const std::string hint = isProse(statement.rest) ? "" : nearWords(word);
+  const Suggestion near = isProse(statement.rest) ? Suggestion() : nearWords(word);
   const DirectiveWord* const directive = directiveInFrontOf(word);
   // A file that cannot be found may define the word as a macro.
-  if (hint.empty() && !program_.notes.errorLines.empty()) return;
-  if (!hint.empty()) {
-    report.addNote(hint);
+  if (near.words.empty() && !program_.notes.errorLines.empty()) return;
+  if (!near.words.empty()) {
+    report.addNote(near.hint);
+    report.alternatives = near.words;
   } else if (word.size() > 3 && word[3] == '.' && mnemonicOf(word.substr(0, 3)) != Mnemonic::None) {
     report.addNote("an instruction has a space after its name, and no size");
   } else if (directive != nullptr) {
@@ -269,12 +274,11 @@ void VanishedWords::reportUnknown(const Statement& statement) {
   reporter_.add(Check::Vanished, statement, std::move(report));
 }
 
-// "did you mean ...?"; empty when no word is near.
-std::string VanishedWords::nearWords(std::string_view word) {
+VanishedWords::Suggestion VanishedWords::nearWords(std::string_view word) {
   static const std::array mnemonics = orderMnemonics();
   const bool hasSign = word.starts_with('!') || word.starts_with('#');
   const std::string dotted = concat({".", word.substr(hasSign ? 1 : 0)});
-  if (directiveOf(dotted) != nullptr) return concat({"did you mean '", toLower(dotted), "'?"});
+  if (directiveOf(dotted) != nullptr) return {concat({"did you mean '", toLower(dotted), "'?"}), {toLower(dotted)}};
   near_.begin(word);
   if (word.starts_with('.')) {
     for (const DirectiveWord& directive : directiveWords)
@@ -284,7 +288,11 @@ std::string VanishedWords::nearWords(std::string_view word) {
       near_.offer(mnemonic);
   }
   offerMacros();
-  return near_.hint();
+  Suggestion suggestion{near_.hint(), {}};
+  const bool isSmall = toLower(word) == word;
+  for (std::string_view name : near_.names())
+    suggestion.words.push_back(isSmall && mnemonicOf(name) != Mnemonic::None ? toLower(name) : std::string(name));
+  return suggestion;
 }
 
 void VanishedWords::offerMacros() {

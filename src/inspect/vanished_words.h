@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "inspect/line_reporter.h"
 #include "inspect/near_names.h"
@@ -22,6 +23,11 @@ class VanishedWords {
   bool reportNoAddress(const Statement& statement);
 
  private:
+  struct Suggestion {
+    std::string hint;                // "did you mean ...?"
+    std::vector<std::string> words;  // these words; none when no word is near
+  };
+
   bool isOfMacro(const Statement& statement) const;
   bool reportDirective(const Statement& statement);
   bool reportMissingSpace(const Statement& statement);
@@ -33,7 +39,7 @@ class VanishedWords {
 
   bool isKnownName(const Statement& statement, std::string_view text) const;
   bool isLabelWithoutColon(const Statement& statement);
-  std::string nearWords(std::string_view word);
+  Suggestion nearWords(std::string_view word);
   void offerMacros();
 
   const Program& program_;
