@@ -18,6 +18,18 @@ std::string firstLine(std::string_view text) { return std::string(text.substr(0,
 
 }  // namespace
 
+AssembledLine assembleCommandLine(EditorHost& console, const Host& host, const std::string& programPath,
+                                  const CommandLine& commandLine) {
+  Options options;
+  if (scanArguments(commandLine.arguments, console, options).has_value()) {
+    return {nullptr, console.errors().empty() ? "this option makes no program" : firstLine(console.errors())};
+  }
+  if (options.inputs.empty()) return {nullptr, "no input files"};
+  moveToProject(options, commandLine.projectPath);
+  const std::vector<std::string> arguments = {programPath};
+  return {assembleProgram(host, arguments, options), ""};
+}
+
 Analysis::Analysis(const EditorHost& files, const std::string& programPath, const CommandLine& commandLine)
     : commandLine_(commandLine) {
   try {
@@ -32,18 +44,10 @@ Analysis::Analysis(const EditorHost& files, const std::string& programPath, cons
 void Analysis::analyse(const EditorHost& files, const std::string& programPath) {
   EditorHost host = files;
   RecordingHost reader(host);
-  Options options;
-  if (scanArguments(commandLine_.arguments, host, options).has_value()) {
-    error_ = host.errors().empty() ? "this option makes no program" : firstLine(host.errors());
-    return;
-  }
-  if (options.inputs.empty()) {
-    error_ = "no input files";
-    return;
-  }
-  moveToProject(options, commandLine_.projectPath);
-  const std::vector<std::string> arguments = {programPath};
-  program_ = assembleProgram(reader, arguments, options);
+  AssembledLine assembled = assembleCommandLine(host, reader, programPath, commandLine_);
+  program_ = std::move(assembled.program);
+  error_ = std::move(assembled.error);
+  if (program_ == nullptr) return;
   for (const std::string& path : reader.pathsRead())
     pathsRead_.insert(plainPath(path));
   error_ = program_->error;

@@ -37,8 +37,31 @@ Json simpleDiagnostic(uint32_t line, const std::string& text) {
           {"message", text}};
 }
 
+void addFindings(const Session& session, const Analysis& analysis, Lists& lists) {
+  Locations locations(session, analysis);
+  const SourceNotes::File& mainFile = analysis.program().notes.files.front();
+  for (const Finding& finding : analysis.findings()) {
+    const SourceNotes::File& file = finding.place.line != 0 ? *finding.place.file : mainFile;
+    add(lists, locations.uriOf(file), diagnosticOf(analysis, finding, locations));
+  }
+}
+
+// Why a program cannot be read: at its line in ".kiln", or in the document itself.
+void addError(const Session& session, const Analysis& analysis, Lists& lists) {
+  const CommandLine& line = analysis.commandLine();
+  const bool hasProject = !line.projectPath.empty();
+  const std::string path = hasProject ? line.projectPath : line.arguments.front();
+  add(lists, uriOf(session, plainPath(path)),
+      simpleDiagnostic(hasProject ? line.projectLine - 1 : 0, analysis.error()));
+}
+
+}  // namespace
+
 // A note has a place of its own, or is a line of the message.
-Json diagnosticOf(const Finding& finding, Range range, Locations& locations, const SourceMap& map) {
+Json diagnosticOf(const Analysis& analysis, const Finding& finding, Locations& locations) {
+  const SourceMap& map = analysis.map();
+  const Range range =
+      finding.place.line == 0 ? Range() : locations.rangeOf(*finding.place.file, Locations::textAt(map, finding.place));
   std::string message = finding.text;
   Json related = Json::array();
   for (const Note& note : finding.notes) {
@@ -60,29 +83,6 @@ Json diagnosticOf(const Finding& finding, Range range, Locations& locations, con
   if (finding.check == Check::Vanished) diagnostic["tags"] = {tagUnnecessary};
   return diagnostic;
 }
-
-void addFindings(const Session& session, const Analysis& analysis, Lists& lists) {
-  Locations locations(session, analysis);
-  const SourceNotes::File& mainFile = analysis.program().notes.files.front();
-  for (const Finding& finding : analysis.findings()) {
-    const std::string_view text = Locations::textAt(analysis.map(), finding.place);
-    const bool hasPlace = finding.place.line != 0;
-    const SourceNotes::File& file = hasPlace ? *finding.place.file : mainFile;
-    const Range range = hasPlace ? locations.rangeOf(file, text) : Range();
-    add(lists, locations.uriOf(file), diagnosticOf(finding, range, locations, analysis.map()));
-  }
-}
-
-// Why a program cannot be read: at its line in ".kiln", or in the document itself.
-void addError(const Session& session, const Analysis& analysis, Lists& lists) {
-  const CommandLine& line = analysis.commandLine();
-  const bool hasProject = !line.projectPath.empty();
-  const std::string path = hasProject ? line.projectPath : line.arguments.front();
-  add(lists, uriOf(session, plainPath(path)),
-      simpleDiagnostic(hasProject ? line.projectLine - 1 : 0, analysis.error()));
-}
-
-}  // namespace
 
 std::vector<Json> PublishedFindings::update(Session& session) {
   Lists lists;

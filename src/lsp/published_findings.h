@@ -9,6 +9,9 @@
 
 namespace kiln {
 
+// A finding as the protocol has it; one without a place is at the beginning of the document.
+Json diagnosticOf(const Analysis& analysis, const Finding& finding, Locations& locations);
+
 class PublishedFindings {
  public:
   // The "publishDiagnostics" notifications that bring the editor up to date: for the files whose findings have changed,

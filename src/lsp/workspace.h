@@ -21,6 +21,7 @@ class Workspace {
       : files_(disk, documents), documents_(documents), programPath_(std::move(programPath)) {}
 
   const EditorHost& files() const { return files_; }
+  const std::string& programPath() const { return programPath_; }
 
   // The folders that the editor shows, as paths.
   void setFolders(std::vector<std::string> folders);

@@ -14,6 +14,10 @@ MemoryHost diskWith(const std::map<std::string, std::string>& files) {
   disk.directories = {"/work"};
   for (const auto& [file, text] : files)
     disk.files[std::string(folder) + file] = text;
+  for (const auto& [file, text] : files) {
+    if (const size_t slash = file.find('/'); slash != std::string::npos)
+      disk.directories.insert(std::string(folder) + file.substr(0, slash));
+  }
   return disk;
 }
 
@@ -108,6 +112,16 @@ std::vector<std::string> Editor::diagnosticsOf(const std::string& file) {
   for (const Json& diagnostic : diagnostics_[uriOf(file)])
     list.push_back(positionText(diagnostic["range"]["start"]) + " " + diagnostic.value("code", ""));
   return list;
+}
+
+std::string applied(std::string text, const Json& edits) {
+  for (size_t i = edits.size(); i-- > 0;) {
+    const TextIndex index(text, Encoding::Utf16);
+    const Range range = rangeFrom(edits[i]["range"]);
+    const size_t begin = index.offsetOf(range.start);
+    text.replace(begin, index.offsetOf(range.end) - begin, edits[i]["newText"].get<std::string>());
+  }
+  return text;
 }
 
 std::string placeText(const Json& location) {

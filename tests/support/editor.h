@@ -52,6 +52,9 @@ class Editor {
   std::map<std::string, Json> diagnostics_;  // by URI
 };
 
+// The text with a list of "TextEdit", which are in order and do not touch.
+std::string applied(std::string text, const Json& edits);
+
 // "FILE LINE:COLUMN-COLUMN" for a location or a range, LINE:COLUMN at its beginning counted from 1;
 // "LINE:COLUMN-LINE:COLUMN" when it is longer than a line. Without "FILE " for a range alone.
 std::string placeText(const Json& location);

@@ -52,6 +52,11 @@ class MemoryHost : public Host {
         names.push_back(file->first.substr(slash + 1));
       }
     }
+    for (const std::string& directory : directories) {
+      const size_t slash = directory.rfind('/');
+      if (slash != std::string::npos && directory.substr(0, slash) == path)
+        names.push_back(directory.substr(slash + 1));
+    }
     return names;
   }
   std::optional<std::string> environment(const std::string& name) const override {
