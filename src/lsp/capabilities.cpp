@@ -21,6 +21,11 @@ Json capabilities(Encoding encoding) {
       {"workspaceSymbolProvider", true},
       {"foldingRangeProvider", true},
       {"renameProvider", {{"prepareProvider", true}}},
+      {"completionProvider", {{"triggerCharacters", {".", "#", "<", ">", "(", "\"", "/"}}}},
+      {"signatureHelpProvider", {{"triggerCharacters", {" ", ","}}}},
+      {"codeActionProvider", {{"codeActionKinds", {"quickfix", "refactor.rewrite", "source.fixAll"}}}},
+      {"documentFormattingProvider", true},
+      {"documentRangeFormattingProvider", true},
   };
 }
 
