@@ -6,27 +6,39 @@
 #include "lsp/message_stream.h"
 #include "lsp/server.h"
 
+namespace {
+
+// Adds all that has arrived before any of it is handled: a request may be cancelled, a text changed again. False at the
+// end of the input.
+bool receive(kiln::MessageStream& stream) {
+  std::array<char, size_t{64} * 1024> buffer;
+  do {
+    const size_t count = kiln::readStandardInput(buffer);
+    if (count == 0) return false;
+    stream.add({buffer.data(), count});
+  } while (kiln::hasStandardInput());
+  return true;
+}
+
+void send(kiln::Server& server, kiln::RealHost& host) {
+  for (const std::string& output : server.takeOutput())
+    host.printOutput(kiln::framed(output));
+}
+
+}  // namespace
+
 int main(int, char** argv) {
   kiln::RealHost host;
   kiln::Server server(host, argv[0]);
   kiln::MessageStream stream;
-  std::array<char, size_t{64} * 1024> buffer;
-  while (!server.isOver()) {
-    // All that has arrived is read before any of it is handled: a request may be cancelled, a text changed again.
-    do {
-      const size_t count = kiln::readStandardInput(buffer);
-      if (count == 0) return 1;
-      stream.add({buffer.data(), count});
-    } while (kiln::hasStandardInput());
+  for (bool isOpen = true; isOpen && !server.isOver();) {
+    isOpen = receive(stream);
     while (const std::optional<std::string> message = stream.next())
       server.receive(*message);
-    bool hasMore = true;
-    while (hasMore) {
-      hasMore = server.handleNext();
-      if (!hasMore) server.settle();
-      for (const std::string& output : server.takeOutput())
-        host.printOutput(kiln::framed(output));
-    }
+    while (server.handleNext())
+      send(server, host);
+    server.settle();
+    send(server, host);
   }
-  return server.exitStatus();
+  return server.isOver() ? server.exitStatus() : 1;
 }
