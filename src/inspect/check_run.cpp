@@ -70,8 +70,8 @@ int checkProject(Host& host, std::span<const std::string> arguments, const Check
   const std::vector<ProjectLine> lines = readProjectLines(*text);
   if (lines.empty()) return complain(host, concat({"'", *path, "' has no program"}));
   if (lines.size() > 1 && writesFiles(options)) {
-    return complain(
-        host, concat({"'", *path, "' has ", decimal(lines.size()), " programs: files can be written about one only"}));
+    return complain(host, concat({"'", *path, "' has ", decimal(static_cast<int64_t>(lines.size())),
+                                  " programs: files can be written about one only"}));
   }
   FindingPrinter printer(host, options.report, inColour, lines.size() > 1);
   int status = foundNothing;

@@ -13,7 +13,8 @@ constexpr int mostLevels = 64;
 
 std::vector<std::string> splitArguments(std::string_view line) {
   std::vector<std::string> arguments;
-  bool isQuoted = false, isInArgument = false;
+  bool isQuoted = false;
+  bool isInArgument = false;
   for (char c : line) {
     if (isBlank(c) && !isQuoted) {
       isInArgument = false;

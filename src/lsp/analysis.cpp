@@ -30,8 +30,8 @@ AssembledLine assembleCommandLine(EditorHost& console, const Host& host, const s
   return {assembleProgram(host, arguments, options), ""};
 }
 
-Analysis::Analysis(const EditorHost& files, const std::string& programPath, const CommandLine& commandLine)
-    : commandLine_(commandLine) {
+Analysis::Analysis(const EditorHost& files, const std::string& programPath, CommandLine commandLine)
+    : commandLine_(std::move(commandLine)) {
   try {
     analyse(files, programPath);
   } catch (const std::bad_alloc&) {

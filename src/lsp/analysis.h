@@ -39,7 +39,7 @@ AssembledLine assembleCommandLine(EditorHost& console, const Host& host, const s
 class Analysis {
  public:
   // Assembles and checks. `programPath` is this program's own path, near which the toolchain's home is looked for.
-  Analysis(const EditorHost& files, const std::string& programPath, const CommandLine& commandLine);
+  Analysis(const EditorHost& files, const std::string& programPath, CommandLine commandLine);
 
   const CommandLine& commandLine() const { return commandLine_; }
   // Why the command line makes no program; empty when it does. There is nothing else to know then.

@@ -24,7 +24,7 @@ struct RoutineCode {
   // "12 bytes, 20 cycles"; the size alone where branches or calls make the time uncertain. Empty without any bytes.
   std::string text() const {
     if (size == 0) return "";
-    const std::string bytes = counted(size, "byte");
+    std::string bytes = counted(size, "byte");
     if (!cycles.isKnown() || cycles.hasBranch() || cycles.hasCalls()) return bytes;
     const std::string most = counted(cycles.most(), "cycle");
     if (cycles.least() == cycles.most()) return concat({bytes, ", ", most});

@@ -71,7 +71,7 @@ std::string cyclesText(const Analysis& analysis, const Statement& statement) {
   const AsLine& line = *statement.parsed;
   const std::optional<Cycles> cycles = cyclesOf(line.mnemonic, line.mode);
   if (!cycles.has_value()) return "";
-  const std::string text = concat({", ", decimal(cycles->count), " cycles"});
+  std::string text = concat({", ", decimal(cycles->count), " cycles"});
   if (cycles->mayGrow) return concat({text, " and one more when indexing leads to the next page"});
   if (line.mode != Mode::Relative) return text;
   CycleSum sum(analysis);

@@ -81,7 +81,7 @@ void CycleSum::addBranch(size_t statement, uint32_t notTaken) {
 
 std::string CycleSum::text() const {
   if (!isKnown()) return "";
-  const std::string least = decimal(least_);
+  std::string least = decimal(least_);
   if (least_ == most_) return least;
   if (count_ > 1) return concat({least, "-", decimal(most_)});
   return hasBranch_ ? concat({least, "/", decimal(most_)}) : least + "+";

@@ -127,10 +127,10 @@ class Collector {
     isFound_.assign(sorted_.size(), false);
     const bool isAssignment = statement.parsed->kind == Kind::Assign;
     std::string_view rest = isAssignment ? statement.rest.substr(statement.rest.find('=') + 1) : statement.argument;
-    const char* const begin = rest.data();
+    const std::string_view text = rest;
     const bool isMade = program_.map->fileOf(rest) == nullptr;
     for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
-      if (word.data() != begin && word.data()[-1] == '$') continue;  // a hexadecimal number
+      if (isHexadecimal(text, word)) continue;
       size_t name = usedName(word);
       if (name == sorted_.size() && word.front() == '.') name = usedName(concat({statement.scope, word}));
       if (name == sorted_.size()) continue;
@@ -160,7 +160,7 @@ class Collector {
     std::string_view rest = withoutComment(made->origin);
     if (rest.size() > longestSearch) return;
     for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
-      if (word.data() != made->origin.data() && word.data()[-1] == '$') continue;  // a hexadecimal number
+      if (isHexadecimal(made->origin, word)) continue;
       addUse(word, word.front() == '.' ? concat({statement.scope, word}) : std::string(word));
     }
   }

@@ -77,7 +77,7 @@ void NameParts::addWords(std::string_view code, const MacroUse& macro) {
   for (bool isQuoted = false; pieces.next(piece); isQuoted = !isQuoted) {
     if (isQuoted) continue;
     for (std::string_view word = takeNameLike(piece); !word.empty(); word = takeNameLike(piece)) {
-      if (word.data() != code.data() && word.data()[-1] == '$') continue;  // a hexadecimal number
+      if (isHexadecimal(code, word)) continue;
       const Symbol* const symbol = symbols.find(word);
       if (symbol == nullptr || mnemonicOf(word) != Mnemonic::None || macro.mayReplaceIn(word)) continue;
       addSymbol(word, symbol->index);

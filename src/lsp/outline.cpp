@@ -108,7 +108,8 @@ class FileOutline {
   size_t offsetOf(std::string_view text) const { return static_cast<size_t>(text.data() - file_.text.data()); }
 
   void splitLines() {
-    size_t item = 0, inMacroTo = 0;
+    size_t item = 0;
+    size_t inMacroTo = 0;
     Fields fields(file_.text, '\n');
     std::string_view text;
     while (fields.next(text)) {

@@ -22,7 +22,7 @@ std::string bareName(const Target& target, const NamePart& part, std::string nam
   if (part.thing != Thing::Symbol || part.text.data() == target.source.text.data()) return name;
   const std::string_view prefix = prefixOf(target.analysis, part);
   if (prefix.size() > 1 && name.size() > prefix.size() && name.starts_with(prefix)) return name.substr(prefix.size());
-  const char before = part.text.data()[-1];
+  const char before = target.source.text[static_cast<size_t>(part.text.data() - target.source.text.data()) - 1];
   const bool isMarked = (before == '.' || before == '>') && name.size() > 1 && name.front() == before;
   return isMarked ? name.substr(1) : name;
 }
@@ -54,7 +54,8 @@ Json editsOf(const Session& session, const Renaming::FileEdit& edit, const std::
 }
 
 Json workspaceEdit(const Session& session, const Renaming& renaming, const std::string& name) {
-  Json changes = Json::object(), documentChanges = Json::array();
+  Json changes = Json::object();
+  Json documentChanges = Json::array();
   for (const auto& [path, edit] : renaming.edits()) {
     const Document* const document = session.documents.find(path);
     const std::string uri = uriOf(session, path);

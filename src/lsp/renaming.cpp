@@ -90,7 +90,7 @@ std::string Renaming::tryName(const std::string& from, const std::string& to) co
   const std::map<std::string, std::string> texts = editedTexts(to);
   for (const InProgram& program : programs_) {
     const std::unique_ptr<Analysis> after = session_.workspace.analyseWith(program.analysis->commandLine(), texts);
-    const std::string difference =
+    std::string difference =
         after->error().empty() ? differenceOf(*program.analysis, *after, {from, to}) : after->error();
     if (!difference.empty()) return difference;
   }

@@ -19,7 +19,7 @@ class Server {
 
   // Takes a message, as text, to be handled later. Only what cannot wait is done at once: a request that is cancelled
   // before its turn is answered so.
-  void receive(std::string_view message);
+  void receive(std::string_view text);
   // Handles the next message; false when there is none.
   bool handleNext();
   // To be called when no more messages wait: brings the editor's diagnostics up to date.

@@ -15,7 +15,7 @@ namespace kiln {
 namespace {
 
 constexpr size_t mostSources = 1000;
-constexpr int deepestFolder = 16;
+constexpr size_t mostFolders = 4000;
 
 bool isSource(std::string_view path) { return endsWithIgnoringCase(path, ".asm"); }
 
@@ -128,24 +128,26 @@ void Workspace::readFolders() {
   if (areSourcesRead_) return;
   areSourcesRead_ = true;
   sources_.clear();
-  for (const std::string& folder : folders_)
-    readFolder(folder, 0);
+  // A link may lead to a folder above it, so that there is no end.
+  std::vector<std::string> folders = folders_;
+  for (size_t i = 0; i < std::min(folders.size(), mostFolders); ++i)
+    readFolder(std::string(folders[i]), folders);
   // These may not be on the disk yet, or in another folder.
   for (const auto& [path, document] : documents_.all()) {
     if (isSource(path)) readSource(path);
   }
 }
 
-void Workspace::readFolder(const std::string& folder, int depth) {
+// Reads the sources in a folder, and adds the folders in it.
+void Workspace::readFolder(const std::string& folder, std::vector<std::string>& folders) {
   std::vector<std::string> names = files_.listDirectory(folder).value_or(std::vector<std::string>());
   std::sort(names.begin(), names.end());
   for (const std::string& name : names) {
-    if (sources_.size() >= mostSources) return;
-    const std::string path = joinPaths(folder, name);
+    std::string path = joinPaths(folder, name);
     if (isSource(name)) {
-      readSource(path);
-    } else if (!name.starts_with('.') && depth < deepestFolder && files_.isDirectory(path)) {
-      readFolder(path, depth + 1);
+      if (sources_.size() < mostSources) readSource(path);
+    } else if (!name.starts_with('.') && files_.isDirectory(path)) {
+      folders.push_back(std::move(path));
     }
   }
 }

@@ -50,7 +50,7 @@ class Workspace {
   std::vector<CommandLine> projectLines(const std::string& projectPath) const;
   std::vector<std::string> rootsOf(const std::string& path);
   void readFolders();
-  void readFolder(const std::string& folder, int depth);
+  void readFolder(const std::string& folder, std::vector<std::string>& folders);
   void readSource(const std::string& path);
 
   EditorHost files_;
