@@ -28,7 +28,7 @@ void send(kiln::Server& server, kiln::RealHost& host) {
 }  // namespace
 
 int main(int, char** argv) {
-  kiln::RealHost host;
+  kiln::RealHost host(kiln::Reading::RegularFiles);
   kiln::Server server(host, argv[0]);
   kiln::MessageStream stream;
   for (bool isOpen = true; isOpen && !server.isOver();) {

@@ -62,6 +62,8 @@ bool writeAll(int descriptor, std::span<const std::string_view> parts) {
   return true;
 }
 
+constexpr off_t largestOfServer = off_t{1} << 30;
+
 // A string zeroes what it grows by. It grows by as much as fits the cache, so that this is quick (2 % of the time of a
 // source of data lists).
 constexpr size_t mostGrowth = size_t{64} * 1024;
@@ -145,18 +147,21 @@ bool writeThrough(const std::string& path, int flags, std::span<const std::strin
 
 }  // namespace
 
-RealHost::RealHost() {
+RealHost::RealHost(Reading reading) : reading_(reading) {
   (void)std::signal(SIGPIPE, SIG_IGN);
   (void)std::signal(SIGXFSZ, SIG_IGN);
 }
 
 std::optional<std::string> RealHost::readFile(const std::string& path) const {
-  const FileDescriptor file(openFile(path, O_RDONLY));
+  const bool isForServer = reading_ == Reading::RegularFiles;
+  const FileDescriptor file(openFile(path, isForServer ? O_RDONLY | O_NONBLOCK : O_RDONLY));
   if (!file.isOpen()) return std::nullopt;
   struct stat status {};
   if (::fstat(file.number(), &status) != 0) return std::nullopt;
+  if (isForServer && (!S_ISREG(status.st_mode) || status.st_size > largestOfServer)) return std::nullopt;
   std::optional<std::string> bytes = readAll(file.number(), static_cast<size_t>(std::max<off_t>(status.st_size, 0)));
-  if (bytes.has_value() && S_ISREG(status.st_mode)) filesRead_.emplace_back(status.st_dev, status.st_ino);
+  if (bytes.has_value() && S_ISREG(status.st_mode) && !isForServer)
+    filesRead_.emplace_back(status.st_dev, status.st_ino);
   return bytes;
 }
 

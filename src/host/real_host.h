@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -10,11 +11,15 @@
 
 namespace kiln {
 
+// What may be read. A server reads what a stranger's project names, again and again: only regular files of at most 1
+// GB, so that it never waits for a pipe or fills the memory from a device, and it keeps no list of them for wasRead().
+enum class Reading : uint8_t { All, RegularFiles };
+
 class RealHost final : public Host {
  public:
   // Ignores the signals for a closed pipe and for a file that is too large, so that these writes fail instead of ending
   // the program.
-  RealHost();
+  explicit RealHost(Reading reading = Reading::All);
 
   std::optional<std::string> readFile(const std::string& path) const override;
   bool exists(const std::string& path) const override;
@@ -30,6 +35,7 @@ class RealHost final : public Host {
   static bool isOnTerminal();
 
  private:
+  const Reading reading_;
   mutable std::vector<std::pair<dev_t, ino_t>> filesRead_;
 };
 

@@ -21,6 +21,7 @@ constexpr std::string_view rewrite = "refactor.rewrite";
 constexpr std::string_view fixAll = "source.fixAll";
 constexpr std::string_view allowPrefix = "check: allow ";
 constexpr size_t longestText = 1000;
+constexpr size_t mostFindings = 100;  // nobody chooses from a longer menu
 
 // A text as a title names it.
 std::string named(std::string_view text) {
@@ -103,7 +104,7 @@ class ActionList {
   void addQuickFixes() {
     std::vector<const Finding*> found;
     for (const Finding& finding : target_.analysis.findings()) {
-      if (isInRange(finding)) found.push_back(&finding);
+      if (found.size() < mostFindings && isInRange(finding)) found.push_back(&finding);
     }
     for (const Finding* finding : found)
       addFixes(*finding);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -27,6 +28,20 @@ class RealFiles : public testing::Test {
   const std::string large = std::string(100000, 'a');
   RealHost host;
 };
+
+// What a stranger's project names must not stop a server.
+TEST_F(RealFiles, AreAllThatAServerReads) {
+  const RealHost server(Reading::RegularFiles);
+  const std::string pipe = root + "/pipe";
+  const std::string huge = root + "/huge";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_TRUE(writeFile(file, large) && writeFile(huge, "a"));
+  fs::resize_file(huge, (uintmax_t{1} << 30) + 1);
+  EXPECT_EQ(server.readFile(file), large);
+  for (const std::string& path : {pipe, huge, root, std::string("/dev/zero")})
+    EXPECT_EQ(server.readFile(path), std::nullopt) << path;
+  EXPECT_FALSE(server.wasRead(file));
+}
 
 TEST_F(RealFiles, AreReadAsTheyWereWritten) {
   for (const std::string& bytes : {large, std::string(), std::string("x\r\n\0\xFF", 5)}) {
