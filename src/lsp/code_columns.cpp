@@ -21,7 +21,7 @@ class ColumnWriter {
       if (!text_.empty()) add(" ");
       return;
     }
-    while (filling_.tabSize != 0 && column_ / filling_.tabSize < column / filling_.tabSize) {
+    while (filling_.hasTabs && column_ / filling_.tabSize < column / filling_.tabSize) {
       text_ += '\t';
       column_ = (column_ / filling_.tabSize + 1) * filling_.tabSize;
     }
@@ -38,11 +38,11 @@ class ColumnWriter {
 
 }  // namespace
 
-size_t columnAfter(std::string_view text) {
+size_t columnAfter(std::string_view text, size_t tabSize) {
   size_t column = 0;
   for (char c : text) {
     const bool isContinuation = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-    column = c == '\t' ? (column / 8 + 1) * 8 : column + (isContinuation ? 0 : 1);
+    column = c == '\t' ? (column / tabSize + 1) * tabSize : column + (isContinuation ? 0 : 1);
   }
   return column;
 }

@@ -14,7 +14,8 @@ inline constexpr size_t commentColumn = 32;
 
 // How gaps between columns are filled.
 struct Filling {
-  size_t tabSize = 0;  // 0: with spaces only
+  size_t tabSize = 8;  // of tabs that are there or are inserted, at least 1
+  bool hasTabs = false;
 };
 
 // The parts of a line as they stay, without blanks around them.
@@ -31,8 +32,8 @@ struct LineParts {
   std::string_view comment;
 };
 
-// The column at which the text ends, counted in characters; tabs go to multiples of 8.
-size_t columnAfter(std::string_view text);
+// The column at which the text ends, counted in characters.
+size_t columnAfter(std::string_view text, size_t tabSize);
 
 // The line. `isIndented`: nothing is in column 0. A comment is at `comments`, or one space after longer code.
 std::string inColumns(const LineParts& parts, bool isIndented, size_t comments, Filling filling);

@@ -52,17 +52,15 @@ class Formatter {
   // Absent for a line that stays.
   std::optional<std::string> format(uint32_t line) const {
     const std::string_view text = target_.index.lineAt(line);
-    const LineKind kind = kinds_[line];
-    if (kind == LineKind::Fixed) return std::nullopt;
-    const bool isInBody = kind == LineKind::MacroBody;
-    if (trim(text).empty()) return isInBody ? std::nullopt : std::optional<std::string>("");
-    const std::optional<LineParts> parts = partsOf(text, isInBody);
+    const bool isInBody = kinds_[line] == LineKind::MacroBody;
+    const std::optional<LineParts> parts = partsOf(line);
     if (!parts.has_value()) return std::nullopt;
+    if (trim(text).empty()) return isInBody ? std::nullopt : std::optional<std::string>("");
     const bool isComment = parts->label.empty() && parts->name.empty() && parts->statements.empty();
     if (isComment && !isBlank(text.front())) return std::string(trimRight(text));
     std::string formatted = isComment ? inColumns(*parts, false, codeColumn, filling_)
                                       : inColumns(*parts, isInBody, commentColumnOf(line), filling_);
-    const bool mayMove = kind != LineKind::AfterMacro || isBlank(formatted.front()) == isBlank(text.front());
+    const bool mayMove = kinds_[line] != LineKind::AfterMacro || isBlank(formatted.front()) == isBlank(text.front());
     return mayMove ? std::optional(std::move(formatted)) : std::nullopt;
   }
 
@@ -83,7 +81,11 @@ class Formatter {
     return target_.rangeOf(text).start.line;
   }
 
-  std::optional<LineParts> partsOf(std::string_view line, bool isInBody) const {
+  // Absent for a line that stays.
+  std::optional<LineParts> partsOf(uint32_t number) const {
+    if (kinds_[number] == LineKind::Fixed) return std::nullopt;
+    const bool isInBody = kinds_[number] == LineKind::MacroBody;
+    const std::string_view line = target_.index.lineAt(number);
     LineParts parts;
     const std::string_view code = withoutComment(line);
     parts.comment = trimRight(line.substr(code.size()));
@@ -144,21 +146,36 @@ class Formatter {
   }
 
   // The column of the line's comment, or 0 without one after code.
-  size_t writtenColumn(size_t line) const {
+  size_t writtenColumn(uint32_t line) const {
     if (line >= kinds_.size()) return 0;
-    const std::string_view text = target_.index.lineAt(static_cast<uint32_t>(line));
+    const std::string_view text = target_.index.lineAt(line);
     const std::string_view code = withoutComment(text);
-    return code.size() == text.size() || trim(code).empty() ? 0 : columnAfter(code);
+    return code.size() == text.size() || trim(code).empty() ? 0 : columnAfter(code, filling_.tabSize);
   }
 
-  // Comments that are together further to the right stay there, and so does one after code that is too long.
+  // The column at which the line's code ends when it is formatted.
+  size_t codeWidth(uint32_t line) const {
+    std::optional<LineParts> parts = partsOf(line);
+    if (!parts.has_value()) {
+      return columnAfter(trimRight(withoutComment(target_.index.lineAt(line))), filling_.tabSize);
+    }
+    parts->comment = {};
+    return columnAfter(inColumns(*parts, kinds_[line] == LineKind::MacroBody, 0, filling_), filling_.tabSize);
+  }
+
+  // Whether the line's comment is at the column, and has room there when its code is formatted.
+  bool hasCommentAt(uint32_t line, size_t column) const {
+    return writtenColumn(line) == column && codeWidth(line) < column;
+  }
+
+  // Comments that are together further to the right stay there, and so does one after code that is too long. All of
+  // this is decided by the formatted code, so that formatting again changes nothing.
   size_t commentColumnOf(uint32_t line) const {
     const size_t column = writtenColumn(line);
     if (column <= commentColumn || column % 8 != 0) return commentColumn;
-    const std::string_view code = trimRight(withoutComment(target_.index.lineAt(line)));
-    const bool isLong = columnAfter(code) >= commentColumn;
-    const bool hasNeighbour =
-        writtenColumn(size_t{line} + 1) == column || (line > 0 && writtenColumn(line - 1) == column);
+    const size_t width = codeWidth(line);
+    const bool isLong = width >= commentColumn && width + 1 < column;
+    const bool hasNeighbour = hasCommentAt(line + 1, column) || (line > 0 && hasCommentAt(line - 1, column));
     return isLong || hasNeighbour ? column : commentColumn;
   }
 
@@ -227,8 +244,8 @@ std::string textWith(const Target& target, const std::vector<LineEdit>& edits) {
 Filling fillingOf(const Json& options) {
   const Json& usesSpaces = memberOf(options, {"insertSpaces"});
   const size_t tabSize = numberOf(memberOf(options, {"tabSize"}), 8);
-  const bool hasTabs = usesSpaces.is_boolean() && !usesSpaces.get<bool>() && tabSize > 0 && tabSize <= widestTab;
-  return {hasTabs ? tabSize : 0};
+  const bool hasSize = tabSize > 0 && tabSize <= widestTab;
+  return {hasSize ? tabSize : 8, hasSize && usesSpaces.is_boolean() && !usesSpaces.get<bool>()};
 }
 
 // The lines from `first` to `last`.

@@ -100,6 +100,30 @@ TEST(Formatting, KeepsCommentsThatAreAligned) {
   EXPECT_EQ(formatted(text), text.substr(0, text.rfind("        .byte 2")) + moved);
 }
 
+// What one line's code becomes may decide where another one's comment goes.
+TEST(Formatting, ChangesNothingTheSecondTime) {
+  const std::string programs[] = {
+      "        .org $2000                      ; alone, and stays on its own\n",
+      "\t.org $2000\t\t\t; note\n\tNOP\t\t\t\t; note\n",
+      // The first line's code gets too long for its comment, beside which the second one's is.
+      " .org $2000\n.byte 1,2,3,4,5,6,7,8,9,10,11,12,13    ; a\n        NOP                             ; b\n",
+      // Code that gets shorter.
+      " .org $2000\n                        LDA             #1              ; a\n",
+      // A comment one blank after code that ends before a multiple of eight.
+      " .org $2000\n        .byte 1,2,3,4,5,6,7,8,9,10,123456 ;x\n .byte   1,2,3,4,5,6,7,8,9,10,1234 ;x\n",
+  };
+  for (const std::string& program : programs) {
+    for (const int tabSize : {3, 4, 8}) {
+      for (const bool usesSpaces : {false, true}) {
+        const Json options = {{"tabSize", tabSize}, {"insertSpaces", usesSpaces}};
+        const std::string once = formatted(program, options);
+        EXPECT_NE(once, "null");
+        EXPECT_EQ(formatted(once, options), once) << tabSize;
+      }
+    }
+  }
+}
+
 TEST(Formatting, JoinsVeryManyEdits) {
   std::string before = " .org $2000\n";
   std::string after = "        .org $2000\n";
