@@ -164,6 +164,7 @@ class FileOutline {
     const bool isInLabel = item.kind == LocalLabel || (item.kind == Assignment && line.isInside);
     const size_t parent = isInLabel && label_.has_value() ? *label_ : bank_.value_or(index);
     parts_.push_back({item, line.begin, std::max(line.end, line.macroEnd), parent});
+    if (parent != index) parts_[parent].end = std::max(parts_[parent].end, parts_[index].end);
     if (item.kind == Bank) bank_ = index;
     if (item.kind == Region) region_ = index;
     if (item.kind == Code || item.kind == Data) label_ = index;

@@ -65,6 +65,9 @@ TEST(Symbols, NestLocalLabelsAndBanks) {
   EXPECT_EQ(outlineOf(" .include \"lib.inc\"\n .org $2000\na1:\n.b: NOP\n BEQ far\n .space 200\nfar: RTS\n",
                       {{"lib.inc", "five = 5\n"}}),
             (Lines{"a1 3-6", "  .b 4-6", "far 7-7"}));
+  // A bank has all its symbols within its lines.
+  EXPECT_EQ(outlineOf(" .bank code\n NOP\n\n.macro M\n NOP\n\nlast = 5\n"),
+            (Lines{"code 1-7", "  M 4-5", "  last 7-7"}));
   // What does not assemble has one, too.
   EXPECT_EQ(outlineOf(" .org $2000\na1: LDA (5)\n"), Lines{"a1 2-2"});
 }
