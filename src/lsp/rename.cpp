@@ -47,9 +47,12 @@ const NamePart* partAt(const Target& target, const NameParts& parts, const Json&
 
 Json editsOf(const Session& session, const Renaming::FileEdit& edit, const std::string& name) {
   const TextIndex index(edit.text, session.encoding);
+  PositionWalk positions(index);
   Json list = Json::array();
-  for (const auto& [offset, length] : edit.lengths)
-    list.push_back({{"range", toJson(index.rangeOf(offset, offset + length))}, {"newText", name}});
+  for (const auto& [offset, length] : edit.lengths) {
+    const Position start = positions.at(offset);
+    list.push_back({{"range", toJson(Range{start, positions.at(offset + length)})}, {"newText", name}});
+  }
   return list;
 }
 
