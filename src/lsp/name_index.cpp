@@ -161,6 +161,9 @@ class Collector {
     if (rest.size() > longestSearch) return;
     for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
       if (isHexadecimal(made->origin, word)) continue;
+      // The definition of ">name:" includes the ">".
+      const bool isMarkedLabel = rest.starts_with(':') && word.data() != made->origin.data() && word.data()[-1] == '>';
+      if (isMarkedLabel) continue;
       addUse(word, word.front() == '.' ? concat({statement.scope, word}) : std::string(word));
     }
   }

@@ -50,6 +50,17 @@ other: INX
   }
 }
 
+// The code for the call into the bank is inserted after the line with the label, which that does not use.
+TEST(Navigation, TakesNoLabelForAUse) {
+  const std::string layout = "[memory]\nmain = $3000-$3FFF\n[banking]\nwindow = $4000-$7FFF\nregisters = $82, $83\n";
+  const std::map<std::string, std::string> files = {{".kiln", "-L banks.lnk main.asm\n"}, {"banks.lnk", layout}};
+  Editor editor(files);
+  editor.open("main.asm", " .org $3000\n JSR draw\n>in|ner: RTS\n .bank gfx\ndraw: RTS\n");
+  EXPECT_EQ(placeTexts(editor.request("textDocument/references")), Places());
+  const Json withDefinition = {{"context", {{"includeDeclaration", true}}}};
+  EXPECT_EQ(placeTexts(editor.request("textDocument/references", withDefinition)), Places{"main.asm 3:1-7"});
+}
+
 TEST(Navigation, FindsUsesInAllFiles) {
   Editor editor(library);
   editor.open("main.asm", " .include \"lib.inc\"\n\n .org $2000\n LDX #cou|nt\n PAINT count\n");
