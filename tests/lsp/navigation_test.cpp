@@ -50,6 +50,17 @@ other: INX
   }
 }
 
+TEST(Navigation, FindsUsesInAllPrograms) {
+  Editor editor({{"lib.inc", "print: RTS\n"},
+                 {"one.asm", " .org $2000\n .include \"lib.inc\"\n JSR print\n"},
+                 {"two.asm", " .org $2000\nprint2: NOP\n JSR print\n .include \"lib.inc\"\n"}});
+  const Places uses = {"one.asm 3:6-11", "two.asm 3:6-11"};
+  editor.open("lib.inc", "pri|nt: RTS\n");
+  EXPECT_EQ(placeTexts(editor.request("textDocument/references")), uses);
+  editor.open("two.asm", " .org $2000\nprint2: NOP\n JSR pr|int\n .include \"lib.inc\"\n");
+  EXPECT_EQ(placeTexts(editor.request("textDocument/references")), (Places{uses[1], uses[0]}));
+}
+
 // The code for the call into the bank is inserted after the line with the label, which that does not use.
 TEST(Navigation, TakesNoLabelForAUse) {
   const std::string layout = "[memory]\nmain = $3000-$3FFF\n[banking]\nwindow = $4000-$7FFF\nregisters = $82, $83\n";
