@@ -12,20 +12,12 @@
 #include "lsp/uri.h"
 
 namespace kiln {
-namespace {
 
-std::string firstLine(std::string_view text) { return std::string(text.substr(0, text.find('\n'))); }
-
-}  // namespace
-
-AssembledLine assembleCommandLine(EditorHost& console, const Host& host, const std::string& programPath,
-                                  const CommandLine& commandLine) {
+AssembledLine assembleCommandLine(const Host& host, const std::string& programPath, const CommandLine& commandLine) {
   Options options;
-  if (scanArguments(commandLine.arguments, console, options).has_value()) {
-    return {nullptr, console.errors().empty() ? "this option makes no program" : firstLine(console.errors())};
-  }
-  if (options.inputs.empty()) return {nullptr, "no input files"};
-  moveToProject(options, commandLine.projectPath);
+  const ProjectLine line = {commandLine.projectLine, commandLine.arguments};
+  std::string error = addProjectLine(line, commandLine.projectPath, options);
+  if (!error.empty()) return {nullptr, std::move(error)};
   const std::vector<std::string> arguments = {programPath};
   return {assembleProgram(host, arguments, options), ""};
 }
@@ -44,7 +36,7 @@ Analysis::Analysis(const EditorHost& files, const std::string& programPath, Comm
 void Analysis::analyse(const EditorHost& files, const std::string& programPath) {
   EditorHost host = files;
   RecordingHost reader(host);
-  AssembledLine assembled = assembleCommandLine(host, reader, programPath, commandLine_);
+  AssembledLine assembled = assembleCommandLine(reader, programPath, commandLine_);
   program_ = std::move(assembled.program);
   error_ = std::move(assembled.error);
   if (program_ == nullptr) return;

@@ -32,8 +32,7 @@ struct AssembledLine {
 };
 
 // Assembles what a command line names with the files of `host`, which has to outlive the program's use of files.
-AssembledLine assembleCommandLine(EditorHost& console, const Host& host, const std::string& programPath,
-                                  const CommandLine& commandLine);
+AssembledLine assembleCommandLine(const Host& host, const std::string& programPath, const CommandLine& commandLine);
 
 // Fixed once made. All texts of the program are kept.
 class Analysis {

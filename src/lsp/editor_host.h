@@ -27,17 +27,14 @@ class EditorHost final : public Host {
   // What a run of the assembler would write is nobody's concern here.
   bool wasRead(const std::string&) const override { return false; }
   bool writeFile(const std::string&, std::span<const std::string_view>) override { return false; }
-  // Complaints about command lines.
-  void printError(std::string_view text) override { errors_ += text; }
+  void printError(std::string_view) override {}
   void printOutput(std::string_view) override {}
-  const std::string& errors() const { return errors_; }
 
  private:
   const Document* documentAt(const std::string& path) const;
 
   const Host& disk_;
   const Documents& documents_;
-  std::string errors_;
 };
 
 }  // namespace kiln

@@ -67,7 +67,7 @@ bool staysSame(const Analysis& analysis, const EditorHost& files, const std::str
   if (!analysis.error().empty() || !analysis.program().isAssembled) return false;
   EditorHost host = files;
   RecordingHost reader(host);
-  const AssembledLine after = assembleCommandLine(host, reader, programPath, analysis.commandLine());
+  const AssembledLine after = assembleCommandLine(reader, programPath, analysis.commandLine());
   if (after.program == nullptr || !after.program->isAssembled) return false;
   return haveSameMessages(analysis.program(), *after.program) && haveSameBytes(analysis.program(), *after.program);
 }

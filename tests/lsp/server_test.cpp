@@ -124,6 +124,19 @@ TEST(Server, TakesCommandLinesFromAProjectFile) {
   EXPECT_EQ(editor.diagnosticsOf(".kiln"), (Lines{"2:1 ", "3:1 ", "4:1 "}));
 }
 
+TEST(Server, SaysWhatIsWrongInAProjectFileAsTheCheckDoes) {
+  Editor editor;
+  editor.open(".kiln", "-h\n-Q main.asm\n-f prg\n");
+  std::vector<std::string> messages;
+  for (const Json& message : editor.takeMessages()) {
+    if (!message.contains("params")) continue;
+    for (const Json& diagnostic : message["params"]["diagnostics"])
+      messages.push_back(diagnostic["message"].get<std::string>());
+  }
+  EXPECT_EQ(messages,
+            (std::vector<std::string>{"this option makes no program", "unknown option '-Q'", "no input files"}));
+}
+
 TEST(Server, ShowsAnIncludeInTheProgramsThatIncludeIt) {
   using Lines = std::vector<std::string>;
   Editor editor(Files{{"a.asm", " .org $2000\n .include \"part.inc\"\nlimit = 300\n"},
