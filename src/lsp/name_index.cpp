@@ -162,8 +162,8 @@ class Collector {
     for (std::string_view word = takeNameLike(rest); !word.empty(); word = takeNameLike(rest)) {
       if (isHexadecimal(made->origin, word)) continue;
       // The definition of ">name:" includes the ">".
-      const bool isMarkedLabel = rest.starts_with(':') && word.data() != made->origin.data() && word.data()[-1] == '>';
-      if (isMarkedLabel) continue;
+      const auto at = static_cast<size_t>(word.data() - made->origin.data());
+      if (rest.starts_with(':') && at != 0 && made->origin[at - 1] == '>') continue;
       addUse(word, word.front() == '.' ? concat({statement.scope, word}) : std::string(word));
     }
   }
