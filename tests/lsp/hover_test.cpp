@@ -44,7 +44,7 @@ TEST(Hover, DescribesNames) {
             ".loop: JMP .loop");
   EXPECT_EQ(hoverOf(" .include \"lib.inc\"\n LDA #cou|nt\n LDX #count\n"),
             "count: $05 = 5 = %00000101\nused 2 times, lib.inc line 3\n; How many\n; there are.\ncount = 5");
-  EXPECT_EQ(hoverOf(" .include \"li|b.inc\"\n"), "/work/lib.inc");
+  EXPECT_EQ(hoverOf(" .include \"li|b.inc\"\n"), "/project/lib.inc");
   EXPECT_EQ(hoverOf(" LDA nowhe|re\n"), "null");
 }
 

@@ -7,11 +7,11 @@
 namespace kiln::test {
 namespace {
 
-constexpr std::string_view folder = "/work/";
+constexpr std::string_view folder = "/project/";
 
 MemoryHost diskWith(const std::map<std::string, std::string>& files) {
   MemoryHost disk;
-  disk.directories = {"/work"};
+  disk.directories = {"/project"};
   for (const auto& [file, text] : files)
     disk.files[std::string(folder) + file] = text;
   for (const auto& [file, text] : files) {
@@ -29,7 +29,7 @@ std::string positionText(const Json& position) {
 
 Editor::Editor(const std::map<std::string, std::string>& files, const Json& parameters)
     : disk_(diskWith(files)), server_(disk_, "/bin/kiln-lsp") {
-  Json all = {{"capabilities", Json::object()}, {"rootUri", "file:///work"}};
+  Json all = {{"capabilities", Json::object()}, {"rootUri", "file:///project"}};
   all.update(parameters);
   request("initialize", all);
   send({{"jsonrpc", "2.0"}, {"method", "initialized"}, {"params", Json::object()}});

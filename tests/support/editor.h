@@ -11,7 +11,7 @@
 
 namespace kiln::test {
 
-// All files are in the folder "/work", which the editor shows, and are named without it.
+// All files are in the folder "/project", which the editor shows, and are named without it.
 class Editor {
  public:
   // The files on the disk. `parameters` are merged into those of "initialize".
@@ -36,7 +36,7 @@ class Editor {
   // The diagnostics of a file that hold now, as "LINE:COLUMN CODE", counted from 1.
   std::vector<std::string> diagnosticsOf(const std::string& file);
 
-  static std::string uriOf(const std::string& file) { return "file:///work/" + file; }
+  static std::string uriOf(const std::string& file) { return "file:///project/" + file; }
 
  private:
   Json take(int id);
