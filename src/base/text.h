@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -44,6 +45,13 @@ std::string_view trimWhitespace(std::string_view text);
 // The text without its first and last character when they are `open` and `close`. One character can be both: the result
 // is empty then.
 std::string_view withoutEnclosing(std::string_view text, char open, char close);
+
+// True when the text is a view into the whole one, its end included.
+inline bool isPartOf(std::string_view text, std::string_view whole) {
+  const std::less_equal<> upTo;
+  return text.data() != nullptr && upTo(whole.data(), text.data()) &&
+         upTo(text.data() + text.size(), whole.data() + whole.size());
+}
 
 bool equalIgnoringCase(std::string_view a, std::string_view b);
 

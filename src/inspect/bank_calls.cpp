@@ -42,9 +42,7 @@ void BankCalls::addCall(const Statement& statement) {
   const std::string_view name = leadingSymbol(line.operand());
   if (name.empty()) return;
   const SymbolTable& symbols = program_.iteration().symbols;
-  const uint32_t hash = line.nameHash != 0 ? line.nameHash : symbolHash(name);
-  const Symbol* symbol = symbols.find(name, hash);
-  if (symbol == nullptr) symbol = symbols.findIgnoringCase(name, hash);
+  const Symbol* const symbol = symbols.resolve(name, line.nameHash != 0 ? line.nameHash : symbolHash(name));
   if (symbol == nullptr || low16(symbol->value) < settings_.bankWindowLow ||
       low16(symbol->value) > settings_.bankWindowHigh) {
     return;

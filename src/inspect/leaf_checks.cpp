@@ -157,7 +157,7 @@ void LeafChecks::checkNumber(std::string_view leaf) {
 }
 
 void LeafChecks::checkUndefined(std::string_view leaf) {
-  if (symbols_.find(leaf) != nullptr || symbols_.findIgnoringCase(leaf, symbolHash(leaf)) != nullptr) return;
+  if (symbols_.resolve(leaf) != nullptr) return;
   hasZero_ = true;
   findings_.explain(undefinedMessage(leaf));
   const bool isReported = static_cast<size_t>(leaf.data() - expression_.data()) < reported_;

@@ -47,12 +47,6 @@ void NameDefinitions::defineBank(std::string_view bank, std::string_view written
   definitions_.push_back({written, true});
 }
 
-const Symbol* NameDefinitions::find(std::string_view name) const {
-  const uint32_t hash = symbolHash(name);
-  const Symbol* const exact = symbols_.find(name, hash);
-  return exact != nullptr ? exact : symbols_.findIgnoringCase(name, hash);
-}
-
 NameDefinitions::Definition NameDefinitions::first(const Symbol& symbol) const {
   if (isPredefined(symbol)) {
     const auto replacement = replacements_.find(symbol.index);

@@ -31,7 +31,7 @@ class NameDefinitions {
 
   // The symbol that the evaluator uses for a name: perhaps one that is written in another letter case. Null when there
   // is none.
-  const Symbol* find(std::string_view name) const;
+  const Symbol* find(std::string_view name) const { return symbols_.resolve(name); }
 
   // True for a name that is defined before the first line.
   bool isPredefined(const Symbol& symbol) const { return symbol.index < predefined_; }

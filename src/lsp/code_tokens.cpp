@@ -24,12 +24,6 @@ namespace {
 // Longer texts are not searched, see usedName().
 constexpr size_t longestSearch = 4096;
 
-bool isIn(std::string_view text, std::string_view whole) {
-  const std::less_equal<> upTo;
-  return text.data() != nullptr && upTo(whole.data(), text.data()) &&
-         upTo(text.data() + text.size(), whole.data() + whole.size());
-}
-
 bool isZeroPageMode(Mode mode) {
   return mode == Mode::ZeroPage || mode == Mode::ZeroPageX || mode == Mode::ZeroPageY ||
          mode == Mode::IndexedIndirectX || mode == Mode::IndirectIndexedY;
@@ -52,7 +46,7 @@ class TokenFinder {
   TokenFinder(const Analysis& analysis, const std::vector<SymbolFacts>& facts, std::string_view part)
       : analysis_(analysis), facts_(facts), part_(part) {
     for (const SourceNotes::Call& call : analysis.program().notes.calls) {
-      if (isIn(call.line, part)) calls_.emplace(call.line.data(), &call);
+      if (isPartOf(call.line, part)) calls_.emplace(call.line.data(), &call);
     }
   }
 
@@ -71,7 +65,7 @@ class TokenFinder {
   void add(std::string_view text, TokenType type, uint8_t modifiers = 0, const Occurrence* occurrence = nullptr) {
     // A carriage return ends a line of the editor's.
     text = text.substr(0, text.find('\r'));
-    if (!text.empty() && isIn(text, part_)) tokens_.push_back({text, type, modifiers, occurrence, statement_});
+    if (!text.empty() && isPartOf(text, part_)) tokens_.push_back({text, type, modifiers, occurrence, statement_});
   }
 
   void addNames() {
@@ -79,7 +73,7 @@ class TokenFinder {
     auto at = std::lower_bound(all.begin(), all.end(), part_.data(), [](const Occurrence& name, const char* place) {
       return std::less<>()(name.text.data(), place);
     });
-    for (; at != all.end() && isIn(at->text, part_); ++at)
+    for (; at != all.end() && isPartOf(at->text, part_); ++at)
       addName(*at);
   }
 
@@ -112,7 +106,7 @@ class TokenFinder {
 
   bool isUsedInZeroPage(std::string_view name) const {
     return statement_ != nullptr && statement_->parsed->kind == Kind::Instruction &&
-           isZeroPageMode(statement_->parsed->mode) && isIn(name, statement_->argument);
+           isZeroPageMode(statement_->parsed->mode) && isPartOf(name, statement_->argument);
   }
 
   void addStatement(const Statement& statement) {
@@ -195,7 +189,7 @@ class TokenFinder {
   std::string_view addLeaves(std::string_view written, std::string_view expression) {
     for (std::string_view leaf : leaves_.find(expression)) {
       if (!isNumber(leaf)) continue;
-      if (!isIn(leaf, part_)) {
+      if (!isPartOf(leaf, part_)) {
         leaf = written.size() <= longestSearch ? findName(written, leaf) : std::string_view();
         if (leaf.data() == nullptr) continue;
         written.remove_prefix(static_cast<size_t>(leaf.data() + leaf.size() - written.data()));

@@ -8,6 +8,7 @@
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "inspect/name_definitions.h"
 #include "inspect/name_text.h"
 #include "inspect/wording.h"
 #include "isa/opcodes.h"
@@ -18,9 +19,7 @@ namespace {
 
 using Items = std::vector<CompletionItem>;
 
-constexpr size_t mostParameters = 32;
 constexpr size_t mostFiles = 2000;
-constexpr std::string_view bankPrefix = "__bank_";
 
 enum Group : char { Nearest = '0', Names = '1', Given = '2', Others = '3', Directives = '4' };
 

@@ -1,7 +1,6 @@
 #include "lsp/hover_code.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "base/format.h"
 #include "base/text.h"
@@ -96,11 +95,6 @@ std::string flagsText(std::string_view flags) {
   return text;
 }
 
-bool isWithin(std::string_view text, std::string_view whole) {
-  const std::less_equal<> upTo;
-  return upTo(whole.data(), text.data()) && upTo(text.data() + text.size(), whole.data() + whole.size());
-}
-
 std::string definitionOf(const Macro& macro) {
   Lines lines;
   lines.add(concat({".macro ", macro.head}));
@@ -133,7 +127,7 @@ void describeMacro(const Analysis& analysis, const Occurrence& name, HoverText& 
   const Macro& macro = notes.macros.all()[name.id];
   hover.addBlock(definitionOf(macro));
   const auto call = std::find_if(notes.calls.begin(), notes.calls.end(), [&](const SourceNotes::Call& each) {
-    return each.macroHead.data() == macro.head.data() && isWithin(name.text, each.line);
+    return each.macroHead.data() == macro.head.data() && isPartOf(name.text, each.line);
   });
   if (call == notes.calls.end()) return;
   const std::string made = madeFrom(analysis, call->line);

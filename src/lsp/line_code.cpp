@@ -1,19 +1,13 @@
 #include "lsp/line_code.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "base/format.h"
+#include "base/text.h"
 #include "inspect/cycles.h"
 
 namespace kiln {
 namespace {
-
-bool isIn(std::string_view text, std::string_view whole) {
-  const std::less_equal<> upTo;
-  return text.data() != nullptr && upTo(whole.data(), text.data()) &&
-         upTo(text.data() + text.size(), whole.data() + whole.size());
-}
 
 bool leaves(Mnemonic mnemonic) {
   return isBranch(mnemonic) || mnemonic == Mnemonic::JMP || mnemonic == Mnemonic::RTS || mnemonic == Mnemonic::RTI ||
@@ -97,7 +91,7 @@ std::vector<OriginatedStatement> statementsFrom(const Analysis& analysis, std::s
       stagerOrigin = made->origin.data();
     if (made != nullptr && made->pattern.data() == nullptr && made->origin.data() == stagerOrigin) continue;
     const std::string_view origin = analysis.map().originOf(statement.line);
-    if (isIn(origin, part)) found.push_back({origin, &statement});
+    if (isPartOf(origin, part)) found.push_back({origin, &statement});
   }
   return found;
 }

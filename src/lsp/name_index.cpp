@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "inspect/expression_names.h"
 #include "inspect/macro_uses.h"
+#include "inspect/name_definitions.h"
 #include "inspect/name_text.h"
 #include "source/includes.h"
 
@@ -32,7 +33,7 @@ class Collector {
       const std::string_view name = line.assignName();
       addDefinition(statement.rest.substr(0, name.size()), name);
     }
-    if (line.kind == Kind::Bank) addDefinition(statement.argument, concat({"__bank_", line.operand()}));
+    if (line.kind == Kind::Bank) addDefinition(statement.argument, concat({bankPrefix, line.operand()}));
     addUses(statement, names_.of(line));
     addReplaced(statement);
   }
@@ -103,14 +104,9 @@ class Collector {
     return found == argumentsOf_.end() ? std::string_view() : found->second;
   }
 
-  const Symbol* symbolOf(std::string_view name) const {
-    const Symbol* const symbol = symbols_.find(name);
-    return symbol != nullptr ? symbol : symbols_.findIgnoringCase(name, symbolHash(name));
-  }
-
   // The first place is that of the definition: in "loop: BNE loop", the other one is a use.
   void addDefinition(std::string_view written, std::string_view name) {
-    const Symbol* const symbol = symbolOf(name);
+    const Symbol* const symbol = symbols_.resolve(name);
     if (symbol == nullptr) return;
     bool isFirst = true;
     forEachPlace(written, [&](std::string_view place) {
@@ -147,7 +143,7 @@ class Collector {
   }
 
   void addUse(std::string_view written, std::string_view name) {
-    const Symbol* const symbol = symbolOf(name);
+    const Symbol* const symbol = symbols_.resolve(name);
     if (symbol == nullptr) return;
     forEachPlace(written, [&](std::string_view place) { add(place, Thing::Symbol, symbol->index, false); });
   }

@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "inspect/macro_uses.h"
+#include "inspect/name_definitions.h"
 #include "inspect/name_text.h"
 #include "isa/opcodes.h"
 #include "source/line_text.h"
@@ -14,15 +15,7 @@
 namespace kiln {
 namespace {
 
-constexpr std::string_view bankPrefix = "__bank_";
-
 bool isBefore(const char* a, const char* b) { return std::less<>()(a, b); }
-
-const Symbol* findSymbol(const SymbolTable& symbols, std::string_view name) {
-  const uint32_t hash = symbolHash(name);
-  const Symbol* const exact = symbols.find(name, hash);
-  return exact != nullptr ? exact : symbols.findIgnoringCase(name, hash);
-}
 
 auto thingOf(const NamePart& part) { return std::make_tuple(part.thing, part.id); }
 
@@ -52,7 +45,7 @@ void NameParts::addSymbol(std::string_view written, uint32_t id) {
   // The scopes in front of a local name.
   const size_t firstDot = begin == 0 ? written.find('.', 1) : std::string_view::npos;
   for (size_t dot = firstDot; dot != std::string_view::npos; dot = written.find('.', dot + 1)) {
-    const Symbol* const scope = findSymbol(symbols, written.substr(0, dot));
+    const Symbol* const scope = symbols.resolve(written.substr(0, dot));
     if (scope == nullptr) continue;
     add(written.substr(begin, dot - begin), Thing::Symbol, scope->index);
     begin = dot + 1;

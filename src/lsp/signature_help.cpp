@@ -11,8 +11,6 @@
 namespace kiln {
 namespace {
 
-constexpr size_t mostParameters = 64;
-
 const SourceNotes::Call* callIn(const Analysis& analysis, std::string_view line) {
   const std::vector<SourceNotes::Call>& calls = analysis.program().notes.calls;
   const auto call = std::find_if(calls.begin(), calls.end(),

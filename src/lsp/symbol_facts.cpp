@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/format.h"
+#include "inspect/name_definitions.h"
 
 namespace kiln {
 namespace {
@@ -54,7 +55,7 @@ class Describer {
       define(symbols_.find(statement.symbol.text(), statement.symbol.hash()), kind, statement);
     }
     if (line.kind == Kind::Assign) define(symbols_.find(line.assignName()), Is::Name, statement);
-    if (line.kind == Kind::Bank) define(symbols_.find(concat({"__bank_", line.operand()})), Is::Bank, statement);
+    if (line.kind == Kind::Bank) define(symbols_.find(concat({bankPrefix, line.operand()})), Is::Bank, statement);
   }
 
   void define(const Symbol* symbol, Is kind, const Statement& statement) {

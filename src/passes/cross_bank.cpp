@@ -38,9 +38,7 @@ struct Call {
 const Symbol* findTarget(const SymbolTable& symbols, std::string_view operand, uint32_t hash) {
   const std::string_view name = leadingSymbol(operand);
   if (name.empty()) return nullptr;
-  if (hash == 0) hash = symbolHash(name);
-  const Symbol* const exact = symbols.find(name, hash);
-  return exact != nullptr ? exact : symbols.findIgnoringCase(name, hash);
+  return symbols.resolve(name, hash != 0 ? hash : symbolHash(name));
 }
 
 bool mayCall(const AsLine& line) {

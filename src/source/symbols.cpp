@@ -96,6 +96,11 @@ const Symbol* SymbolTable::findIgnoringCase(std::string_view name, uint32_t hash
   return nullptr;
 }
 
+const Symbol* SymbolTable::resolve(std::string_view name, uint32_t hash) const {
+  const Symbol* const exact = find(name, hash);
+  return exact != nullptr ? exact : findIgnoringCase(name, hash);
+}
+
 SymbolTable::Entry SymbolTable::enter(HashedName name) {
   if (slots_.size() < 2 * (symbols_.size() + 1)) rebuild(slots_.empty() ? 64 : slots_.size() * 2);
   const std::string_view text = name.text();

@@ -51,6 +51,9 @@ class SymbolTable {
   const Symbol* find(std::string_view name, uint32_t hash) const;
   // The first symbol entered whose name differs from `name` at most in letter case; null when there is none.
   const Symbol* findIgnoringCase(std::string_view name, uint32_t hash) const;
+  // The symbol that a use of the name means: the one with exactly this name, else findIgnoringCase().
+  const Symbol* resolve(std::string_view name, uint32_t hash) const;
+  const Symbol* resolve(std::string_view name) const { return resolve(name, symbolHash(name)); }
 
   // True when the table is too large for the caches near the processor. A look-up then waits for memory twice, unless
   // these two are called some time before it: fetchSlot() first, which loads what fetchSymbol() reads. Any number will
