@@ -13,15 +13,6 @@
 
 namespace kiln {
 
-AssembledLine assembleCommandLine(const Host& host, const std::string& programPath, const CommandLine& commandLine) {
-  Options options;
-  const ProjectLine line = {commandLine.projectLine, commandLine.arguments};
-  std::string error = addProjectLine(line, commandLine.projectPath, options);
-  if (!error.empty()) return {nullptr, std::move(error)};
-  const std::vector<std::string> arguments = {programPath};
-  return {assembleProgram(host, arguments, options), ""};
-}
-
 Analysis::Analysis(const EditorHost& files, const std::string& programPath, CommandLine commandLine)
     : commandLine_(std::move(commandLine)) {
   try {
@@ -36,10 +27,12 @@ Analysis::Analysis(const EditorHost& files, const std::string& programPath, Comm
 void Analysis::analyse(const EditorHost& files, const std::string& programPath) {
   EditorHost host = files;
   RecordingHost reader(host);
-  AssembledLine assembled = assembleCommandLine(reader, programPath, commandLine_);
-  program_ = std::move(assembled.program);
-  error_ = std::move(assembled.error);
-  if (program_ == nullptr) return;
+  Options options;
+  const ProjectLine line = {commandLine_.projectLine, commandLine_.arguments};
+  error_ = addProjectLine(line, commandLine_.projectPath, options);
+  if (!error_.empty()) return;
+  const std::vector<std::string> arguments = {programPath};
+  program_ = assembleProgram(reader, arguments, options);
   for (const std::string& path : reader.pathsRead())
     pathsRead_.insert(plainPath(path));
   error_ = program_->error;

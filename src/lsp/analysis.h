@@ -26,14 +26,6 @@ struct CommandLine {
   bool operator==(const CommandLine&) const = default;
 };
 
-struct AssembledLine {
-  std::unique_ptr<Program> program;
-  std::string error;  // why the command line makes no program, which is null then
-};
-
-// Assembles what a command line names with the files of `host`, which has to outlive the program's use of files.
-AssembledLine assembleCommandLine(const Host& host, const std::string& programPath, const CommandLine& commandLine);
-
 // Fixed once made. All texts of the program are kept.
 class Analysis {
  public:

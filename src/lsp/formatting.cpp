@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,7 +14,7 @@
 #include "inspect/name_text.h"
 #include "inspect/statement_words.h"
 #include "lsp/code_columns.h"
-#include "lsp/unchanged_programs.h"
+#include "lsp/same_program.h"
 #include "source/line_text.h"
 
 namespace kiln {
@@ -241,6 +242,16 @@ std::string textWith(const Target& target, const std::vector<LineEdit>& edits) {
   return changed.append(text, copied);
 }
 
+// True when all programs of the document stay what they are with this text.
+bool keepsPrograms(Session& session, const std::string& path, const std::string& text) {
+  const std::vector<const Analysis*> programs = session.workspace.programsOf(path);
+  return std::all_of(programs.begin(), programs.end(), [&](const Analysis* program) {
+    if (!program->error().empty()) return false;
+    const std::unique_ptr<Analysis> after = session.workspace.analyseWith(program->commandLine(), {{path, text}});
+    return after->error().empty() && areSameButBlanks(*program, *after);
+  });
+}
+
 Filling fillingOf(const Json& options) {
   const Json& usesSpaces = memberOf(options, {"insertSpaces"});
   const size_t tabSize = numberOf(memberOf(options, {"tabSize"}), 8);
@@ -261,7 +272,7 @@ Answer formatLines(Session& session, const Json& params, uint32_t first, uint32_
     if (text.has_value() && *text != target->index.lineAt(line)) edits.push_back({line, std::move(*text)});
   }
   const std::string& path = target->document.path;
-  if (!edits.empty() && !areProgramsSame(session, {{path, textWith(*target, edits)}})) return Json();
+  if (!edits.empty() && !keepsPrograms(session, path, textWith(*target, edits))) return Json();
   return toJson(*target, edits);
 }
 

@@ -72,6 +72,14 @@ std::string differentMessage(const Program& before, const Program& after, const 
   return old.size() == now.size() ? "" : concat({"kiln-as would no longer say: ", trimWhitespace(old[now.size()])});
 }
 
+bool areSameWords(std::string_view a, std::string_view b) {
+  while (true) {
+    const std::string_view word = takeWord(a);
+    if (word != takeWord(b)) return false;
+    if (word.empty()) return true;
+  }
+}
+
 bool haveSameSegments(const Program& before, const Program& after) {
   const auto isSame = [](const AsSegment& a, const AsSegment& b) {
     return a.start == b.start && a.bytes == b.bytes && a.bank == b.bank && a.cloaked == b.cloaked &&
@@ -124,7 +132,6 @@ std::vector<Meaning> meaningsOf(const Analysis& analysis) {
 
 // The lines of a macro's body for arguments that look like nothing else.
 std::vector<std::string> expandedBody(const Macro& macro) {
-  constexpr size_t mostParameters = 64;
   const size_t count = std::min(macro.parameters.size(), mostParameters);
   std::vector<std::string> lines;
   for (const Macro::Line& line : macro.body) {
@@ -166,6 +173,12 @@ std::string differenceOf(const Analysis& before, const Analysis& after, const Na
     return "a name would mean something else";
   }
   return "";
+}
+
+bool areSameButBlanks(const Analysis& before, const Analysis& after) {
+  return before.program().isAssembled && after.program().isAssembled &&
+         std::ranges::equal(messagesOf(before.program()), messagesOf(after.program()), areSameWords) &&
+         fileBytes(before.program()) == fileBytes(after.program());
 }
 
 }  // namespace kiln

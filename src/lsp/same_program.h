@@ -16,4 +16,7 @@ struct NameChange {
 // messages but for the changed name, all statements, and what each name stands for. Neither has an error().
 std::string differenceOf(const Analysis& before, const Analysis& after, const NameChange& change);
 
+// True when both assemble, to the same bytes and, but for blanks, the same messages. Neither has an error().
+bool areSameButBlanks(const Analysis& before, const Analysis& after);
+
 }  // namespace kiln
