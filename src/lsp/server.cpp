@@ -23,37 +23,42 @@ bool isRequest(const Json& message) { return message.contains("id") && message.c
 }  // namespace
 
 void Server::receive(std::string_view text) {
-  Json message = Json::parse(text, nullptr, false);
-  if (message.is_discarded()) {
-    return reply(nullptr, Failure{ErrorCode::ParseError, "this is no JSON"});
-  }
-  const std::string method = textOf(memberOf(message, {"method"}));
-  if (method == "$/cancelRequest") return cancel(memberOf(message, {"params", "id"}));
-  waiting_.push_back(std::move(message));
+  attempt(nullptr, [&] {
+    Json message = Json::parse(text, nullptr, false);
+    if (message.is_discarded()) return reply(nullptr, Failure{ErrorCode::ParseError, "this is no JSON"});
+    const std::string method = textOf(memberOf(message, {"method"}));
+    if (method == "$/cancelRequest") return cancel(memberOf(message, {"params", "id"}));
+    waiting_.push_back(std::move(message));
+  });
 }
 
 bool Server::handleNext() {
   if (waiting_.empty() || isOver_) return false;
   const Json message = std::move(waiting_.front());
   waiting_.pop_front();
-  try {
-    handle(message);
-  } catch (const std::bad_alloc&) {
-    reply(memberOf(message, {"id"}), Failure{ErrorCode::InternalError, "out of memory"});
-  } catch (const std::length_error&) {
-    reply(memberOf(message, {"id"}), Failure{ErrorCode::InternalError, "out of memory"});
-  }
+  attempt(memberOf(message, {"id"}), [&] { handle(message); });
   return true;
 }
 
 void Server::settle() {
   if (!hasChanged_ || !isInitialized_ || isShutDown_) return;
   hasChanged_ = false;
-  for (const Json& notification : published_.update(session_))
-    output_.push_back(dumpJson(notification));
+  attempt(nullptr, [this] {
+    for (const Json& notification : published_.update(session_))
+      output_.push_back(dumpJson(notification));
+  });
 }
 
 std::vector<std::string> Server::takeOutput() { return std::exchange(output_, {}); }
+
+template <typename Step>
+void Server::attempt(const Json& id, Step step) {
+  try {
+    step();
+  } catch (const std::exception& exception) {
+    reply(id, Failure{ErrorCode::InternalError, exception.what()});
+  }
+}
 
 void Server::cancel(const Json& id) {
   const auto request = std::find_if(waiting_.begin(), waiting_.end(), [&id](const Json& message) {

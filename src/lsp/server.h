@@ -33,6 +33,9 @@ class Server {
   int exitStatus() const { return isShutDown_ ? 0 : 1; }
 
  private:
+  // Runs a step. When it fails, most likely for lack of memory, the answer to `id` is an error.
+  template <typename Step>
+  void attempt(const Json& id, Step step);
   void handle(const Json& message);
   void handleRequest(const Json& message);
   void handleNotification(const std::string& method, const Json& params);

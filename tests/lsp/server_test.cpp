@@ -1,6 +1,8 @@
 // The protocol itself: what a client may send, in any order.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "lsp/message_stream.h"
 #include "lsp/text_index.h"
 #include "lsp/uri.h"
@@ -193,6 +195,27 @@ TEST(TextIndex, CountsAsEditorsDo) {
   EXPECT_EQ(index.offsetOf({0, 99}), 8U);
   EXPECT_EQ(index.offsetOf({9, 0}), text.size());
   EXPECT_EQ(index.lineAt(0), "a\xC3\xA4\xF0\x9F\x98\x80z");
+}
+
+// A list of changes keeps what it knows of the lines from one change to the next.
+TEST(OpenDocuments, ChangeByAListAsOneByOne) {
+  const std::string pieces[] = {"", "a", "\r", "\n", "\r\n", "\u00E4\n", "b\rc"};
+  std::mt19937 random(7);
+  const auto below = [&random](uint32_t count) { return static_cast<uint32_t>(random() % count); };
+  for (int round = 0; round < 300; ++round) {
+    Documents atOnce;
+    atOnce.open({"file:///a", "/a", nullptr, "one\rtwo\r\nthree\n"});
+    Documents oneByOne = atOnce;
+    Json changes = Json::array();
+    for (int i = 0; i < 8; ++i) {
+      const Position start = {below(6), below(4)};
+      const Position end = {start.line + below(2), below(4)};
+      changes.push_back({{"range", toJson(Range{start, end})}, {"text", pieces[below(std::size(pieces))]}});
+      oneByOne.change("/a", nullptr, Json::array({changes.back()}), Encoding::Utf16);
+    }
+    atOnce.change("/a", nullptr, changes, Encoding::Utf16);
+    ASSERT_EQ(atOnce.find("/a")->text, oneByOne.find("/a")->text) << changes.dump();
+  }
 }
 
 TEST(Uri, IsAPath) {
