@@ -35,7 +35,9 @@ char* TextStore::allocate(size_t size) {
 char* TextStore::addBlock(size_t size) {
   if (size > left_) throw std::bad_alloc();
   left_ -= size;
-  return blocks_.emplace_back(std::make_unique_for_overwrite<char[]>(size + padding)).get();
+  // Not zeroed, and in a way that every standard library has.
+  blocks_.push_back(std::unique_ptr<char[]>(new char[size + padding]));
+  return blocks_.back().get();
 }
 
 std::string_view TextStore::join(std::initializer_list<std::string_view> pieces) {

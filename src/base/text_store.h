@@ -2,6 +2,7 @@
 // moves, so views into it stay good until the store goes.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <initializer_list>
 #include <memory>
@@ -35,7 +36,7 @@ class TextStore {
   size_t freeSize_ = 0;
   // Of the next one: few texts need little, and many are quicker in few large blocks.
   size_t blockSize_ = size_t{64} * 1024;
-  size_t left_ = (size_t{1} << 32) - 1;  // so that 32 bits hold the length of every piece
+  uint64_t left_ = (uint64_t{1} << 32) - 1;  // so that 32 bits hold the length of every piece
 };
 
 }  // namespace kiln

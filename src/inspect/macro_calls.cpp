@@ -25,7 +25,8 @@ bool isHexNumber(std::string_view line, std::string_view word) {
 }
 
 bool isWholeStatement(const MacroUse& use) {
-  return std::ranges::any_of(use.macro->body, [&use](const Macro::Line& line) {
+  const std::vector<Macro::Line>& body = use.macro->body;
+  return std::any_of(body.begin(), body.end(), [&use](const Macro::Line& line) {
     const auto parameters = use.parameters();
     return std::find(parameters.begin(), parameters.end(), BodyLine(line.text).code) != parameters.end();
   });

@@ -67,8 +67,9 @@ std::string_view MacroUse::body() const {
 }
 
 bool MacroUse::mayReplaceIn(std::string_view text) const {
-  return std::ranges::any_of(
-      parameters(), [text](std::string_view parameter) { return text.find(parameter) != std::string_view::npos; });
+  const auto names = parameters();
+  const auto isIn = [text](std::string_view name) { return text.find(name) != std::string_view::npos; };
+  return std::any_of(names.begin(), names.end(), isIn);
 }
 
 MacroUses::MacroUses(const SourceNotes& notes) {

@@ -11,6 +11,12 @@
 namespace kiln {
 namespace {
 
+// Not every library has std::ranges::equal() yet.
+template <typename List, typename IsSame>
+bool areEqual(const List& a, const List& b, IsSame isSame) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), isSame);
+}
+
 constexpr char marker = '\x01';
 
 class SilentConsole final : public Console {
@@ -86,7 +92,7 @@ bool haveSameSegments(const Program& before, const Program& after) {
            a.cloakedId == b.cloakedId;
   };
   return before.isAssembled == after.isAssembled && before.isWritable == after.isWritable &&
-         std::ranges::equal(before.assembler.segments, after.assembler.segments, isSame);
+         areEqual(before.assembler.segments, after.assembler.segments, isSame);
 }
 
 std::string fileBytes(const Program& program) {
@@ -101,7 +107,7 @@ std::string fileBytes(const Program& program) {
 }
 
 bool haveSameStatements(const Analysis& before, const Analysis& after) {
-  return std::ranges::equal(before.statements(), after.statements(), [](const Statement& a, const Statement& b) {
+  return areEqual(before.statements(), after.statements(), [](const Statement& a, const Statement& b) {
     return a.parsed->kind == b.parsed->kind && a.parsed->mnemonic == b.parsed->mnemonic &&
            a.parsed->mode == b.parsed->mode && a.parsed->size == b.parsed->size &&
            a.parsed->address == b.parsed->address && a.parsed->hasLabel == b.parsed->hasLabel;
@@ -110,7 +116,7 @@ bool haveSameStatements(const Analysis& before, const Analysis& after) {
 
 // Symbols are numbered in the order in which they are defined.
 bool haveSameSymbols(const Analysis& before, const Analysis& after) {
-  return std::ranges::equal(
+  return areEqual(
       before.program().iteration().symbols.symbols(), after.program().iteration().symbols.symbols(),
       [](const Symbol& a, const Symbol& b) { return a.value == b.value && a.bank == b.bank && a.seed == b.seed; });
 }
@@ -153,10 +159,9 @@ bool haveSameMacros(const Program& before, const Program& after, const Masking& 
     const auto isSameLine = [&masked](const std::string& c, const std::string& d) {
       return c == d || masked(c) == masked(d);
     };
-    return a.parameters.size() == b.parameters.size() &&
-           std::ranges::equal(expandedBody(a), expandedBody(b), isSameLine);
+    return a.parameters.size() == b.parameters.size() && areEqual(expandedBody(a), expandedBody(b), isSameLine);
   };
-  return std::ranges::equal(before.notes.macros.all(), after.notes.macros.all(), isSame);
+  return areEqual(before.notes.macros.all(), after.notes.macros.all(), isSame);
 }
 
 }  // namespace
@@ -177,7 +182,7 @@ std::string differenceOf(const Analysis& before, const Analysis& after, const Na
 
 bool areSameButBlanks(const Analysis& before, const Analysis& after) {
   return before.program().isAssembled && after.program().isAssembled &&
-         std::ranges::equal(messagesOf(before.program()), messagesOf(after.program()), areSameWords) &&
+         areEqual(messagesOf(before.program()), messagesOf(after.program()), areSameWords) &&
          fileBytes(before.program()) == fileBytes(after.program());
 }
 
