@@ -1,11 +1,7 @@
-#include <string>
-#include <vector>
-
 #include "host/real_host.h"
 #include "inspect/check_run.h"
 
 int main(int argc, char** argv) {
   kiln::RealHost host;
-  const std::vector<std::string> arguments(argv, argv + argc);
-  return kiln::runCheck(host, arguments, kiln::RealHost::isOnTerminal());
+  return kiln::runCheck(host, kiln::readArguments(argc, argv), kiln::RealHost::isOnTerminal());
 }

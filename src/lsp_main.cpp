@@ -27,9 +27,9 @@ void send(kiln::Server& server, kiln::RealHost& host) {
 
 }  // namespace
 
-int main(int, char** argv) {
+int main(int argc, char** argv) {
   kiln::RealHost host(kiln::Reading::RegularFiles);
-  kiln::Server server(host, argv[0]);
+  kiln::Server server(host, kiln::readArguments(argc, argv).at(0));
   kiln::MessageStream stream;
   for (bool isOpen = true; isOpen && !server.isOver();) {
     isOpen = receive(stream);

@@ -18,7 +18,7 @@ constexpr uint32_t defaultRunAddress = 0x3400;
 std::optional<std::string> chooseOutputPath(const Options& options) {
   if (options.output.has_value()) return options.output;
   const std::string stem = pathStem(options.inputs.front());
-  if (stem.empty() || stem == "/") return std::nullopt;
+  if (stem.size() == rootSize(stem)) return std::nullopt;
   return stem + (options.format == Format::Prg ? ".prg" : ".xex");
 }
 

@@ -147,6 +147,8 @@ bool writeThrough(const std::string& path, int flags, std::span<const std::strin
 
 }  // namespace
 
+std::vector<std::string> readArguments(int argc, char** argv) { return {argv, argv + argc}; }
+
 RealHost::RealHost(Reading reading) : reading_(reading) {
   (void)std::signal(SIGPIPE, SIG_IGN);
   (void)std::signal(SIGXFSZ, SIG_IGN);
@@ -168,7 +170,7 @@ std::optional<std::string> RealHost::readFile(const std::string& path) const {
 bool RealHost::wasRead(const std::string& path) const {
   const std::optional<struct stat> status = statusOf(path);
   if (!status.has_value()) return false;
-  const std::pair<dev_t, ino_t> identity(status->st_dev, status->st_ino);
+  const FileIdentity identity(status->st_dev, status->st_ino);
   return std::find(filesRead_.begin(), filesRead_.end(), identity) != filesRead_.end();
 }
 

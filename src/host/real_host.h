@@ -1,8 +1,6 @@
 // The operating system itself.
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -14,6 +12,12 @@ namespace kiln {
 // What may be read. A server reads what a stranger's project names, again and again: only regular files of at most 1
 // GB, so that it never waits for a pipe or fills the memory from a device, and it keeps no list of them for wasRead().
 enum class Reading : uint8_t { All, RegularFiles };
+
+// What tells a file from all others: its device or volume, and its number there.
+using FileIdentity = std::pair<uint64_t, uint64_t>;
+
+// The arguments of main(), the program's own name first, in UTF-8.
+std::vector<std::string> readArguments(int argc, char** argv);
 
 class RealHost final : public Host {
  public:
@@ -31,12 +35,12 @@ class RealHost final : public Host {
   void printError(std::string_view text) override;
   void printOutput(std::string_view text) override;
 
-  // True when standard output is a terminal.
+  // True when standard output is a terminal, which understands colours then.
   static bool isOnTerminal();
 
  private:
   const Reading reading_;
-  mutable std::vector<std::pair<dev_t, ino_t>> filesRead_;
+  mutable std::vector<FileIdentity> filesRead_;
 };
 
 }  // namespace kiln

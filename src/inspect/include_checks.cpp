@@ -25,7 +25,7 @@ std::string_view nameIn(std::string_view line) { return includeName(codeOf(line)
 
 bool isNamed(std::string_view path, std::string_view name) {
   if (!path.ends_with(name)) return false;
-  return path.size() == name.size() || path[path.size() - name.size() - 1] == '/';
+  return path.size() == name.size() || isSeparator(path[path.size() - name.size() - 1]);
 }
 
 class IncludeChecker {

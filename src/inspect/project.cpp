@@ -43,7 +43,7 @@ class ComplaintReader final : public Console {
 };
 
 std::string folderAbove(const std::string& folder) {
-  const bool isRelative = !folder.starts_with('/');
+  const bool isRelative = !isAbsolute(folder);
   if (isRelative && (folder.empty() || lastComponent(folder) == "..")) return joinPaths(folder, "..");
   return directoryPart(folder);
 }
@@ -66,7 +66,7 @@ std::optional<std::string> findProject(const FileReader& files, const std::strin
   for (int level = 0; level < mostLevels; ++level) {
     std::string path = joinPaths(current, projectFileName);
     if (files.exists(path) && !files.isDirectory(path)) return path;
-    if (current == "/") break;
+    if (!current.empty() && current.size() == rootSize(current)) break;
     current = folderAbove(current);
   }
   return std::nullopt;
@@ -95,7 +95,7 @@ std::string addProjectLine(const ProjectLine& line, const std::string& projectPa
 void moveToProject(Options& options, const std::string& projectPath) {
   const std::string folder = directoryPart(projectPath);
   const auto move = [&folder](std::string& path) {
-    if (!folder.empty() && !path.empty() && !path.starts_with('/')) path = joinPaths(folder, path);
+    if (!folder.empty() && !path.empty() && !isAbsolute(path)) path = joinPaths(folder, path);
   };
   for (std::vector<std::string>* paths : {&options.inputs, &options.includePaths}) {
     for (std::string& path : *paths)

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "base/format.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "base/version.h"
 #include "inspect/report.h"
@@ -56,20 +58,10 @@ Json toJson(const Finding& finding) {
           {"fix", finding.fix.empty() ? Json() : toJson(finding.fix)}};
 }
 
-// A path as a URI reference: all bytes but the unreserved ones and "/" as "%XX".
+// A URI reference.
 std::string uriOf(std::string_view path) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  constexpr std::string_view plain = "-._~/";
-  std::string uri = path.starts_with('/') ? "file://" : "";
-  for (char c : path) {
-    if (isIdentifierCharacter(c) || plain.find(c) != std::string_view::npos) {
-      uri.push_back(c);
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      uri.append({'%', digits[byte >> 4], digits[byte & 15]});
-    }
-  }
-  return uri;
+  if (!isAbsolute(path)) return uriPath(path);
+  return concat({isSeparator(path.front()) ? "file://" : "file:///", uriPath(path)});
 }
 
 class SarifWriter {

@@ -109,26 +109,6 @@ std::string resolveInclude(const FileReader& files, const std::string& including
   return files.exists(below) ? below : beside;
 }
 
-// The same text for all spellings of a path, such as "a", "./a" and "b/../a". An include cycle through "." or ".." has
-// a longer path in each round.
-std::string identityOf(std::string_view path) {
-  std::vector<std::string_view> names;
-  Fields fields(path, '/');
-  std::string_view name;
-  while (fields.next(name)) {
-    if (name.empty() || name == ".") continue;
-    if (name == ".." && !names.empty() && names.back() != "..") {
-      names.pop_back();
-    } else if (name != ".." || !path.starts_with('/')) {
-      names.push_back(name);
-    }
-  }
-  std::string identity(path.substr(0, path.starts_with('/') ? 1 : 0));
-  for (std::string_view part : names)
-    identity.append(part).push_back('/');
-  return identity;
-}
-
 // An unfinished file. It must not move, as `lines` points into `text`.
 struct OpenLayout {
   OpenLayout(std::string itsPath, std::string itsText)
@@ -163,13 +143,13 @@ class LayoutLoader {
  private:
   void open(const std::string& path, std::string text) {
     open_.emplace_back(path, std::move(text));
-    openIdentities_.insert(identityOf(path));
+    openIdentities_.insert(plainPath(path));
   }
 
   // Merges a finished file. Opens any other, which is read before the rest of `top`.
   void include(OpenLayout& top, std::string_view name) {
     const std::string path = resolveInclude(files_, top.path, name);
-    if (openIdentities_.contains(identityOf(path))) {
+    if (openIdentities_.contains(plainPath(path))) {
       top.layout.error = concat({top.path, ": #include of '", name, "' never ends"});
     } else if (const auto known = finished_.find(path); known != finished_.end()) {
       mergeLayout(top.layout, known->second);
@@ -187,7 +167,7 @@ class LayoutLoader {
     below.layout.error = top.layout.error;
     mergeLayout(below.layout, top.layout);
     mergeLayout(finished_[top.path], top.layout);
-    openIdentities_.erase(identityOf(top.path));
+    openIdentities_.erase(plainPath(top.path));
     open_.pop_back();
   }
 

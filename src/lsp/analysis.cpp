@@ -5,11 +5,11 @@
 #include <new>
 #include <stdexcept>
 
+#include "base/paths.h"
 #include "base/text.h"
 #include "inspect/checker.h"
 #include "inspect/project.h"
 #include "inspect/recording_host.h"
-#include "lsp/uri.h"
 
 namespace kiln {
 

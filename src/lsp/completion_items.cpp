@@ -227,7 +227,7 @@ void addFiles(const EditorHost& files, const std::string& folder, const std::str
 
 // Where the assembler looks: beside the file, then in the folders of -I.
 void addPaths(const Session& session, const Target& target, const TypedText& typed, Items& items) {
-  if (typed.folder.starts_with('/')) return;
+  if (isAbsolute(typed.folder)) return;
   std::vector<std::string> folders = {directoryPart(target.document.path)};
   const std::vector<std::string>& more = target.analysis.program().options.includePaths;
   folders.insert(folders.end(), more.begin(), more.end());

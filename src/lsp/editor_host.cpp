@@ -1,6 +1,6 @@
 #include "lsp/editor_host.h"
 
-#include "lsp/uri.h"
+#include "base/paths.h"
 
 namespace kiln {
 

@@ -3,12 +3,12 @@
 #include <functional>
 
 #include "base/format.h"
+#include "base/paths.h"
 #include "lsp/code_tokens.h"
 #include "lsp/directive_texts.h"
 #include "lsp/hover_code.h"
 #include "lsp/hover_symbols.h"
 #include "lsp/hover_text.h"
-#include "lsp/uri.h"
 
 namespace kiln {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "lsp/uri.h"
+#include "base/paths.h"
 
 namespace kiln {
 namespace {

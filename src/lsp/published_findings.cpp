@@ -3,6 +3,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/paths.h"
 #include "lsp/uri.h"
 
 namespace kiln {

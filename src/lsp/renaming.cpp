@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "base/format.h"
+#include "base/paths.h"
 #include "inspect/name_definitions.h"
 #include "lsp/same_program.h"
-#include "lsp/uri.h"
 
 namespace kiln {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/paths.h"
 #include "lsp/uri.h"
 
 namespace kiln {

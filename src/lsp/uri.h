@@ -11,7 +11,4 @@ namespace kiln {
 std::optional<std::string> pathOfUri(std::string_view uri);
 std::string uriOfPath(std::string_view path);
 
-// The path without "." and "..": "/a/c" for "/a/./b/../c". Links are not followed.
-std::string plainPath(std::string_view path);
-
 }  // namespace kiln

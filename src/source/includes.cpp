@@ -3,15 +3,16 @@
 #include <utility>
 
 #include "base/format.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "base/utf8.h"
 
 namespace kiln {
 namespace {
 
-// The path before its last "/", not normalised, so that every candidate is the path that the source gives.
+// The path before its last separator, not normalised, so that every candidate is the path that the source gives.
 std::string_view directoryAsWritten(std::string_view path) {
-  const size_t slash = path.rfind('/');
+  const size_t slash = path.find_last_of(pathSeparators);
   if (slash == std::string_view::npos) return {};
   return path.substr(0, slash == 0 ? 1 : slash);
 }

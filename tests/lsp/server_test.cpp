@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "base/paths.h"
 #include "lsp/message_stream.h"
 #include "lsp/text_index.h"
 #include "lsp/uri.h"
