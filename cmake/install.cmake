@@ -5,7 +5,7 @@ install(TARGETS kiln-as RUNTIME)
 install(FILES man/kiln-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # The folders stand to each other as they do here, so that links between the documents hold.
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING REGEX "\\.(md|png|svg|asm|inc|lnk|sym|sh)$")
 
@@ -33,6 +33,9 @@ endif()
 # Neovim looks below the second folder, Vim below the first one.
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/nvim/site)
+# To be copied and extended; kiln-as does not look here by itself.
+install(FILES share/kiln-as/atari.sym share/kiln-as/commodore.sym DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as)
+
 install(DIRECTORY editors/textmate DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
 
 set(CPACK_GENERATOR DEB)

@@ -127,6 +127,20 @@ TEST(Documents, ShowWhatIsAssembled) {
   }
 }
 
+// The pages keep their places when they are installed; only these are.
+TEST(Documents, LinkToInstalledFiles) {
+  const std::regex installed("(README|CHANGELOG|CONTRIBUTING)\\.md|(docs|examples)(/.*)?");
+  std::vector<std::filesystem::path> pages = {"README.md", "CHANGELOG.md", "CONTRIBUTING.md"};
+  for (const auto& entry : std::filesystem::directory_iterator(root / "docs"))
+    if (entry.path().extension() == ".md") pages.push_back("docs" / entry.path().filename());
+  for (const std::filesystem::path& page : pages) {
+    for (const std::string& link : findAll(read(root / page), "\\]\\(([^)#:]+)[)#]")) {
+      const std::string target = (page.parent_path() / link).lexically_normal();
+      EXPECT_TRUE(std::regex_match(target, installed) && std::filesystem::exists(root / target)) << page << link;
+    }
+  }
+}
+
 // Compares with the list between the markers of this name in docs/language.md.
 void expectGenerated(const std::string& name, const std::string& list) {
   const std::string text = replaced(list, " +(?=\n)");
