@@ -5,6 +5,7 @@
 #include "base/arithmetic.h"
 #include "base/diagnostics.h"
 #include "base/format.h"
+#include "base/text.h"
 #include "inspect/leaf_checks.h"
 #include "inspect/wording.h"
 
@@ -73,6 +74,12 @@ void reportNoIndirect(const Statement& statement, Findings& findings) {
       concat({"parentheses make ", inQuotes(statement.argument), " indirect, and ", mnemonic, " has no such mode"});
   report.notes.emplace_back(statement.argument, withoutIndirect(statement));
   findings.addError(std::move(report), Check::AccidentalIndirect);
+}
+
+// How a zero-page address is written for two bytes: a sum keeps its names, for they may move.
+std::string shortForm(std::string_view expression, const std::string& number) {
+  const bool beginsWithName = isIdentifierStart(expression.front()) || expression.front() == '.';
+  return beginsWithName ? concat({"$0+", expression}) : number;
 }
 
 }  // namespace
@@ -147,7 +154,8 @@ void checkSize(const CheckedOperand& operand, Findings& findings) {
   Findings::Report report{.at = at};
   report.text = concat({inQuotes(at), " is ", number, " in the zero page, but takes three bytes"});
   const std::string_view definition = line.nameHash != 0 ? ", or define the name with -D or in a symbol file," : "";
-  report.notes.emplace_back(at, concat({"write ", inQuotes(number), definition, " for two bytes"}));
+  report.notes.emplace_back(
+      at, concat({"write ", inQuotes(shortForm(operand.expression, number)), definition, " for two bytes"}));
   findings.add(Check::ThreeBytes, std::move(report));
 }
 
