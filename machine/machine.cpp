@@ -12,7 +12,8 @@ namespace {
 
 constexpr uint16_t runVector = 0x02E0;
 constexpr uint16_t initVector = 0x02E2;
-constexpr uint16_t portB = 0xD301;
+constexpr uint16_t portBData = 0xD301;
+constexpr uint16_t portBControl = 0xD303;
 constexpr uint8_t romByte = 0x60;
 constexpr int mostSteps = 1'000'000;
 constexpr std::string_view marker = "\xFF\xFF";
@@ -191,8 +192,13 @@ void Processor::execute(Mnemonic operation) {
 
 }  // namespace
 
+uint8_t Machine::portB() const { return byte(held(portBData) | ~portBDirections_); }
+
+bool Machine::seesDirections(uint16_t address) const { return address == portBData && (held(portBControl) & 4) == 0; }
+
 bool Machine::showsRom(uint16_t address) const {
-  return osRom && (held(portB) & 1) != 0 && address >= 0xC000 && (address < 0xD000 || address >= 0xD800);
+  if (address >= 0xA000 && address < 0xC000) return basicRom && (portB() & 2) == 0;
+  return osRom && (portB() & 1) != 0 && address >= 0xC000 && (address < 0xD000 || address >= 0xD800);
 }
 
 uint32_t Machine::placeOf(uint16_t address) const {
@@ -202,6 +208,7 @@ uint32_t Machine::placeOf(uint16_t address) const {
     bank = held(window.registerLow);
     if (window.registerHigh != 0) bank += held(window.registerHigh) * 256u;
   }
+  if (xeBanks && address >= 0x4000 && address < 0x8000 && (portB() & 0x10) == 0) bank = 1u + (portB() >> 2 & 3);
   return bank << 16 | address;
 }
 
@@ -210,12 +217,18 @@ uint8_t Machine::held(uint32_t place) const {
   return found == memory_.end() ? uint8_t{0} : found->second;
 }
 
-uint8_t Machine::peek(int address) const { return showsRom(word(address)) ? romByte : held(placeOf(word(address))); }
+uint8_t Machine::peek(int address) const {
+  if (word(address) == portBData) return seesDirections(portBData) ? portBDirections_ : portB();
+  return showsRom(word(address)) ? romByte : held(placeOf(word(address)));
+}
 
 uint16_t Machine::peekWord(int address) const { return word(peek(address) | peek(address + 1) << 8); }
 
 void Machine::poke(int address, int value) {
-  if (!showsRom(word(address))) memory_[placeOf(word(address))] = byte(value);
+  if (seesDirections(word(address)))
+    portBDirections_ = byte(value);
+  else if (!showsRom(word(address)))
+    memory_[placeOf(word(address))] = byte(value);
 }
 
 std::string Machine::memory(int from, size_t count) const {

@@ -1,7 +1,7 @@
 // A small machine that runs the program files kiln-as writes: a 6502 with the pell extensions, 64 KB of memory, bank
-// windows and an operating system ROM that can be switched off. Two things are simpler than in the real one: ADC and
-// SBC always count in binary (SED and CLD move the flag, and nothing else), and cycles are the documented base
-// numbers without page crossings. A machine can be copied, to try several continuations of one state.
+// windows, an operating system ROM that can be switched off, and PORTB of a 130XE. Two things are simpler than in the
+// real one: ADC and SBC always count in binary (SED and CLD move the flag, and nothing else), and cycles are the
+// documented base numbers without page crossings. A machine can be copied, to try several continuations of one state.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +40,9 @@ class Machine {
 
   // What the machine consists of; set before loading. Windows do not overlap.
   std::vector<BankWindow> windows;
-  bool osRom = false;  // $C000-$CFFF and $D800-$FFFF are ROM, full of RTS, while bit 0 of $D301 is set
+  bool osRom = false;     // $C000-$CFFF and $D800-$FFFF are ROM, full of RTS, while bit 0 of PORTB is 1
+  bool basicRom = false;  // the same for $A000-$BFFF while bit 1 is 0
+  bool xeBanks = false;   // while bit 4 is 0, $4000-$7FFF show the extended bank in bits 2 and 3; not with windows
   // Called before every store of an instruction or of nmi(), lost ones included; not for poke and the loader.
   std::function<void(uint16_t address, uint8_t value)> onWrite;
 
@@ -54,6 +56,8 @@ class Machine {
 
   // Memory as the processor sees it. What is poked into ROM is lost.
   uint8_t peek(int address) const;
+  // The levels at port B. Pins that are inputs are 1, because nothing pulls them down.
+  uint8_t portB() const;
   uint16_t peekWord(int address) const;
   void poke(int address, int value);
   std::string memory(int from, size_t count) const;
@@ -80,14 +84,17 @@ class Machine {
  private:
   static constexpr uint16_t returnMark = 0xFFFF;  // half of the interrupt vector, so never the place of an instruction
 
+  bool seesDirections(uint16_t address) const;
   bool showsRom(uint16_t address) const;
   uint32_t placeOf(uint16_t address) const;
   uint8_t held(uint32_t place) const;
   bool loadSegment(uint16_t first, std::string_view bytes);
   bool fail(std::string text);
 
-  // By bank, 0 in main memory, times 65,536 plus address; what is not there is 0.
-  std::unordered_map<uint32_t, uint8_t> memory_ = {{0xD301, 0xFF}};
+  // By bank, 0 in main memory, times 65,536 plus address; what is not there is 0. $D301 holds the outputs of port B,
+  // and its directions, 1 for an output, are seen there instead while bit 2 of $D303 is 0.
+  std::unordered_map<uint32_t, uint8_t> memory_ = {{0xD301, 0xFF}, {0xD303, 0x3C}};
+  uint8_t portBDirections_ = 0xFF;
 };
 
 }  // namespace kiln

@@ -26,4 +26,33 @@ TEST(Machine, RefusesFilesThatDoNotLoadOrReturn) {
   }
 }
 
+// A bank is seen only at outputs that are 0; the directions are written to the same address.
+TEST(Machine, SelectsBanksWithTheOutputsOfPortB) {
+  Machine m;
+  m.osRom = m.basicRom = m.xeBanks = true;
+  m.poke(0x4000, 99);  // main memory
+  for (const int bank : {0, 1, 2, 3}) {
+    m.poke(0xD301, 0xE3 | bank << 2);
+    m.poke(0x4000, bank);
+  }
+  const auto select = [&m](int directions, int outputs) {
+    m.poke(0xD303, 0x38);
+    m.poke(0xD301, directions);
+    EXPECT_EQ(m.peek(0xD301), directions);
+    m.poke(0xD303, 0x3C);
+    m.poke(0xD301, outputs);
+    return m.peek(0x4000);
+  };
+  EXPECT_EQ(select(0xFF, 0xEB), 2);
+  EXPECT_EQ(select(0xFF, 0xFB), 99);
+  EXPECT_EQ(select(0x00, 0xEB), 99);  // no outputs
+  EXPECT_EQ(select(0x1C, 0x0C), 3);
+  EXPECT_EQ(m.peek(0xD301), 0xEF);
+  EXPECT_EQ(m.peek(0xC000), 0x60);  // both ROMs as their inputs say: one on, one off
+  EXPECT_EQ(m.peek(0xA000), 0x00);
+  EXPECT_EQ(select(0xFF, 0x0C), 3);  // with these outputs the other way round
+  EXPECT_EQ(m.peek(0xC000), 0x00);
+  EXPECT_EQ(m.peek(0xA000), 0x60);
+}
+
 }  // namespace kiln::test
