@@ -7,6 +7,8 @@
 // the summary may be left out. A program without ```messages assembles in silence. ```file NAME is a file for all later
 // programs of the document.
 //
+// ```memory is what a program leaves: recipes_test.cpp runs those.
+//
 // ```kiln-check is a program that is checked as main.asm, with options after the word, and ```findings what is printed
 // on standard output; without it, nothing is. ```written NAME is a whole file that it writes.
 //
@@ -101,7 +103,8 @@ struct Examples {
     if (word == "messages") expectMessages(text);
     if (word == "listing" && listing.find(text) == std::string::npos) ADD_FAILURE() << listing;
     EXPECT_EQ(hex(file), hex(word == "bytes" ? flatFile(data) : word == "image" ? bytes(data) : file));
-    const std::regex known("file|kiln-as|kiln-check|findings|written|messages|listing|bytes|image|text|sh|make|json");
+    const std::regex known(
+        "file|kiln-as|kiln-check|findings|written|messages|listing|memory|bytes|image|text|sh|make|json");
     EXPECT_TRUE(files.empty() || std::regex_match(word, known)) << word;
   }
 };
