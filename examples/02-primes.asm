@@ -1,9 +1,9 @@
-; Prime numbers: a sieve, a table of powers and a number printer
+; Prime numbers: a sieve, a table of powers and a number printer in four colours
 ;
 ; Shows:    subroutines with local labels, tables, several segments, names for memory and for numbers
 ; Assemble: kiln-as -o 02-primes.xex 02-primes.asm
-; Expect:   on an Atari, the 54 prime numbers below 256 on the text screen, ten in a row.
-;           The first subroutine, main, leaves their count in $4100 and the numbers from $4101 on.
+; Expect:   on an Atari, the 54 prime numbers below 256 in large letters, five in a row. The last digit of a number
+;           decides its colour. The count is left in $4100 and the numbers from $4101 on.
 
 ; Memory that the program uses but does not load needs no bytes in the file: a name is enough. (A name defined in the
 ; program always gives the three-byte form of an instruction; the two-byte form for the zero page needs a number or a
@@ -14,6 +14,7 @@ primes  = $4101
 number  = $CB                   ; in the part of the zero page that the system leaves to programs
 zero    = $CC
 column  = $CD
+ink     = $CE
 
         .org $3000
 
@@ -23,7 +24,8 @@ forever:
 
 main:   JSR sieve
         JSR collect
-        JMP print               ; a JSR and an RTS in one
+        JSR print
+        JMP show                ; a JSR and an RTS in one
 
 ; Crosses out all multiples of 2, 3, 5, ... up to 15. The multiples of a prime below its square are also multiples of a
 ; smaller prime, so each prime begins at its square.
@@ -76,6 +78,23 @@ print:  LDA #0
         BNE .loop
         RTS
 
+; Shows the text screen's memory in rows of 20 large letters. The system says where it is.
+show:   LDA SAVMSC
+        STA rows+1
+        LDA SAVMSC+1
+        STA rows+2
+        LDX #4
+.colour:
+        LDA colours,X
+        STA COLOR0,X
+        DEX
+        BPL .colour
+        LDA #<displayList
+        STA SDLSTL
+        LDA #>displayList
+        STA SDLSTH
+        RTS
+
 ; Prints A, which is 1 to 255, after spaces; keeps X. A digit is how many times a power of ten can be subtracted.
 printNumber:
         STA number
@@ -95,17 +114,28 @@ printNumber:
         BNE .subtract
 .done:  CPY #digit0
         BEQ .isZero
-        TYA
-        JSR printCode
         LDA #digit0
         STA zero
-        BNE .more
+        TYA
+        BNE .print
 .isZero:
         LDA zero
-        JSR printCode
-.more:  INX
+.print: JSR printCode
+        INX
         CPX #3
         BNE .digit
+        AND #15                 ; the last digit, whose code is 16 more
+        TAX
+        LDA inks,X
+        STA ink
+        LDX #3
+        LDY column
+.paint: DEY                     ; back over the three digits
+        LDA (SAVMSC),Y
+        ORA ink
+        STA (SAVMSC),Y
+        DEX
+        BNE .paint
         PLA : TAX
         RTS
 
@@ -126,6 +156,21 @@ powers: .byte 100,10,1
 
 squares:
         .byte 0*0,1*1,2*2,3*3,4*4,5*5,6*6,7*7,8*8,9*9,10*10,11*11,12*12,13*13,14*14,15*15
+
+; Which of four colours a number has, by its last digit: the highest two bits of large letters select it.
+inks:   .byte 0,0,$40,$40,0,$80,0,$80,0,$C0
+
+; Lemon for 1, coral for 3 (and 2), sky for 7 (and 5), mint for 9; dark blue behind them.
+colours:
+        .byte $1C,$3A,$9C,$BA,$90
+
+; 11 rows of 20 large letters (7). The address after the first is that of the screen, stored by the program.
+displayList:
+        .byte $70,$70,$70,$70
+rows:   .byte $47,0,0
+        .byte 7,7,7,7,7,7,7,7,7,7
+        .byte $41
+        .word displayList
 
 ; Numbers can have names too, and a name may be used before its definition. The screen has its own character codes.
 space   = 0

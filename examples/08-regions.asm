@@ -2,8 +2,8 @@
 ;
 ; Shows:    .code_regions, .spill_point, long branches, a macro that is used many times
 ; Assemble: kiln-as -l 08-regions.lst -o 08-regions.xex 08-regions.asm
-; Expect:   nothing to see, it returns at once. $4000 and $4001 hold 200*123, $4002 and $4003 hold 0*77 and
-;           $4004 and $4005 hold 30*30+40*40. The listing shows where everything went.
+; Expect:   on an Atari, 200*123=24600, 0*77=0 and 30*30+40*40=2500 in large letters. $4000 to $4005 hold the three
+;           results, two bytes each. The listing shows where everything went.
 
 ; Where the code may be. It fills the first region, continues in the second after a JMP that the assembler inserts, and
 ; so on. Put the label of data between such code in the line of the data, or the label stays behind.
@@ -16,23 +16,33 @@ low     = $CD
 high    = $CE
 sum     = $CF                   ; two bytes
 side    = $D1
+column  = $D2
+digits  = $D3                   ; not 0 after the first digit of a number
 
-start:  LDA #200
+start:  JSR setUp
+        LDA #200
         LDX #123
         JSR multiply
         STA $4000
         STX $4001
+        LDY #0
+        JSR print
         LDA #0
         LDX #77
         JSR multiply
         STA $4002
         STX $4003
+        LDY #20
+        JSR print
         LDA #30
         LDX #40
         JSR addSquares
         STA $4004
         STX $4005
-        RTS
+        LDY #40
+        JSR print
+forever:
+        JMP forever
 
 ; One binary digit of a product: doubles the sum and adds the other factor if the digit is 1. The label is a parameter,
 ; because otherwise it would be the same each time; and it is indented, because the macro ends at the first line that is
@@ -95,3 +105,78 @@ addSquares:
         TAX
         TYA
         RTS
+
+        .spill_point
+
+; Prints the line of text at Y, which ends with an equals sign, and the number in A (low) and X (high).
+print:  STA low
+        STX high
+        STY column
+.copy:  LDY column
+        LDA texts,Y
+        STA (SAVMSC),Y
+        INC column
+        CMP #equals
+        BNE .copy
+        LDX #0
+        STX digits
+.power: LDY #0
+.again: LDA low                 ; how many times can a power of ten be subtracted?
+        CMP powersLow,X
+        LDA high
+        SBC powersHigh,X
+        BCC .done
+        STA high
+        LDA low
+        SBC powersLow,X
+        STA low
+        INY
+        BNE .again
+.done:  TYA
+        ORA digits
+        BNE .digit
+        CPX #4
+        BNE .next               ; a zero at the front
+.digit: INC digits
+        TYA
+        ORA #$50                ; digits are 16 to 25; the second colour
+        LDY column
+        STA (SAVMSC),Y
+        INC column
+.next:  INX
+        CPX #5
+        BNE .power
+        RTS
+
+; Three rows of large letters, on black. Outside of all regions code and data go where .org says.
+        .org $3600
+
+setUp:  LDA SAVMSC
+        STA rows+1
+        LDA SAVMSC+1
+        STA rows+2
+        LDA #$9C                ; pale blue, and yellow for the results
+        STA COLOR0
+        LDA #$1C
+        STA COLOR1
+        LDA #<displayList
+        STA SDLSTL
+        LDA #>displayList
+        STA SDLSTH
+        RTS
+
+displayList:
+        .byte $70,$70,$70,$70,$70,$70,$70,$70
+rows:   .byte $47,0,0,$70,7,$70,7,$41
+        .word displayList
+
+powersLow:
+        .byte <10000,<1000,100,10,1
+powersHigh:
+        .byte >10000,>1000,0,0,0
+
+; 200*123=, 0*77= and 30*30+40*40= in the screen's codes.
+equals  = 29
+texts:  .byte 18,16,16,10,17,18,19,equals,0,0,0,0,0,0,0,0,0,0,0,0
+        .byte 16,10,23,23,equals,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0
+        .byte 19,16,10,19,16,11,20,16,10,20,16,equals

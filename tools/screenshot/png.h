@@ -1,8 +1,9 @@
-// Writes a picture of palette colours as a PNG file.
+// Pictures of palette colours in PNG files, by libpng.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,12 +12,13 @@ namespace kiln::screenshot {
 struct Picture {
   size_t width = 0;
   size_t height = 0;
-  std::vector<uint8_t> points;  // row by row, each a number of the palette
+  std::vector<uint32_t> points;  // row by row, each $RRGGBB
+  bool operator==(const Picture&) const = default;
 };
 
-using Palette = std::vector<uint32_t>;  // 256 colours, $RRGGBB
-
-// The whole file.
-std::string makePng(const Picture& picture, const Palette& palette);
+// False when the file cannot be written. At most 256 colours.
+bool writePng(const std::string& path, const Picture& picture);
+// Nothing when the file is no picture.
+std::optional<Picture> readPng(const std::string& path);
 
 }  // namespace kiln::screenshot

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace kiln::screenshot {
+namespace kiln {
 
 inline constexpr size_t glyphsInBand = 16;
 inline constexpr size_t glyphHeight = 8;
@@ -60,4 +60,4 @@ constexpr bool glyphPoint(size_t code, size_t column, size_t row) {
   return line[code % glyphsInBand * (glyphWidth + 1) + column - 1] == '#';
 }
 
-}  // namespace kiln::screenshot
+}  // namespace kiln
