@@ -29,6 +29,13 @@ constexpr uint8_t loadsAddress = 0x40, interrupts = 0x80, scrolls = 0x10;
 constexpr uint8_t readsList = 0x20;   // in dmaControl; the lower two bits are the width
 constexpr uint8_t systemFont = 0xE0;  // its page
 
+// The chip counts in blocks of this size: after the last address of one comes its first.
+constexpr int listBlock = 0x0400, dataBlock = 0x1000;
+
+uint16_t next(uint16_t address, int block) {
+  return static_cast<uint16_t>((address & ~(block - 1)) | ((address + 1) & (block - 1)));
+}
+
 bool isFine(int mode) { return mode == 2 || mode == 3 || mode == 15; }
 
 Point pointOf(int mode, uint8_t code, int bits) {
@@ -40,11 +47,15 @@ Point pointOf(int mode, uint8_t code, int bits) {
 
 }  // namespace
 
-uint8_t DisplayList::fetch() { return machine_.peek(list_++); }
+uint8_t DisplayList::fetch() {
+  const uint16_t place = list_;
+  list_ = next(list_, listBlock);
+  return machine_.peek(place);
+}
 
 uint16_t DisplayList::fetchWord() {
-  list_ = static_cast<uint16_t>(list_ + 2);
-  return machine_.peekWord(list_ - 2);
+  const uint8_t low = fetch();
+  return static_cast<uint16_t>(low | fetch() << 8);
 }
 
 void DisplayList::restart() {
@@ -85,8 +96,10 @@ void DisplayList::readRow() {
   if (width == 0) return;
   const int readWidth = std::min(3, width + ((instruction_ & scrolls) != 0));
   rowBytes_ = mode.bytes * (usualWidth + widthStep * (readWidth - 2)) / usualWidth;
-  for (int i = 0; i < rowBytes_; ++i)
-    row_[static_cast<size_t>(i)] = machine_.peek(data_++);
+  for (int i = 0; i < rowBytes_; ++i) {
+    row_[static_cast<size_t>(i)] = machine_.peek(data_);
+    data_ = next(data_, dataBlock);
+  }
   stolenCycles += rowBytes_;
 }
 

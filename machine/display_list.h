@@ -1,5 +1,6 @@
-// The display list of an Atari: which bytes each scan line of the playfield shows, and as what. All modes are known
-// but for vertical scrolling; mode 3 has no special letters.
+// The display list of an Atari: which bytes each scan line of the playfield shows, and as what. All modes are known,
+// but there is no vertical scrolling, and mode 3 has no special letters. As on the chip, a list cannot continue across
+// a multiple of 1 KB, nor a picture's bytes across one of 4 KB.
 #pragma once
 
 #include <array>
