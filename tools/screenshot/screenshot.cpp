@@ -2,6 +2,7 @@
 //   screenshot PROGRAM.xex PICTURE.png [DOES:FRAMES...]           writes the picture
 //   screenshot --check PROGRAM.xex PICTURE.png [DOES:FRAMES...]   fails when the file shows another one
 // DOES says what the player does for so many frames: wait, fire, up, down, left or right. Without any it is wait:60.
+// A program whose name ends in .prg is one for a Commodore 64, and runs to its end.
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -9,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "commodore.h"
 #include "machine/atari.h"
 #include "machine/palette.h"
 #include "png.h"
@@ -57,16 +59,23 @@ Picture pictureOf(const Screen& screen) {
   return picture;
 }
 
+// An empty picture, with `error` set, when the program stops.
+Picture drawAtari(std::string_view file, const std::vector<std::string>& steps, std::string& error) {
+  Atari atari;
+  if (!atari.load(file)) return error = atari.machine.error, Picture{};
+  for (const std::string& step : steps) {
+    if (!play(atari, step, error)) return {};
+  }
+  return pictureOf(atari.screen);
+}
+
 int run(bool isCheck, const std::string& program, const std::string& path, const std::vector<std::string>& steps) {
   std::ostringstream file;
   std::string error;
   if (!(file << std::ifstream(program, std::ios::binary).rdbuf())) return fail("cannot read '" + program + "'");
-  Atari atari;
-  if (!atari.load(file.str())) return fail(program + ": " + atari.machine.error);
-  for (const std::string& step : steps) {
-    if (!play(atari, step, error)) return fail(program + ": " + error);
-  }
-  const Picture picture = pictureOf(atari.screen);
+  const Picture picture =
+      program.ends_with(".prg") ? drawCommodore(file.str(), error) : drawAtari(file.str(), steps, error);
+  if (!error.empty()) return fail(program + ": " + error);
   if (isCheck)
     return readPng(path) == picture ? 0 : fail(path + " is not what the program shows; tools/screenshot/run");
   return writePng(path, picture) ? 0 : fail("cannot write '" + path + "'");
