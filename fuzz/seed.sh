@@ -14,11 +14,12 @@ packFile() {
   sed 's/^;.*//' "$1" | cat -s
 }
 
-# packExample SOURCE: its command line, and the files and folders named in it.
+# packExample SOURCE: its command line, and the files and folders named there or included.
 packExample() {
   local words word file
   read -ra words < <(sed -n 's/^; Assemble: kiln-as //p' "$1")
   printf '%s\n' "${words[@]}"
+  mapfile -t -O "${#words[@]}" words < <(sed -n 's/^ *\.include "\(.*\)"/\1/p' "$1")
   for word in "${words[@]}"; do
     for file in "$word" "$word"/*; do
       if [[ -f $file ]]; then packFile "$file"; fi

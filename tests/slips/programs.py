@@ -25,6 +25,7 @@ def examples():
         names = [name for name in options if Path("examples", name).exists()]
         paths = [Path("examples", name) for name in names]
         paths += [file for folder in paths if folder.is_dir() for file in folder.iterdir()]
+        paths += [Path("examples", name) for name in re.findall(r'^ +\.include "(.+)"', text, re.M)]
         files = {str(file.relative_to("examples")): file.read_text() for file in paths if file.is_file()}
         yield Program(path.name, options, [path.name], {**files, path.name: text})
 
