@@ -190,6 +190,8 @@ TEST_F(Examples, Music) {
   EXPECT_LT(control(2), 0xAC);  // it fades
   run(3 * 11);
   EXPECT_EQ((Numbers{sound(1), sound(2), sound(3)}), (Numbers{143, 47, 113}));
+  runUntil(13 * 11, [&] { return m.peek(0xCC) == 17; });  // the step after the sixteenth
+  EXPECT_EQ((Numbers{sound(1), sound(2), sound(3)}), (Numbers{161, 63, 127}));
 }
 
 // The game, and somebody who plays it.
