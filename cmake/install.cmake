@@ -5,9 +5,9 @@ install(TARGETS kiln-as RUNTIME)
 install(FILES man/kiln-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # The folders stand to each other as they do here, so that links between the documents hold.
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
-  FILES_MATCHING REGEX "\\.(md|png|svg|asm|inc|lnk|sym|sh)$")
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents
+  FILES_MATCHING REGEX "\\.(md|html|png|svg|asm|inc|lnk|sym|sh)$")
 
 # Below /usr/local and elsewhere zsh looks into the first folder, Debian's looks into the second one below /usr.
 function(installCompletions program)
