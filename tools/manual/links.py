@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # Checks links: that each file that a page links to is there, and has the anchor. Links into the web are not followed.
-#   tools/manual/links.py           all pages in Markdown
+#   tools/manual/links.py           all pages of the manual
 #   tools/manual/links.py FOLDER    all pages in this folder, in Markdown and in HTML; no link may lead out of it
 # Prints the links that lead nowhere, and the names of examples and pages that are no links, and fails when there are any.
 import re
@@ -90,7 +90,7 @@ def main():
     folder = Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT
     checker = Checker(folder)
     inside = [path for suffix in ("md", "html") for path in sorted(checker.folder.rglob("*." + suffix))]
-    paths = inside if len(sys.argv) > 1 else [ROOT / page for page in all_pages()]
+    paths = inside if len(sys.argv) > 1 else [ROOT / page for page in all_pages()] + sorted(ROOT.glob("docs/*.html"))
     faults = [fault for path in paths for fault in checker.faults(path)]
     print(f"links: {len(paths)} pages, {sum(len(checker.page(path).links) for path in paths)} links", *faults, sep="\n")
     sys.exit(1 if faults or not paths else 0)
