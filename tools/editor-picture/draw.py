@@ -72,18 +72,26 @@ class Look:
 
 
 def draw_run(column, row, text, look):
-    """A piece of a line in one look: its ground, then its text, stretched to the columns that it takes."""
+    """A piece of a line in one look: its ground, then its text."""
     x, y, width = MARGIN + column * CELL_WIDTH, MARGIN + row * CELL_HEIGHT, len(text) * CELL_WIDTH
     foreground, background = look.colours()
     if background != BACKGROUND:
         yield f'<rect x="{x:.1f}" y="{y}" width="{width:.1f}" height="{CELL_HEIGHT}" fill="{background}"/>'
-    if text.strip() or look.underline:
+    if text.strip():
         style = ' font-weight="bold"' * look.bold + ' font-style="italic"' * look.italic
         style += ' text-decoration="underline"' * look.underline
-        yield (
-            f'<text x="{x:.1f}" y="{y + BASELINE}" textLength="{width:.1f}" lengthAdjust="spacingAndGlyphs"'
-            f' fill="{foreground}"{style}>{html.escape(text)}</text>'
-        )
+        yield draw_text(column, y + BASELINE, text, f'fill="{foreground}"{style}')
+
+
+def draw_text(column, y, text, style):
+    """The text, stretched to the columns that it takes. Browsers leave out blanks at its ends and those in a row."""
+    begin = len(text) - len(text.lstrip())
+    shown = text.strip().replace(" ", "\u00a0")
+    x, width = MARGIN + (column + begin) * CELL_WIDTH, len(shown) * CELL_WIDTH
+    return (
+        f'<text x="{x:.1f}" y="{y}" textLength="{width:.1f}" lengthAdjust="spacingAndGlyphs" {style}>'
+        f"{html.escape(shown)}</text>"
+    )
 
 
 def draw_line(line, row, look):
@@ -101,7 +109,7 @@ def draw(lines):
     height = 2 * MARGIN + len(lines) * CELL_HEIGHT
     yield (
         f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width:g} {height}" width="{width:g}"'
-        f' height="{height}" font-family="DejaVu Sans Mono, Menlo, Consolas, monospace" font-size="14" xml:space="preserve">'
+        f' height="{height}" font-family="DejaVu Sans Mono, Menlo, Consolas, monospace" font-size="14">'
     )
     yield f'<rect width="{width:g}" height="{height}" rx="8" fill="{BACKGROUND}"/>'
     look = Look()
