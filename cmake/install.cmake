@@ -9,6 +9,9 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents
   FILES_MATCHING REGEX "\\.(md|html|png|svg|asm|inc|lnk|sym|sh)$")
 
+# When ./dev manual has made it.
+install(DIRECTORY ${CMAKE_BINARY_DIR}/manual/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/html COMPONENT documents OPTIONAL)
+
 # Below /usr/local and elsewhere zsh looks into the first folder, Debian's looks into the second one below /usr.
 function(installCompletions program)
   install(FILES completions/${program}.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions

@@ -2,7 +2,7 @@
 # Checks links: that each file that a page links to is there, and has the anchor. Links into the web are not followed.
 #   tools/manual/links.py           all pages of the manual
 #   tools/manual/links.py FOLDER    all pages in this folder, in Markdown and in HTML; no link may lead out of it
-# Prints the links that lead nowhere, and the names of examples and pages that are no links, and fails when there are any.
+# Prints the links that lead nowhere and the names of examples and pages that are no links. Fails when there are any.
 import re
 import sys
 from html.parser import HTMLParser

@@ -64,7 +64,8 @@ def names(tables):
 # it shares a column with the other one.
 def groups(tables):
     for instruction in sorted(tables["instructions"], key=lambda instruction: instruction["name"]):
-        modes = {tables["modes"][opcode["mode"]]["name"]: opcode for opcode in instruction["opcodes"] if "cycles" in opcode}
+        known = [opcode for opcode in instruction["opcodes"] if "cycles" in opcode]
+        modes = {tables["modes"][opcode["mode"]]["name"]: opcode for opcode in known}
         indirect = modes.pop("indirect", None)
         if modes:
             yield instruction, modes
