@@ -19,6 +19,12 @@ elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   add_compile_definitions(_FILE_OFFSET_BITS=64)
 endif()
 
+# A name that is unique over all libraries of a process could not be hidden in libkiln.
+check_cxx_compiler_flag(-fno-gnu-unique hasNoGnuUnique)
+if(hasNoGnuUnique)
+  add_compile_options(-fno-gnu-unique)
+endif()
+
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   # One optimisation over all files: the passes call small functions of other files once per line.
   check_ipo_supported(RESULT hasIpo OUTPUT ignored LANGUAGES CXX)

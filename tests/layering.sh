@@ -17,6 +17,7 @@ declare -A mayInclude=(
   [driver]='base/|host/|isa/|layout/|source/|output/|passes/|driver/'
   [inspect]='base/|host/|isa/|layout/|source/|output/|passes/|driver/|inspect/'
   [lsp]='base/|host/|isa/|layout/|source/|output/|passes/|driver/|inspect/|lsp/'
+  [library]='base/|host/|isa/|layout/|source/|output/|passes/|driver/|inspect/|library/'
   [main.cpp]='.*/'
   [check_main.cpp]='.*/'
   [lsp_main.cpp]='.*/'
@@ -44,7 +45,7 @@ judge() {
     header=${BASH_REMATCH[1]}
     if [[ -f $header ]]; then
       echo "<$header> is a header of this project: write \"$header\""
-    elif [[ $header == *.h && $header != emmintrin.h && $folder != host ]]; then
+    elif [[ $header == *.h && ! $header =~ ^(emmintrin|stddef|stdint)\.h$ && $folder != host ]]; then
       echo "<$header> is a header of the operating system: only host may include it"
     fi
   else

@@ -8,6 +8,7 @@
 
 #include "base/format.h"
 #include "base/text.h"
+#include "inspect/writer_messages.h"
 #include "source/line_text.h"
 
 namespace kiln {
@@ -86,6 +87,17 @@ size_t takeLineNumber(std::string_view& text, std::string_view prefix) {
   if (!rest.starts_with(": ")) return 0;
   text = rest.substr(2);
   return number;
+}
+
+std::vector<Finding> listMessages(const Program& program) {
+  CheckLevels levels;
+  Findings findings(*program.map, levels);
+  reportMessages(program, findings);
+  for (const WriterMessage& message : program.writerMessages) {
+    Findings::Report report{.text = std::string(wordsOf(message.text))};
+    message.isError ? findings.addError(std::move(report)) : findings.add(Check::Assembler, std::move(report));
+  }
+  return findings.take();
 }
 
 void reportMessages(const Program& program, Findings& findings) {

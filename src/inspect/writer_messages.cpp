@@ -10,14 +10,6 @@ namespace {
 // The check of the registers explains this error.
 constexpr std::string_view registerError = "banked output requires a code bank register";
 
-// The words of a message, without the program's name and the line end.
-std::string_view wordsOf(std::string_view message) {
-  for (std::string_view prefix : {"kiln-as: ", "warning: ", "error: "}) {
-    if (message.starts_with(prefix)) message.remove_prefix(prefix.size());
-  }
-  return message.substr(0, message.find('\n'));
-}
-
 bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
 // The statement that a message is about; null data when none is known. All banks begin at the same address, so that of
@@ -34,6 +26,13 @@ std::string_view placeOf(std::string_view words, const PlacedSegments& segments,
 }
 
 }  // namespace
+
+std::string_view wordsOf(std::string_view message) {
+  for (std::string_view prefix : {"kiln-as: ", "kiln-check: ", "warning: ", "error: "}) {
+    if (message.starts_with(prefix)) message.remove_prefix(prefix.size());
+  }
+  return message.substr(0, message.find('\n'));
+}
 
 void reportWriterMessages(const Program& program, const PlacedSegments& segments, std::string_view stage,
                           Findings& findings) {
