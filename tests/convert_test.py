@@ -145,7 +145,6 @@ other:  bne .on_1
 
     def test_bytes_without_a_value_become_names(self):
         self.becomes("* = $80\nx1 .byte ?\nx2 .word ?\nx3 .fill 4\n* = $2000\n lda x2\n", """
-        .org $80
 x1      = $80
 x2      = $81
 x3      = $83
@@ -243,9 +242,8 @@ later   = $80
 """)
 
     def test_segments_are_put_in_order(self):
-        self.becomes(".org $2000\n.bss\nb: .res 2\n.rodata\nr: .asciiz \"HI\"\n.code\nlda r\n", """
+        self.becomes(".bss\nb: .res 2\n.rodata\nr: .asciiz \"HI\"\n.code\nlda r\n", """
 ; segment CODE
-        .org $2000
         lda r
 
 ; segment RODATA
@@ -323,6 +321,9 @@ skip_in_copy_2:
     def test_what_is_not_certain_is_refused(self):
         self.refused(".import other\nalias = other\n.align 4\nlda #.sizeof(x)\nbra other\nx = 1\nx = 2\njmp :+\n",
                      "2: another file", "3: no .align", "4: no .sizeof", "5: neither", "7: twice", "8: unknown")
+
+    def test_an_origin_fixes_the_segment(self):
+        self.refused(".org $2000\nnop\n.data\n.org $3000\n", "3: another segment", "4: an origin after")
 
     def test_a_name_of_two_scopes_is_refused(self):
         self.refused("n = 1\n.proc p\nlda #n\nn = 2\n.endproc\n", "3: several scopes")

@@ -90,7 +90,8 @@ def write_pack(writer, statement):
 
 def write_long_branch(writer, statement):
     """Their macro takes five bytes if the target is further down or in another file."""
-    opposite, target = split_list(statement.argument)
+    opposite, *targets = split_list(statement.argument)
+    target = ",".join(targets)
     name = writer.find(target) if re.fullmatch(r"@?[A-Za-z_]\w*|§\d+", target) else None
     if not name or name.kind == "number" or name.kind == "label" and name.place <= writer.place:
         raise Refused("a long branch backwards may be short")

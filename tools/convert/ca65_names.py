@@ -35,6 +35,7 @@ class Walk:
         self.unnamed = 0
         self.last_label = None
         self.filled = False   # whether there are bytes yet
+        self.absolute = False  # whether there was an .org
         self.public = {}      # spelling -> whether in the zero page
 
     def step(self, place, statement):
@@ -78,9 +79,9 @@ class Walk:
             self.segment = self.stack.pop()
         else:
             self.segment = SEGMENTS.get(operation) or self.segment_name(statement.argument)
-        if self.segment != before and statement.file is not self.main:
+        if self.segment != before and (statement.file is not self.main or self.absolute):
             self.segment = before
-            raise Refused("another segment in an included file")
+            raise Refused("another segment after .org" if self.absolute else "another segment in an included file")
         if self.segment != before:
             for procedure in self.procedures:
                 self.inner[procedure] = None
@@ -161,9 +162,9 @@ class Walk:
 
     def origin(self, statement):
         value = value_of(parse(statement.argument, GRAMMAR), lambda leaf: Value(0, LARGEST, "?"))
-        if self.filled or not value.exact or value.low < 256 or self.segment == "ZEROPAGE":
+        if self.filled or self.absolute or not value.exact or value.low < 256 or self.segment == "ZEROPAGE":
             raise Refused("an origin after other bytes, or one that is not a plain number from $100 on")
-        self.filled = True
+        self.absolute = True
 
     def reserve(self, place, statement):
         """The segment ZEROPAGE becomes names for numbers."""

@@ -24,6 +24,8 @@ def address_size(writer, tree):
 
 
 def write_origin(writer, statement):
+    if "unused" in statement.facts:
+        return []  # there are no bytes at it, and a gap would be filled with zeros
     if "*" in leaves(parse(statement.argument, GRAMMAR)):
         return [f".org ${statement.facts['origin']:04X}"]
     tree = parse(statement.argument, GRAMMAR)

@@ -39,6 +39,7 @@ class Walk:
         self.waiting = []   # statements that refer to later unnamed labels
         self.undecided = []  # labels in lines of data: whether they begin a scope makes no difference so far
         self.after_reserved = False
+        self.origin = None   # the statement that set it, if nothing has followed
 
     def step(self, place, statement):
         if statement.operation in ("*=", "="):
@@ -47,8 +48,12 @@ class Walk:
         if reserved is not None:
             return self.reserve(place, statement, reserved)
         if self.after_reserved and statement.operation:
+            if self.address is None:
+                raise Refused("the address after bytes without a value is not plain")
             statement.facts["origin"] = self.address
             self.after_reserved = False
+        if statement.label or statement.operation:
+            self.origin = None
         if statement.label:
             self.label(place, statement)
         statement.facts["owner"] = self.names.owner
@@ -75,7 +80,10 @@ class Walk:
             return
         if not value.exact:
             raise Refused("the origin is not a plain number")
+        if self.origin:
+            self.origin.facts["unused"] = True
         statement.facts["origin"] = self.low = self.address = value.low
+        self.origin = statement
         self.after_reserved = False
 
     def known(self, spelling, statement):
@@ -89,6 +97,9 @@ class Walk:
         if self.address is None:
             raise Refused("bytes without a value, at an address that is not plain")
         statement.facts["reserved"] = self.address
+        if self.origin:
+            self.origin.facts["unused"] = True
+            self.origin = None
         if statement.label:
             if is_local(statement.label) or statement.label in ("+", "-"):
                 raise Refused("a local name for a number")
