@@ -289,5 +289,17 @@ TEST(Version, IsTheSameEverywhere) {
     EXPECT_EQ(findAll(read(root / manifest), "\"version\": \"([^\"]+)"), packaged);
 }
 
+TEST(ManPages, HaveADateAndPointToEachOther) {
+  const std::set<std::string> programs = {"kiln\\-as", "kiln\\-check", "kiln\\-lsp"};
+  for (const std::string& program : programs) {
+    const std::string page = read(root / "man" / replaced(program + ".1", R"(\\)"));
+    EXPECT_EQ(findAll(page, R"(^\.TH [^ ]+ 1 (20\d\d-\d\d-\d\d) )").size(), 1u) << program;
+    std::set<std::string> others = programs;
+    others.erase(program);
+    const auto named = findAll(page.substr(page.rfind(".SH ")), R"(\.BR ([^ ]+) \(1\))");
+    EXPECT_EQ(std::set<std::string>(named.begin(), named.end()), others) << program;
+  }
+}
+
 }  // namespace
 }  // namespace kiln::test
