@@ -60,6 +60,12 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
     add_link_options(-Wl,-z,relro,-z,now)
   endif()
 
+  # The same sources make the same programs in any folder.
+  check_cxx_compiler_flag(-ffile-prefix-map=here=there hasPrefixMap)
+  if(hasPrefixMap)
+    add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
+  endif()
+
   # Without shared libraries to find and bind, a program starts in half the time.
   if(KILN_STATIC)
     set(staticFlags -static-pie -static)

@@ -1,4 +1,4 @@
-# cmake --install build: the program and what belongs to it. cpack in the build folder: a Debian package of the same.
+# cmake --install build: the programs and what belongs to them. tools/package makes its files of it.
 include(GNUInstallDirs)
 
 install(TARGETS kiln-as RUNTIME)
@@ -40,23 +40,3 @@ install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/nvim/site)
 install(FILES share/kiln-as/atari.sym share/kiln-as/commodore.sym DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as)
 
 install(DIRECTORY editors/textmate DESTINATION ${CMAKE_INSTALL_DATADIR}/kiln-as/editors)
-
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME kiln-as)
-set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_CONTACT "kiln-as developers <kiln-as@example.org>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "cross-assembler for the 6502")
-set(CPACK_PACKAGE_DESCRIPTION
-  "kiln-as assembles programs for the 6502 processor and writes Atari binary-load
-files (XEX) and Commodore program files (PRG). It repairs branches that lead
-too far, spreads code over several regions of memory, places code under the
-operating system's ROM and calls subroutines from one memory bank to another.
-kiln-check finds mistakes in programs, and kiln-lsp shows them in editors.
-The package holds the manual, examples, completions for bash, zsh and fish,
-and syntax files for editors.")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION devel)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-include(CPack)
