@@ -7,7 +7,7 @@ install(FILES man/kiln-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 # The folders stand to each other as they do here, so that links between the documents hold.
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents
-  FILES_MATCHING REGEX "\\.(md|html|png|svg|asm|inc|lnk|sym|sh)$")
+  FILES_MATCHING REGEX "\\.(md|html|png|svg|asm|inc|lnk|sym|sh|c|py)$")
 
 # When ./dev manual has made it.
 install(DIRECTORY ${CMAKE_BINARY_DIR}/manual/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/html COMPONENT documents OPTIONAL)
