@@ -30,21 +30,37 @@ def examples():
         yield Program(path.name, options, [path.name], {**files, path.name: text})
 
 
-# A block ```kiln-as is a program with its options, and ```file a file for all later programs of the document.
-def manual():
-    for path in MANUAL:
-        files = {}
-        document = Path(path).read_text()
-        for block in re.finditer(r"^```(file|kiln-as) ?(.*)\n((?:.*\n)*?)```$", document, re.M):
-            kind, words, text = block.groups()
-            if kind == "file":
-                files[words] = text
-                continue
-            inputs = [*(word for word in words.split() if word.endswith(".asm")), "main.asm"]
-            options = [word for word in words.split() if word not in inputs]
-            used = {name: files[name] for name in files if name in words or f'"{name}"' in text}
+# A program of the manual, before it is known which of the files it needs.
+@dataclass
+class Block:
+    place: str  # document and line
+    kind: str  # "kiln-as" or "kiln-check"
+    words: list  # of its command line, without the program itself
+    text: str
+    files: dict  # name -> text; all before it in its document
+
+
+# A block ```kiln-as or ```kiln-check is a program with its options, and ```file a file for all later programs of the
+# document.
+def blocks(path):
+    files = {}
+    document = Path(path).read_text()
+    for block in re.finditer(r"^```(file|kiln-as|kiln-check) ?(.*)\n((?:.*\n)*?)```$", document, re.M):
+        kind, words, text = block.groups()
+        if kind == "file":
+            files[words] = text
+        else:
             line = document.count("\n", 0, block.start()) + 1
-            yield Program(f"{path}:{line}", options, inputs, {**used, "main.asm": text})
+            yield Block(f"{path}:{line}", kind, words.split(), text, dict(files))
+
+
+def manual():
+    for block in (block for path in MANUAL for block in blocks(path) if block.kind == "kiln-as"):
+        inputs = [*(word for word in block.words if word.endswith(".asm")), "main.asm"]
+        options = [word for word in block.words if word not in inputs]
+        used = {name: text for name, text in block.files.items()
+                if name in " ".join(block.words) or f'"{name}"' in block.text}
+        yield Program(block.place, options, inputs, {**used, "main.asm": block.text})
 
 
 # Words of the language, as the lists in the manual have them.
