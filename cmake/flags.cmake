@@ -13,6 +13,12 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
+if(EMSCRIPTEN)
+  # One module that reads and writes files with Node. Running out of memory is an exception.
+  add_compile_options(-fexceptions)
+  add_link_options(-fexceptions -sNODERAWFS -sSINGLE_FILE -sEXIT_RUNTIME -sALLOW_MEMORY_GROWTH -sMAXIMUM_MEMORY=4GB
+    "SHELL:--pre-js ${CMAKE_SOURCE_DIR}/src/host/node_environment.js")
+endif()
 if(WIN32)
   add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
@@ -36,7 +42,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
 
   # By itself, GCC leaves small functions of the passes as calls, which costs a sixth of the time.
   set(inlining --param=max-inline-insns-auto=80 --param=inline-unit-growth=200 --param=large-function-growth=1000)
+  set(CMAKE_REQUIRED_FLAGS -Werror)  # clang++ ignores them with a warning
   check_cxx_compiler_flag("${inlining}" hasInlining)
+  unset(CMAKE_REQUIRED_FLAGS)
   if(hasInlining)
     add_compile_options(${inlining})
     add_link_options(${inlining})
