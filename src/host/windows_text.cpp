@@ -2,13 +2,11 @@
 
 #include <windows.h>
 
-#include <algorithm>
-
 namespace kiln {
 namespace {
 
-// Leaves room for a short file name behind a folder's path.
-constexpr size_t longestPlainPath = 247;
+// With the folder that it is relative to. Leaves room for a short file name behind a folder's path.
+constexpr DWORD longestPlainPath = 247;
 
 }  // namespace
 
@@ -30,9 +28,9 @@ std::string toUtf8(std::wstring_view wide) {
 std::optional<std::wstring> systemPath(const std::string& path) {
   if (path.find('\0') != std::string::npos) return std::nullopt;
   std::wstring name = toWide(path);
-  if (name.size() <= longestPlainPath || name.starts_with(L"\\\\?\\")) return name;
-  std::replace(name.begin(), name.end(), L'/', L'\\');
+  if (name.starts_with(L"\\\\?\\")) return name;
   const DWORD size = ::GetFullPathNameW(name.c_str(), 0, nullptr, nullptr);
+  if (size <= longestPlainPath) return name;
   std::wstring full(size, L'\0');
   full.resize(::GetFullPathNameW(name.c_str(), size, full.data(), nullptr));
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC\\" + full.substr(2) : L"\\\\?\\" + full;
