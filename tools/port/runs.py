@@ -77,7 +77,8 @@ def all_runs(programs):
     return [run for run in runs if run.program in programs]
 
 
-# What an editor asks about the files of a program. They are not on the disk, so their paths are the same on all systems.
+# What an editor asks about the files of a program. They are not on the disk, so that their paths are the same on all
+# systems.
 def session(program):
     requests = [("initialize", {"processId": None, "rootUri": None, "capabilities": {}})]
     for name, text in program.files.items():

@@ -1,5 +1,6 @@
 # The systems that ./dev port builds for: what each needs, how it is built, and what runs its programs here.
 import os
+import re
 import subprocess
 from dataclasses import dataclass, field
 from pathlib import Path
@@ -50,9 +51,9 @@ class Target:
 
     # "g++ 12.2.0"
     def compiler_version(self):
-        words = subprocess.run([self.compiler, "--version"], capture_output=True, text=True).stdout.split("\n")[0].split()
-        version = next((word for word in words if word[0].isdigit()), "")
-        return " ".join([self.compiler.removesuffix("-posix").split("-")[-1], version])
+        said = subprocess.run([self.compiler, "--version"], capture_output=True, text=True).stdout
+        version = re.search(r" (\d[\d.]*)", said)[1]
+        return f"{self.compiler.removesuffix('-posix').split('-')[-1]} {version}"
 
 
 def prepare_json():

@@ -1,5 +1,5 @@
-# What kiln-as.exe does with the files and arguments of Windows, under Wine. Three things are not as on Windows: Wine has
-# no console without a terminal, it opens long paths in any spelling, and its drive Z: is the whole file system here.
+# What the programs do with the files and arguments of Windows, under Wine. Three things are not as on Windows: there is
+# no console without a terminal, long paths open in any spelling, and the drive Z: is the file system of this machine.
 import tempfile
 from dataclasses import dataclass, field
 from multiprocessing.pool import ThreadPool
@@ -122,7 +122,8 @@ def on_windows(path):
 # What came out and what is expected, by name.
 def run_case(target, case, folder):
     files = {"main.asm": SOURCE, **case.files}
-    command, arguments = target.command(case.program), [word.replace(HERE, on_windows(folder)) for word in case.arguments]
+    command = target.command(case.program)
+    arguments = [word.replace(HERE, on_windows(folder)) for word in case.arguments]
     if case.locked:
         # What the command processor reads, nobody else may write or remove.
         command, arguments = ["wine", "cmd", "/c"], [" ".join([on_windows(command[-1]), *arguments, "<", case.locked])]
