@@ -58,29 +58,38 @@ bool Atari::load(std::string_view file) {
 }
 
 bool Atari::runFrame() {
-  for (int line = 0; line < linesInFrame; ++line) {
-    if (!runLine(line)) return false;
-  }
+  do {
+    if (!advance()) return false;
+  } while (!isFrameOver());
   return true;
 }
 
-// machine.cycles counts from the beginning of the line.
-bool Atari::runLine(int line) {
-  line_ = line;
-  const bool isShown = line >= Screen::firstLine && line < blankLine;
-  const bool interrupts = isShown && screen.beginLine(line);
+// machine.cycles counts from the beginning of the line, and may begin with what is left of an instruction.
+bool Atari::advance() {
+  if (!isInLine_) return beginLine(), true;
+  if (machine.cycles < cyclesInLine && !step()) return false;
+  if (machine.cycles >= cyclesInLine) endLine();
+  return true;
+}
+
+void Atari::beginLine() {
+  isInLine_ = true;
+  const bool isShown = line_ >= Screen::firstLine && line_ < blankLine;
+  const bool interrupts = isShown && screen.beginLine(line_);
   if (isShown) machine.cycles += screen.stolenCycles();
   showReadable();
-  interruptLine(line, interrupts);
-  while (machine.cycles < cyclesInLine) {
-    if (!step()) return false;
-  }
-  if (isShown) screen.drawUntil(clocksInLine);
+  interruptLine(line_, interrupts);
+}
+
+void Atari::endLine() {
+  isInLine_ = false;
+  if (line_ >= Screen::firstLine && line_ < blankLine) screen.drawUntil(clocksInLine);
   machine.cycles -= cyclesInLine;
-  return true;
+  line_ = (line_ + 1) % linesInFrame;
 }
 
 bool Atari::step() {
+  ++instructions;
   if (hasRom()) serveSystem();
   if (machine.returned()) {
     machine.cycles = cyclesInLine;

@@ -35,10 +35,15 @@ class Atari {
   // Runs for a fiftieth of a second, to the end of the picture's last line and of the vertical blank. A program that
   // returns leaves its picture. False with machine.error set when the processor stops.
   bool runFrame();
+  // Runs an instruction, or what comes between two: a line ends, an interrupt begins. False as above.
+  bool advance();
+  bool isFrameOver() const { return line_ == 0 && !isInLine_; }
+  uint32_t instructions = 0;  // that were run so far
 
  private:
   void prepare();
-  bool runLine(int line);
+  void beginLine();
+  void endLine();
   bool step();
   void store(int address, uint8_t value);
   void noteStore(uint16_t address, uint8_t value);
@@ -54,6 +59,7 @@ class Atari {
   void push(uint8_t value) { machine.poke(0x0100 | machine.s--, value); }
 
   int line_ = 0;
+  bool isInLine_ = false;
   bool stored_ = false;  // the last instruction stored to a chip
   bool waits_ = false;   // it stored to WSYNC
   uint32_t random_ = 1;

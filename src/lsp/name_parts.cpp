@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <numeric>
 #include <tuple>
 
@@ -101,7 +102,7 @@ std::span<const NamePart> NameParts::beginningAt(const char* place) const {
   auto last = first;
   while (last != parts_.end() && last->text.data() == place)
     ++last;
-  return {first, last};
+  return {std::to_address(first), static_cast<size_t>(last - first)};
 }
 
 std::vector<const NamePart*> NameParts::of(Thing thing, uint32_t id) const {
