@@ -25,7 +25,10 @@ endif()
 set(object ${libraryFolder}/kiln.o)
 set(archive ${libraryFolder}/libkiln.a)
 if(CMAKE_INTERPROCEDURAL_OPTIMIZATION AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set(optimise -O3 -flto=auto -flinker-output=nolto-rel)
+  set(optimise -O3 -fPIC -flto=auto -flinker-output=nolto-rel)
+  if(hasNoGnuUnique)
+    list(APPEND optimise -fno-gnu-unique)
+  endif()
 endif()
 add_custom_command(OUTPUT ${archive}
   COMMAND ${CMAKE_CXX_COMPILER} ${optimise} -r -nostdlib -Wl,--force-group-allocation -o ${object}
