@@ -102,6 +102,6 @@ const kiln_label* kiln_label_at(const kiln_assembler* assembler, size_t index) {
 }
 
 const char* kiln_version(void) {
-  static_assert(kiln::version.data()[kiln::version.size()] == '\0');
+  static_assert(*(kiln::version.data() + kiln::version.size()) == '\0');
   return kiln::version.data();
 }

@@ -29,7 +29,7 @@ class MemoryFiles final : public Host {
   std::optional<std::string> readFile(const std::string& path) const override;
   bool exists(const std::string& path) const override { return find(path) != nullptr; }
   bool isDirectory(const std::string&) const override { return false; }
-  bool wasRead(const std::string& path) const override { return read_.count(path) != 0; }
+  bool wasRead(const std::string& path) const override { return read_.contains(path); }
   bool writeFile(const std::string&, std::span<const std::string_view>) override { return false; }
   std::optional<std::vector<std::string>> listDirectory(const std::string&) const override { return std::nullopt; }
   std::optional<std::string> environment(const std::string&) const override { return std::nullopt; }
