@@ -1,5 +1,6 @@
 #include "library/kiln.h"
 
+#include <cstdint>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -52,6 +53,7 @@ kiln_assembler* kiln_new(void) { return new (std::nothrow) kiln_assembler; }
 void kiln_free(kiln_assembler* assembler) { delete assembler; }
 
 kiln_status kiln_add_file(kiln_assembler* assembler, const char* path, const void* bytes, size_t size) {
+  if (size > PTRDIFF_MAX) return KILN_OUT_OF_MEMORY;  // no text of this size is in memory
   return guarded([&] {
     assembler->files.add(path, std::string(static_cast<const char*>(bytes), size));
     return true;
