@@ -2,12 +2,10 @@
 // module has one instance for each worker, so its state needs no handle.
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "driver/output_file.h"
 #include "inspect/cycle_listing.h"
 #include "inspect/map_svg.h"
 #include "inspect/map_text.h"
@@ -65,17 +63,6 @@ std::string assemble(std::string_view commandLine) {
   state.program = assembleProgram(state.files, programPath, std::move(options));
   if (isAssembled()) state.placements = placeStatements(*state.program);
   return state.program->error;
-}
-
-void makeImage() {
-  Assembling& state = assembling();
-  state.image.clear();
-  if (state.program == nullptr || !state.program->isWritable) return;
-  MemoryFiles console;
-  const std::optional<Image> image = buildImage(state.program->options, state.program->assembler, console);
-  if (!image.has_value()) return;
-  for (std::string_view part : image->parts())
-    state.image += part;
 }
 
 // The instructions in main memory: {"FILE": [LINE, ADDRESS, LINE, ADDRESS...]}. One that a macro makes is at its call.
@@ -162,7 +149,7 @@ EMSCRIPTEN_KEEPALIVE void assembleProgram(const char* commandLine, size_t size, 
   Assembling& state = assembling();
   try {
     const std::string error = assemble({commandLine, size});
-    makeImage();
+    state.image = isAssembled() && state.program->isWritable ? fileBytes(*state.program) : "";
     state.summary = dumpJson(summaryOf(error));
   } catch (const std::exception&) {
     state.program.reset();

@@ -47,6 +47,19 @@ void tryToWrite(const Host& host, Program& program) {
 
 }  // namespace
 
+std::string fileBytes(const Program& program) {
+  if (!program.isAssembled) return "";
+  std::vector<WriterMessage> known;  // they are in the program already
+  MessageCollector console(known);
+  const std::optional<Image> image = buildImage(program.options, program.assembler, console);
+  std::string bytes;
+  if (!image.has_value()) return bytes;
+  bytes.reserve(image->size());
+  for (std::string_view part : image->parts())
+    bytes += part;
+  return bytes;
+}
+
 std::unique_ptr<Program> assembleProgram(const Host& host, std::span<const std::string> arguments, Options options) {
   auto program = std::make_unique<Program>();
   program->options = std::move(options);

@@ -39,4 +39,7 @@ struct Program {
 // has to outlive the checks.
 std::unique_ptr<Program> assembleProgram(const Host& host, std::span<const std::string> arguments, Options options);
 
+// The bytes of the program file. Empty when the program is not assembled, or its writer fails.
+std::string fileBytes(const Program& program);
+
 }  // namespace kiln

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "driver/output_file.h"
 #include "inspect/check_options.h"
 #include "inspect/checker.h"
 #include "inspect/labels.h"
@@ -60,7 +59,7 @@ bool Assembly::finish(const Program& program, const std::vector<Finding>& findin
   for (const Finding& finding : findings)
     addFinding(finding);
   if (program.isAssembled) addLabels(program);
-  if (program.isWritable) makeImage(program);
+  if (program.isWritable) image_ = fileBytes(program);
   return program.isWritable;
 }
 
@@ -97,15 +96,6 @@ void Assembly::addLabels(const Program& program) {
                        .file = fileOf(label.place),
                        .line = label.place.line});
   }
-}
-
-void Assembly::makeImage(const Program& program) {
-  MemoryFiles console;
-  const std::optional<Image> image = buildImage(program.options, program.assembler, console);
-  if (!image.has_value()) return;
-  image_.reserve(image->size());
-  for (std::string_view part : image->parts())
-    image_.insert(image_.end(), part.begin(), part.end());
 }
 
 }  // namespace kiln

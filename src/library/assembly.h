@@ -21,7 +21,7 @@ class Assembly {
   bool assemble(MemoryFiles& files, std::vector<std::string> arguments);
   bool check(MemoryFiles& files, std::vector<std::string> arguments);
 
-  const std::vector<uint8_t>& image() const { return image_; }
+  const std::string& image() const { return image_; }
   const std::vector<kiln_message>& messages() const { return messages_; }
   const std::vector<kiln_label>& labels() const { return labels_; }
 
@@ -32,11 +32,10 @@ class Assembly {
   void addMessage(kiln_severity severity, std::string_view text, const Place& place, const char* check);
   void addFinding(const Finding& finding);
   void addLabels(const Program& program);
-  void makeImage(const Program& program);
   const char* keep(std::string_view text) { return texts_.emplace_back(text).c_str(); }
   const char* fileOf(const Place& place);
 
-  std::vector<uint8_t> image_;
+  std::string image_;
   std::vector<kiln_message> messages_;
   std::vector<kiln_label> labels_;
   std::deque<std::string> texts_;

@@ -84,7 +84,7 @@ kiln_status kiln_check(kiln_assembler* assembler, const char* const* arguments, 
 const uint8_t* kiln_image(const kiln_assembler* assembler, size_t* size) {
   const bool isThere = assembler->last.has_value() && !assembler->last->image().empty();
   *size = isThere ? assembler->last->image().size() : 0;
-  return isThere ? assembler->last->image().data() : nullptr;
+  return isThere ? reinterpret_cast<const uint8_t*>(assembler->last->image().data()) : nullptr;
 }
 
 size_t kiln_message_count(const kiln_assembler* assembler) {

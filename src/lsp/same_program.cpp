@@ -5,7 +5,6 @@
 
 #include "base/format.h"
 #include "base/text.h"
-#include "driver/output_file.h"
 #include "source/line_text.h"
 
 namespace kiln {
@@ -18,12 +17,6 @@ bool areEqual(const List& a, const List& b, IsSame isSame) {
 }
 
 constexpr char marker = '\x01';
-
-class SilentConsole final : public Console {
- public:
-  void printError(std::string_view) override {}
-  void printOutput(std::string_view) override {}
-};
 
 bool joins(std::string_view text, size_t a, size_t b) {
   return isIdentifierCharacter(text[a]) && isIdentifierCharacter(text[b]);
@@ -93,17 +86,6 @@ bool haveSameSegments(const Program& before, const Program& after) {
   };
   return before.isAssembled == after.isAssembled && before.isWritable == after.isWritable &&
          areEqual(before.assembler.segments, after.assembler.segments, isSame);
-}
-
-std::string fileBytes(const Program& program) {
-  if (!program.isAssembled) return "";
-  SilentConsole console;
-  std::string bytes;
-  if (const std::optional<Image> image = buildImage(program.options, program.assembler, console)) {
-    for (std::string_view part : image->parts())
-      bytes += part;
-  }
-  return bytes;
 }
 
 bool haveSameStatements(const Analysis& before, const Analysis& after) {
