@@ -6,13 +6,7 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 FOLDER = Path("build/port").resolve()
-JSON = FOLDER / "json"
-
-# A library of C++ headers alone is the same for all systems. CMake's file for it names /usr/include, where a cross
-# compiler would also find the headers of this system's C library.
-JSON_CONFIG = """add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)
-target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${CMAKE_CURRENT_LIST_DIR}/include)
-"""
+JSON = Path("cmake/cross").resolve()
 
 ALL = ("kiln-as", "kiln-check", "kiln-lsp")
 WITHOUT_SERVER = ALL[:2]
@@ -41,7 +35,6 @@ class Target:
     # Raises when a step fails. What the steps print goes to a file.
     def build(self):
         self.folder().mkdir(parents=True, exist_ok=True)
-        prepare_json()
         configure = ["cmake", "-S", ".", "-B", self.folder(), "-G", "Ninja", f"-Dnlohmann_json_DIR={JSON}",
                      *self.options]
         build = ["cmake", "--build", self.folder(), "--target", *self.programs]
@@ -54,14 +47,6 @@ class Target:
         said = subprocess.run([self.compiler, "--version"], capture_output=True, text=True).stdout
         version = re.search(r" (\d[\d.]*)", said)[1]
         return f"{self.compiler.removesuffix('-posix').split('-')[-1]} {version}"
-
-
-def prepare_json():
-    headers = JSON / "include" / "nlohmann"
-    headers.parent.mkdir(parents=True, exist_ok=True)
-    if not headers.is_symlink():
-        headers.symlink_to("/usr/include/nlohmann")
-    (JSON / "nlohmann_jsonConfig.cmake").write_text(JSON_CONFIG)
 
 
 # With a cross compiler from Debian, and what runs its programs.
