@@ -1,5 +1,5 @@
 # libkiln: the assembler and the checker behind src/library/kiln.h, for programs in C and all that can call it.
-add_library(kiln-library OBJECT src/library/assembly.cpp src/library/kiln.cpp src/library/memory_files.cpp)
+add_library(kiln-library OBJECT EXCLUDE_FROM_ALL src/library/assembly.cpp src/library/kiln.cpp src/library/memory_files.cpp)
 target_link_libraries(kiln-library PUBLIC kiln-inspect)
 
 option(KILN_LIBRARY "Build libkiln, as a shared and as a static library" OFF)
