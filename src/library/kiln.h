@@ -32,9 +32,9 @@ kiln_status kiln_add_file(kiln_assembler* assembler, const char* path, const voi
 /* Nothing happens when there is no such file. */
 void kiln_remove_file(kiln_assembler* assembler, const char* path);
 
-/* Is asked for a file that was not added, and adds it with kiln_add_file(), or does nothing when there is none. Such
-   files are forgotten before the next run. No other function may be called with the assembler
-   meanwhile. */
+/* Is asked for a path that was not added, and adds it with kiln_add_file(), or does nothing when there is no such file.
+   Folders in which kiln-as looks for a toolchain are among the paths. These files are forgotten before the next run. No
+   other function may be called with the assembler meanwhile. */
 typedef void (*kiln_reader)(kiln_assembler* assembler, const char* path, void* context);
 /* Without a reader, or with NULL, there are only the files that were added. */
 void kiln_set_reader(kiln_assembler* assembler, kiln_reader reader, void* context);
