@@ -90,7 +90,6 @@ class MemoryMapper {
   void assignSpaces();
   size_t spaceOf(size_t segment);
   Space describeBank(const SegmentBank& bank) const;
-  AddressRange windowOf(BankKind kind) const;
   void findShadow();
   void findStatements();
   void paintSpaces();
@@ -125,7 +124,7 @@ MemoryMap MemoryMapper::run() {
 void MemoryMapper::nameProgram() {
   map_.program = chooseOutputPath(program_.options).value_or(program_.options.inputs.front());
   map_.isForAtari = output_ != OutputKind::Prg;
-  if (output_ == OutputKind::BankedXex) map_.bankWindow = windowOf(BankKind::Plain);
+  if (output_ == OutputKind::BankedXex) map_.bankWindow = windowOf(BankKind::Plain, banking_);
 }
 
 void MemoryMapper::assignSpaces() {
@@ -165,20 +164,7 @@ Space MemoryMapper::describeBank(const SegmentBank& bank) const {
   const BankValue& value = *bank.value;
   std::string name = concat({kinds[static_cast<size_t>(value.kind)], decimal(value.value)});
   if (!bank.name.empty()) name += concat({" (", bank.name, ")"});
-  return {.name = std::move(name), .window = windowOf(value.kind)};
-}
-
-AddressRange MemoryMapper::windowOf(BankKind kind) const {
-  uint32_t low = banking_.bankWindowLow;
-  uint32_t high = banking_.bankWindowHigh;
-  if (kind == BankKind::DataHalf || kind == BankKind::Regc) {
-    low = kind == BankKind::Regc ? banking_.regcWindowLow : banking_.dataWindowLow;
-    high = kind == BankKind::Regc ? banking_.regcWindowHigh : banking_.dataWindowHigh;
-  } else if (kind == BankKind::CodeHalf && banking_.dataWindowLow != 0) {
-    high = banking_.dataWindowLow - 1;
-  }
-  low = std::min(low, addressCount - 1);
-  return {low, std::clamp(high, low, addressCount - 1)};
+  return {.name = std::move(name), .window = windowOf(value.kind, banking_)};
 }
 
 void MemoryMapper::findShadow() {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "inspect/bank_windows.h"
 #include "inspect/placements.h"
 #include "inspect/program.h"
 #include "inspect/routines.h"
@@ -27,14 +28,6 @@ enum class Use : uint8_t {
 inline constexpr size_t useCount = 8;
 
 inline constexpr std::string_view codeRegionName = "code region";
-
-// Addresses from `first` to `last`, 0..65535.
-struct AddressRange {
-  uint32_t first = 0;
-  uint32_t last = 0;
-
-  uint32_t size() const { return last - first + 1; }
-};
 
 // Ordinary memory, a bank, or a cloaked segment that the program's file leaves out.
 struct Space {

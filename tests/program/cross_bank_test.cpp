@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "inspect/bank_windows.h"
 #include "machine/machine.h"
 #include "support/program.h"
 
@@ -283,6 +284,36 @@ TEST(CrossBankCalls, SettleTogetherWithLongBranchesAndRegions) {
       "main: LDA #0\n    BEQ far\n    .space 200\n    JMP far\n    .space 150\nfar: JSR f : STA $0600 : RTS\n"
       "    .bank one\nf: JMP f2\n    .space 200\nf2: LDX #0\n    BEQ g\n    .bank two\ng: LDA m : RTS\nm: .byte 42\n";
   EXPECT_EQ(runs(plain, source).peek(0x0600), 42);
+}
+
+// As a debugger or an emulator is to be set up: "LOW-HIGH by REGISTER, HIGH_REGISTER", without prefixes.
+std::string windowsOf(const Banking& banking, const std::string& source) {
+  MemoryHost host;
+  host.files = {{"main.asm", source}, {"main.lnk", banking.layout}};
+  Options options;
+  EXPECT_FALSE(scanArguments(words("main.asm " + banking.options), host, options).has_value());
+  const std::vector<std::string> programPath = {"kiln-check"};
+  const auto program = assembleProgram(host, programPath, std::move(options));
+  EXPECT_TRUE(program->isAssembled) << program->error;
+  std::string text;
+  for (const SwitchedWindow& window : switchedWindows(*program, placeStatements(*program))) {
+    const auto hex = [](uint32_t address) { return dollarHex(address).substr(1); };
+    text += hex(window.range.first) + "-" + hex(window.range.last) + " by " + hex(window.lowRegister) + ", " +
+            hex(window.highRegister) + "\n";
+  }
+  return text;
+}
+
+TEST(BankWindows, AreThoseOfTheBanksThatTheProgramHas) {
+  const std::string bank = "    .org $2000\n    NOP\n    .bank one\n    NOP\n";
+  const std::string dataHalf = bank + "    .org $6000\n    .byte 1\n";
+  EXPECT_EQ(windowsOf({"-o main.xex", {}}, bank), "");
+  EXPECT_EQ(windowsOf(absolute, "    .org $2000\n    NOP\n"), "");
+  EXPECT_EQ(windowsOf({"-b -code-reg 82 -data-reg 83 -code-window 4000-7FFF", {}}, bank), "4000-7FFF by 0082, 0083\n");
+  EXPECT_EQ(windowsOf(absolute, bank), "4000-5FFF by D500, D501\n");
+  EXPECT_EQ(windowsOf(split, bank), "4000-5FFF by 0082, 0000\n");
+  EXPECT_EQ(windowsOf(split, dataHalf), "4000-5FFF by 0082, 0000\n6000-7FFF by 0083, 0000\n");
+  EXPECT_EQ(windowsOf(regcPair, bank), "4000-7FFF by D510, D511\n");
 }
 
 }  // namespace
