@@ -38,7 +38,7 @@ class Machine {
     uint16_t last = 0;
   };
 
-  // What the machine consists of; set before loading. Windows do not overlap.
+  // What the machine consists of; set before loading. Where windows overlap, the last one counts.
   std::vector<BankWindow> windows;
   bool osRom = false;     // $C000-$CFFF and $D800-$FFFF are ROM, full of RTS, while bit 0 of PORTB is 1
   bool basicRom = false;  // the same for $A000-$BFFF while bit 1 is 0

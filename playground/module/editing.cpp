@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "inspect/bank_windows.h"
 #include "inspect/cycle_listing.h"
 #include "inspect/map_svg.h"
 #include "inspect/map_text.h"
@@ -87,9 +88,21 @@ Json listInstructions() {
   return files;
 }
 
+Json listWindows() {
+  Json list = Json::array();
+  for (const SwitchedWindow& window : switchedWindows(*assembling().program, assembling().placements)) {
+    for (const uint32_t word : {window.range.first, window.range.last, window.lowRegister, window.highRegister})
+      list.push_back(word);
+  }
+  return list;
+}
+
 Json summaryOf(const std::string& error) {
   Json summary = {{"error", error}, {"size", assembling().image.size()}};
-  if (isAssembled()) summary["instructions"] = listInstructions();
+  if (isAssembled()) {
+    summary["instructions"] = listInstructions();
+    summary["windows"] = listWindows();
+  }
   if (assembling().program == nullptr) return summary;
   summary["name"] = chooseOutputPath(assembling().program->options).value_or("program.xex");
   return summary;
@@ -144,7 +157,7 @@ EMSCRIPTEN_KEEPALIVE void removeFile(const char* path, size_t pathSize) {
   editing().disk.remove("/" + std::string(path, pathSize));
 }
 
-// Assembles with a command line. {"error", "size", "name", "instructions"}; size 0 without a program file.
+// Assembles with a command line. {"error", "size", "name", "instructions", "windows"}; size 0 without a program file.
 EMSCRIPTEN_KEEPALIVE void assembleProgram(const char* commandLine, size_t size, Reply* reply) {
   Assembling& state = assembling();
   try {

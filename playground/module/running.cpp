@@ -62,10 +62,14 @@ using namespace kiln::playground;
 
 extern "C" {
 
-// Loads a program; the state says whether that fails.
-EMSCRIPTEN_KEEPALIVE void loadProgram(const char* bytes, size_t size) {
+// Loads a program into a 130XE, or into a machine whose windows show its banks: the first address, the last one, the
+// register of the low byte and that of the high byte or 0, window by window. The state says whether that fails.
+EMSCRIPTEN_KEEPALIVE void loadProgram(const char* bytes, size_t size, const uint16_t* windows, size_t windowCount) {
   running().atari = std::make_unique<Atari>();
-  running().atari->machine.xeBanks = true;
+  Machine& machine = running().atari->machine;
+  for (size_t i = 0; i < windowCount; ++i, windows += 4)
+    machine.windows.push_back({windows[0], windows[1], windows[2], windows[3]});
+  machine.xeBanks = windowCount == 0;
   running().atari->load({bytes, size});
 }
 

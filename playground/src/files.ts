@@ -2,7 +2,7 @@
 import type {EditorState} from "@codemirror/state";
 import type {Backend} from "./backend.js";
 import {projectPath, uriOf} from "./backend.js";
-import {breakpointLines} from "./breakpoints.js";
+import {breakpointLines, showStop} from "./breakpoints.js";
 import {Editor, type Edit} from "./editor.js";
 import type {Program} from "./link.js";
 import type {Finding} from "./protocol.js";
@@ -125,10 +125,6 @@ export class Files {
     this.editor.view.focus();
   }
 
-  get view() {
-    return this.editor.view;
-  }
-
   setFindings(path: string, findings: Finding[]): void {
     if (findings.length === 0) this.findings.delete(path);
     else this.findings.set(path, findings);
@@ -144,6 +140,15 @@ export class Files {
       const state = this.stateOf(path);
       return [path, state === undefined ? [] : breakpointLines(state)];
     });
+  }
+
+  // Of a path and a line from 1: where the program has stopped.
+  markStop(place: [string, number] | null): void {
+    for (const [path, file] of this.files) {
+      const effects = showStop.of(place?.[0] === path ? place[1] : null);
+      if (path === this.shown) this.editor.view.dispatch({effects});
+      else file.state = file.state.update({effects}).state;
+    }
   }
 
   private stateOf(path: string): EditorState | undefined {

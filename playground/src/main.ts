@@ -1,6 +1,5 @@
 // The page.
 import {Backend} from "./backend.js";
-import {showStop} from "./breakpoints.js";
 import {Reader} from "./editor.js";
 import {Files} from "./files.js";
 import {fragmentOf, programOf, type Program} from "./link.js";
@@ -58,13 +57,13 @@ const player = new Player({
   program: () => {
     panes.show("machine");
     const file = last?.file ?? new Uint8Array();
-    if (file[0] === 0xff && file[1] === 0xff) return file;
+    if (file[0] === 0xff && file[1] === 0xff) return {file, windows: last?.summary.windows ?? []};
     say(file.length === 0 ? "There is no program to run: see the findings." : "Only XEX files run here.");
     return null;
   },
   breakpoints: breakpointAddresses,
   stopped: showStopped,
-  wentOn: () => markStop(null),
+  wentOn: () => files.markStop(null),
   say,
 });
 
@@ -178,17 +177,10 @@ function placeOf(address: number): [string, number] | null {
   return null;
 }
 
-function markStop(line: number | null): void {
-  files.view.dispatch({effects: showStop.of(line)});
-}
-
 function showStopped(ended: "breakpoint" | "failure" | "step", processor: ProcessorState): void {
   const place = placeOf(processor.pc);
-  markStop(null);
-  if (place !== null) {
-    files.goTo(...place);
-    markStop(place[1]);
-  }
+  if (place !== null) files.goTo(...place);
+  files.markStop(place);
   const where = place === null ? "" : ` at ${place[0]}:${place[1]}`;
   if (ended === "failure") say(`The program stopped${where}: ${processor.error}.`);
   else say(`${ended === "breakpoint" ? "Breakpoint" : "Next"}${where || " outside the source"}.`);

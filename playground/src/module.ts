@@ -13,7 +13,7 @@ interface Exports {
   _cycleListing(reply: number): void;
   _mapPicture(reply: number): void;
   _mapText(reply: number): void;
-  _loadProgram(bytes: number, size: number): void;
+  _loadProgram(bytes: number, size: number, windows: number, windowCount: number): void;
   _setInput(stick: number, trigger: boolean, consoleKeys: number): void;
   _pressKey(code: number): void;
   _setBreakpoints(addresses: number, count: number): void;
@@ -39,11 +39,15 @@ export class Kiln {
 
   // Calls `use` with the place of a copy of the bytes.
   give(bytes: Uint8Array, use: (address: number, size: number) => void): void {
-    const address = this.exports._malloc(bytes.length);
+    const address = this.exports._malloc(Math.max(bytes.length, 1));
     if (address === 0) throw new Error("out of memory");
     this.exports.HEAPU8.set(bytes, address);
     use(address, bytes.length);
     this.exports._free(address);
+  }
+
+  giveWords(words: number[], use: (address: number) => void): void {
+    this.give(new Uint8Array(new Uint16Array(words).buffer), use);
   }
 
   giveText(text: string, use: (address: number, size: number) => void): void {

@@ -1,6 +1,6 @@
 // The machine's screen, sound and buttons. The machine itself is in a worker.
 import {Keyboard} from "./keyboard.js";
-import type {FromRunning, ProcessorState, ToRunning} from "./protocol.js";
+import type {FromRunning, Loadable, ProcessorState, ToRunning} from "./protocol.js";
 import {Sound} from "./sound.js";
 
 const frameTime = 1000 / 50; // milliseconds
@@ -9,7 +9,7 @@ const longestStep = 5_000; // milliseconds
 
 export interface PlayerEvents {
   // The program to be run; null when there is none, and the reason has been shown.
-  program(): Uint8Array | null;
+  program(): Loadable | null;
   breakpoints(): number[];
   stopped(ended: "breakpoint" | "failure" | "step", processor: ProcessorState): void;
   wentOn(): void;
@@ -30,7 +30,7 @@ export class Player {
   private readonly picture = this.canvas.getContext("2d");
   private readonly keyboard = new Keyboard((code) => this.post({kind: "key", code}));
   private readonly sound = new Sound();
-  private loaded: Uint8Array | null = null;
+  private loaded: Loadable | null = null;
   private isRunning = false;
   private isBusy = false; // the worker has a frame to run
   private next = 0; // when the next frame is due
@@ -77,7 +77,7 @@ export class Player {
     this.loaded = program;
     this.frames = 0;
     this.isBusy = true;
-    this.post({kind: "load", file: program});
+    this.post({kind: "load", program});
     this.breakpointsChanged();
     return true;
   }

@@ -12,6 +12,7 @@ export interface Summary {
   size: number; // of the program file; 0 without one
   name?: string; // of the program file
   instructions?: Record<string, number[]>; // by file: line and address, by turns
+  windows?: number[]; // that show banks, by four: first and last address, register of the low and of the high byte or 0
 }
 
 export interface Assembled {
@@ -53,6 +54,12 @@ export interface Finding {
   code?: string;
 }
 
+// A program file, and the windows of the machine that it is for; without any, of a 130XE.
+export interface Loadable {
+  file: Uint8Array;
+  windows: number[];
+}
+
 export interface Input {
   stick: number; // 15 in the middle; up clears bit 0, down 1, left 2 and right 3
   trigger: boolean;
@@ -60,7 +67,7 @@ export interface Input {
 }
 
 export type ToRunning =
-  | {kind: "load"; file: Uint8Array}
+  | {kind: "load"; program: Loadable}
   | {kind: "breakpoints"; addresses: number[]}
   | {kind: "key"; code: number}
   | {kind: "frame"; input: Input}

@@ -1,6 +1,6 @@
 // Has the machine, and runs it a frame at a time.
 import {Kiln} from "./module.js";
-import type {FromRunning, Input, ProcessorState, ToRunning} from "./protocol.js";
+import type {FromRunning, Input, Loadable, ProcessorState, ToRunning} from "./protocol.js";
 
 const kiln = Kiln.load();
 const ends = ["frame", "breakpoint", "failure"] as const;
@@ -20,8 +20,10 @@ function report(of: Kiln, ended: Ran["ended"]): void {
   self.postMessage(message, {transfer: [picture.buffer]});
 }
 
-function load(to: Kiln, file: Uint8Array): void {
-  to.give(file, to.exports._loadProgram);
+function load(to: Kiln, {file, windows}: Loadable): void {
+  to.give(file, (bytes, size) => {
+    to.giveWords(windows, (address) => to.exports._loadProgram(bytes, size, address, windows.length / 4));
+  });
   report(to, "load");
 }
 
@@ -30,15 +32,14 @@ function setInput(to: Kiln, input: Input): void {
 }
 
 function setBreakpoints(to: Kiln, addresses: number[]): void {
-  const words = new Uint8Array(new Uint16Array(addresses).buffer);
-  to.give(words, (address) => to.exports._setBreakpoints(address, addresses.length));
+  to.giveWords(addresses, (address) => to.exports._setBreakpoints(address, addresses.length));
 }
 
 async function handle(message: ToRunning): Promise<void> {
   const to = await kiln;
   switch (message.kind) {
     case "load":
-      return load(to, message.file);
+      return load(to, message.program);
     case "breakpoints":
       return setBreakpoints(to, message.addresses);
     case "key":

@@ -75,6 +75,16 @@ class Browser:
         steps = [{"type": "pointerMove", "duration": 50, "x": int(x), "y": int(y)}]
         self.send("POST", "/actions", {"actions": [{"type": "pointer", "id": "mouse", "actions": steps}]})
 
+    def touch(self, selector):
+        """A finger on the middle of an element, until lift()."""
+        point = self.run("const element = document.querySelector(arguments[0]); element.scrollIntoView();"
+                         "const box = element.getBoundingClientRect();"
+                         "return {x: box.x + box.width / 2, y: box.y + box.height / 2}", selector)
+        self.emulate("Input.dispatchTouchEvent", {"type": "touchStart", "touchPoints": [point]})
+
+    def lift(self):
+        self.emulate("Input.dispatchTouchEvent", {"type": "touchEnd", "touchPoints": []})
+
     def screenshot(self, path):
         with open(path, "wb") as file:
             file.write(base64.b64decode(self.send("GET", "/screenshot")))

@@ -102,6 +102,12 @@ class Check:
     def status(self):
         return self.browser.run("return document.getElementById('status').textContent")
 
+    def wait_for_status(self, text):
+        self.browser.wait("return document.getElementById('status').textContent.includes(arguments[0])", text)
+
+    def processor(self):
+        return self.browser.run("return document.getElementById('processor').textContent")
+
     def download(self):
         self.browser.click("#download")
         name = self.browser.run("return document.getElementById('download').textContent").removeprefix("Download ")
@@ -121,24 +127,31 @@ class Check:
         subprocess.run([self.kiln_as, *listing, "-o", output, *words], cwd=GALLERY, check=True, capture_output=True)
         return output.read_bytes()
 
-    def frame(self):
-        self.browser.run("document.getElementById('frame').click()")
-
-    def play(self, steps):
-        """Runs frame by frame, with keys held down, from the start of the program."""
+    def play(self, steps, touch=False):
+        """Runs frame by frame, with keys or the page's buttons held down, from the start of the program."""
         frames = 0
+
+        def press(move):
+            if touch:
+                self.browser.touch(f"[data-key=Arrow{move.capitalize()}]")
+            else:
+                self.browser.run("document.getElementById('screen').focus()")
+                self.browser.keys((ARROWS[move], DOWN))
+
+        def release(move):
+            self.browser.lift() if touch else self.browser.keys((ARROWS[move], UP))
+
         for step in steps:
             move, count = step.split(":")
             if move != "wait":
-                self.browser.run("document.getElementById('screen').focus()")
-                self.browser.keys((ARROWS[move], DOWN))
+                press(move)
             for _ in range(int(count)):
                 frames += 1
                 self.browser.run("document.getElementById('frame').click()")
                 self.browser.wait("return document.getElementById('screen').dataset.frames === arguments[0]",
                                   str(frames), seconds=10)
             if move != "wait":
-                self.browser.keys((ARROWS[move], UP))
+                release(move)
 
     def different_points(self, picture):
         """How many points of the screen differ from a picture file, which is twice as large."""
@@ -226,6 +239,52 @@ class Check:
             different = self.different_points(GALLERY / f"pictures/{name}.png")
             expect(different == 0, f"{name}: {different} points differ")
 
+    def test_is_played_with_a_finger(self):
+        self.open()
+        self.choose("04-player")
+        self.play(PICTURES["04-player"], touch=True)
+        different = self.different_points(GALLERY / "pictures/04-player.png")
+        expect(different == 0, f"{different} points differ")
+
+    def test_has_the_banks_of_the_layout(self):
+        for name, first, second in (("10-banks", 125, 64), ("11-split-banks", 100, 10)):
+            self.open()
+            self.choose(name)
+            source = (GALLERY / f"{name}.asm").read_text()
+            compare = "LDX $3F00\n        LDY $3F01\n        RTS"
+            self.type_source(source.replace("RTS", compare, 1))
+            self.browser.click("#frame")
+            registers = self.browser.wait("const text = document.getElementById('processor').textContent;"
+                                          "return text.startsWith('back in the system') && text")
+            expect(f"X ${first:02X}  Y ${second:02X}" in registers, f"{name}: {registers}")
+
+    def test_sounds(self):
+        self.open()
+        self.browser.run(
+            "window.heard = []; const set = AudioParam.prototype.setValueAtTime;"
+            "AudioParam.prototype.setValueAtTime = function (value, time) {"
+            "  window.heard.push(value); return set.call(this, value, time); }")
+        self.type_source("        .org $2000\nstart:  LDA #121\n        STA $D200\n        LDA #$AF\n        STA $D201\n"
+                         "        LDA #0\n        STA $D208\nloop:   JMP loop\n        .org $02E0\n        .word start\n")
+        self.browser.click("#run")
+        # Half the colour clock of 1,773,447 / 28 Hz, divided by the 122 that 121 means.
+        self.browser.wait("return window.heard.some((value) => Math.abs(value - 259.6) < 0.1)")
+
+    def test_gives_up_what_does_not_answer(self):
+        self.open()
+        self.browser.run(
+            "window.post = Worker.prototype.postMessage;"
+            "Worker.prototype.postMessage = function (message) {"
+            "  if (!['frame', 'assemble'].includes(message.kind)) window.post.call(this, message); }")
+        self.browser.click("#run")
+        self.wait_for_status("The machine took too long and was stopped.")
+        self.browser.run("const field = document.getElementById('command'); field.dispatchEvent(new Event('input'))")
+        self.wait_for_status("The assembler took too long and was stopped.")
+        self.browser.run("Worker.prototype.postMessage = window.post")
+        self.type_source("        .org $2000\nstart:  BRK\n        .org $02E0\n        .word start\n")
+        self.browser.click("#run")
+        self.wait_for_status("hit BRK")
+
     def test_runs_at_the_speed_of_the_machine(self):
         self.open()
         self.choose("12-music")
@@ -251,19 +310,35 @@ class Check:
         self.browser.run("document.getElementById('editor').focus()")
         self.browser.keys(("\ue009", DOWN), "\ue011", ("\ue009", UP), "\ue015", "\ue015", "\ue039")
         self.browser.click("#run")
-        self.browser.wait("return document.getElementById('status').textContent === 'Breakpoint at 01-text.asm:3.'")
-        registers = self.browser.run("return document.getElementById('processor').textContent")
+        self.wait_for_status("Breakpoint at 01-text.asm:3.")
+        registers = self.processor()
         expect("PC $2002" in registers and "X $03" in registers, registers)
         self.browser.click("#step")
-        self.browser.wait("return document.getElementById('status').textContent === 'Next at 01-text.asm:4.'")
-        registers = self.browser.run("return document.getElementById('processor').textContent")
+        self.wait_for_status("Next at 01-text.asm:4.")
+        registers = self.processor()
         expect("X $02" in registers, registers)
+
+    def test_marks_a_stop_only_where_it_is(self):
+        self.open()
+        self.choose("13-game")
+        self.browser.click("#step")
+        self.wait_for_status("Next at")
+        marked = f"return {EDITOR}.querySelectorAll('.stop').length"
+        expect(self.browser.run(marked) == 1, "the line is not marked")
+        tabs = "document.querySelectorAll('#files [role=tab]')"
+        shown = self.browser.run(f"return [...{tabs}].findIndex((tab) => tab.ariaSelected === 'true')")
+        self.browser.run(f"{tabs}[arguments[0]].click()", (shown + 1) % 2)
+        expect(self.browser.run(marked) == 0, "another file has a mark")
+        self.browser.click("#run")
+        self.browser.click("#pause")
+        self.browser.run(f"{tabs}[arguments[0]].click()", shown)
+        expect(self.browser.run(marked) == 0, "the mark stays")
 
     def test_says_why_a_program_stops(self):
         self.open()
         self.type_source("        .org $2000\nstart:  LDA #0\n        BRK\n        .org $02E0\n        .word start\n")
         self.browser.click("#run")
-        self.browser.wait("return document.getElementById('status').textContent.includes('hit BRK')")
+        self.wait_for_status("hit BRK")
         expect("01-text.asm:3" in self.status(), self.status())
 
     def test_links_carry_the_program(self):
