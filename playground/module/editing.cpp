@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "driver/output_file.h"
 #include "inspect/bank_windows.h"
 #include "inspect/cycle_listing.h"
 #include "inspect/map_svg.h"
