@@ -51,7 +51,7 @@ class Check:
         self.scratch = tempfile.TemporaryDirectory()
         self.downloads = pathlib.Path(self.scratch.name, "downloads")
         self.downloads.mkdir()
-        self.kiln_as, self.screenshots = kiln_as, pathlib.Path(screenshots)
+        self.kiln_as, self.screenshots = pathlib.Path(kiln_as).resolve(), pathlib.Path(screenshots)
         self.url = serve(folder)
         self.examples = json.loads(pathlib.Path(folder, "examples.json").read_text())
         self.browser = Browser(str(self.downloads))
