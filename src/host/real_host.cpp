@@ -10,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -100,6 +101,16 @@ std::optional<struct stat> statusOf(const std::string& path) {
 // True when the last call failed because files must not be created or renamed in the folder.
 bool isForbidden() { return errno == EACCES || errno == EPERM || errno == EROFS; }
 
+// False where the system or the file system has no such call.
+bool swapFiles(const std::string& a, const std::string& b) {
+#ifdef RENAME_EXCHANGE
+  return ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
+#else
+  (void)a, (void)b;
+  return false;
+#endif
+}
+
 // A new file in the folder of its target. It either becomes the target or is removed.
 class TemporaryFile {
  public:
@@ -124,8 +135,10 @@ class TemporaryFile {
   bool write(std::span<const std::string_view> parts) { return writeAll(file_.number(), parts); }
   bool setMode(mode_t mode) { return ::fchmod(file_.number(), mode) == 0; }
   bool close() { return file_.close(); }
-  // When this is false, errno says why.
-  bool become(const std::string& target) {
+  // When this is false, errno says why. An old target changes places with the new file and is removed: ext4 starts
+  // writing to the disk when a file is renamed over another, which costs a short program a tenth of its time.
+  bool become(const std::string& target, bool isThere) {
+    if (isThere && swapFiles(path_, target)) return true;
     isTemporary_ = ::rename(path_.c_str(), target.c_str()) != 0;
     return !isTemporary_;
   }
@@ -195,7 +208,7 @@ bool RealHost::writeFile(const std::string& path, std::span<const std::string_vi
   if (!file.write(parts)) return false;
   if (isThere && !file.setMode(status.st_mode & 07777)) return false;
   if (!file.close()) return false;
-  return file.become(path) || (isThere && isForbidden() && writeThrough(path, 0, parts));
+  return file.become(path, isThere) || (isThere && isForbidden() && writeThrough(path, 0, parts));
 }
 
 std::optional<std::vector<std::string>> RealHost::listDirectory(const std::string& path) const {
