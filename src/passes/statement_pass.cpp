@@ -5,6 +5,17 @@
 #include "source/statements.h"
 
 namespace kiln {
+namespace {
+
+// For a statement on each line, and a few more; less when most lines are empty. A list that has nearly as much stays.
+void makeRoom(const SourceLines& lines, std::vector<AsLine>& statements) {
+  const size_t expected = std::min(lines.count() + lines.count() / 16, lines.size() / 8) + 1;
+  if (statements.capacity() >= expected - expected / 32) return;
+  statements = {};
+  statements.reserve(expected);
+}
+
+}  // namespace
 
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
   symbols = seedSymbols(settings.seeds);
@@ -17,8 +28,7 @@ void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
 
 void parseStatements(const SourceLines& lines, Iteration& iteration) {
   StatementParser parser(iteration.evaluator, iteration.texts);
-  // Room for a statement on each line, and a few more; less when most lines are empty.
-  iteration.statements.lines.reserve(std::min(lines.count() + lines.count() / 16, lines.size() / 8) + 1);
+  makeRoom(lines, iteration.statements.lines);
   LineReader reader(lines.pieces());
   std::string_view line;
   uint32_t lineNumber = 0;
