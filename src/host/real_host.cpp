@@ -136,7 +136,7 @@ class TemporaryFile {
   bool setMode(mode_t mode) { return ::fchmod(file_.number(), mode) == 0; }
   bool close() { return file_.close(); }
   // When this is false, errno says why. An old target changes places with the new file and is removed: ext4 starts
-  // writing to the disk when a file is renamed over another, which costs a short program a tenth of its time.
+  // writing to the disk when a file is renamed over another, which costs a short program a sixth of its time.
   bool become(const std::string& target, bool isThere) {
     if (isThere && swapFiles(path_, target)) return true;
     isTemporary_ = ::rename(path_.c_str(), target.c_str()) != 0;
@@ -194,7 +194,7 @@ bool RealHost::isDirectory(const std::string& path) const {
   return status.has_value() && S_ISDIR(status->st_mode);
 }
 
-// Writes a new file and renames it to its target, so that there is always a whole file, the old one or the new one.
+// Writes a new file that takes the place of its target, so that there is always a whole file, the old or the new one.
 // Writes in place into devices, pipes and links, and where the folder allows no new files. A file with several links
 // stays one file.
 bool RealHost::writeFile(const std::string& path, std::span<const std::string_view> parts) {
