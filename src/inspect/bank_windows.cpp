@@ -38,6 +38,7 @@ std::vector<SwitchedWindow> switchedWindows(const Program& program, const Placem
   }
   const BankedSettings& settings = program.assembler.settings.banking;
   std::vector<SwitchedWindow> windows;
+  windows.reserve(kinds.size());
   for (const BankKind kind : kinds)
     windows.push_back(
         {windowOf(kind, settings), low16(bankRegister(settings, kind)), low16(highRegisterOf(kind, settings))});
