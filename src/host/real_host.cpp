@@ -102,11 +102,10 @@ std::optional<struct stat> statusOf(const std::string& path) {
 bool isForbidden() { return errno == EACCES || errno == EPERM || errno == EROFS; }
 
 // False where the system or the file system has no such call.
-bool swapFiles(const std::string& a, const std::string& b) {
+bool swapFiles([[maybe_unused]] const std::string& a, [[maybe_unused]] const std::string& b) {
 #ifdef RENAME_EXCHANGE
   return ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
 #else
-  (void)a, (void)b;
   return false;
 #endif
 }
