@@ -53,8 +53,9 @@ export class Backend {
     this.post({kind: "server", message: {jsonrpc: "2.0", method, params}});
   }
 
-  // The answer's result; null when there is none.
+  // The answer's result; null when there is none, or no worker to answer.
   request(method: string, params: object): Promise<unknown> {
+    if (this.worker === null) return Promise.resolve(null);
     const id = this.nextId++;
     return new Promise((resolve) => {
       this.answers.set(id, resolve);

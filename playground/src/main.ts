@@ -187,7 +187,7 @@ function showStopped(ended: "breakpoint" | "failure" | "step", processor: Proces
 }
 
 function open(program: Program): void {
-  player.stop();
+  player.unload();
   last = null;
   commandLine.value = program.commandLine;
   files.open(program);

@@ -63,10 +63,16 @@ export class Player {
     this.post({kind: "breakpoints", addresses: this.events.breakpoints()});
   }
 
-  stop(): void {
+  private stop(): void {
     this.isRunning = false;
     this.sound.silence();
     this.showButtons();
+  }
+
+  // The next step is one of the program that the editor has then.
+  unload(): void {
+    this.stop();
+    this.loaded = null;
   }
 
   private load(): boolean {

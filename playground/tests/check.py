@@ -281,9 +281,20 @@ class Check:
         self.browser.run("const field = document.getElementById('command'); field.dispatchEvent(new Event('input'))")
         self.wait_for_status("The assembler took too long and was stopped.")
         self.browser.run("Worker.prototype.postMessage = window.post")
+        self.browser.run(f"{EDITOR}.querySelector('.cm-content').focus()")
+        self.browser.keys(("\ue009", DOWN), " ", ("\ue009", UP))  # nobody is there to complete
+        time.sleep(1)
         self.type_source("        .org $2000\nstart:  BRK\n        .org $02E0\n        .word start\n")
         self.browser.click("#run")
         self.wait_for_status("hit BRK")
+        time.sleep(11)  # longer than any answer is waited for
+        expect("hit BRK" in self.status(), self.status())
+
+    def test_steps_the_program_that_was_opened_last(self):
+        self.open()
+        for name in ("04-player", "01-text"):
+            self.choose(name)
+            self.play(["wait:2"])  # fails when the frames of the other program are counted on
 
     def test_runs_at_the_speed_of_the_machine(self):
         self.open()
