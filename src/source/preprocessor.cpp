@@ -30,6 +30,10 @@ namespace {
 constexpr std::string_view macroWord = ".macro ";
 constexpr std::string_view includeWord = ".include ";
 
+// Characters that are searched for directives before their lines are counted: so few that they stay in the cache (3 %
+// of the time of a source of data lists).
+constexpr size_t window = size_t{64} * 1024;
+
 // The text after `word` when the line, without its leading blanks, begins with that word in any letter case once its
 // comment is off and it is trimmed; null data when it does not.
 std::string_view argumentOf(std::string_view start, std::string_view word) {
@@ -51,6 +55,13 @@ size_t findDirective(std::string_view text, size_t from) {
     if (begin == from || text[begin - 1] == '\n') return begin;
   }
   return text.size() + 1;
+}
+
+// The end of the last line that ends in the window at `from`, where a line begins, or of that line when it is longer.
+size_t windowEnd(std::string_view text, size_t from) {
+  if (text.size() - from <= window) return text.size();
+  const size_t end = text.rfind('\n', from + window);
+  return end != std::string_view::npos && end >= from ? end : std::min(text.find('\n', from + window), text.size());
 }
 
 size_t countLineEnds(std::string_view text) {
@@ -83,17 +94,13 @@ SourceLines Preprocessor::run(std::string_view text, std::string_view path) {
   return std::move(lines_);
 }
 
-// Keeps the lines before the next one that may be a .macro or an .include; false when there are none.
+// Keeps the lines of a window before the next one that may be a .macro or an .include; false when there are none.
 bool Preprocessor::keepPlainLines(OpenFile& file) {
-  const size_t end = findDirective(file.text, file.next);
+  const std::string_view text = file.text.substr(0, windowEnd(file.text, file.next));
+  const size_t end = findDirective(text, file.next);
   if (end == file.next) return false;
-  while (file.next < end) {
-    // Few enough lines for one step, even if all are empty.
-    const size_t enough = file.next + SourceLines::mostAtOnce / 2;
-    const size_t lineEnd = enough < end - 1 ? std::min(file.text.find('\n', enough), end - 1) : end - 1;
-    keepLines(file, file.text.substr(file.next, lineEnd - file.next));
-    file.next = lineEnd + 1;
-  }
+  keepLines(file, text.substr(file.next, end - 1 - file.next));
+  file.next = end;
   return true;
 }
 

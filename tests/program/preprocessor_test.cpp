@@ -84,6 +84,20 @@ TEST(Macros, AreReplacedOnceInEachFileThatTheirCallGoesThrough) {
   });
 }
 
+TEST(Includes, AreFoundAroundThePlacesWhereALargeFileIsCutForTheSearch) {
+  MemoryHost host;
+  host.files = {{"inc/b", "B"}};
+  const size_t window = 65536;
+  for (size_t size = window - 3; size <= window + 3; ++size) {
+    const std::string oneLine = std::string(size, ';') + "\n", emptyLines(size, '\n');
+    expectLines(host, {
+        {oneLine + ".include b\nNOP",            oneLine + "B\nNOP"},
+        {emptyLines + ".include b\nNOP",         emptyLines + "B\nNOP"},
+        {emptyLines + ".word 1\n \t.include b", emptyLines + ".word 1\nB"},
+    });
+  }
+}
+
 TEST(Includes, AreReplacedByTheLinesOfTheFirstFileThatIsSoundText) {
   MemoryHost host;
   host.directories = {"src/folder"};
