@@ -49,7 +49,7 @@ class BankMapper {
   void endRun(size_t lineIndex);
   void assign(const AsLine& line);
   bool isMain(uint32_t address, uint64_t size) const { return !isCloaked_ && mainMemory_.holds(address, size); }
-  const Symbol& known(HashedName name) const { return *iteration_.symbols.find(name.text(), name.hash()); }
+  const Symbol& known(HashedName name);
 
   Iteration& iteration_;
   const MainMemory& mainMemory_;
@@ -58,6 +58,7 @@ class BankMapper {
   PlacementWalker<BankMapper> walker_;
   BankCounters counters_;
   BankMap map_;
+  size_t nextSymbol_ = 0;  // index of the one after the last that was asked for
   bool isCloaked_ = false;
   bool inRun_ = false;                // the next bytes may belong to the last main run
   bool isAfterBank_ = false;          // no origin since the last ".bank", so labels are in its bank
@@ -86,6 +87,17 @@ void BankMapper::visit(const AsLine& line, HashedName label) {
   if (line.kind == Kind::Org || line.kind == Kind::Bank) isAfterBank_ = line.kind == Kind::Bank;
   if (rowOf(line.kind).moves) endRun(index);
   walker_.step(line);
+}
+
+// The symbol of a label or an assignment. The statements have entered their names in this order, so it is mostly the
+// next one (half of the time of this pass).
+const Symbol& BankMapper::known(HashedName name) {
+  const std::vector<Symbol>& symbols = iteration_.symbols.symbols();
+  const bool isNext = nextSymbol_ < symbols.size() && symbols[nextSymbol_].name.data() == name.text().data() &&
+                      symbols[nextSymbol_].name.size() == name.text().size();
+  const Symbol& symbol = isNext ? symbols[nextSymbol_] : *iteration_.symbols.find(name.text(), name.hash());
+  nextSymbol_ = symbol.index + 1;
+  return symbol;
 }
 
 // The next bytes are somewhere else.

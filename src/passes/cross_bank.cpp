@@ -26,15 +26,16 @@
 namespace kiln {
 namespace {
 
-// A call to be staged: the statement's number among those of its source line, and its target.
+// A JSR or JMP: the statement's number among those of its source line, and its target.
 struct Call {
-  size_t line;  // index of the source line
-  size_t ordinal;
-  std::string_view operand;
+  uint32_t line;  // index of the source line
+  uint32_t ordinal;
+  uint32_t bank;       // that it comes from, 0 = none
+  HashedName operand;  // with its nameHash
 };
 
 // The symbol that the operand of a call begins with, as the evaluator finds it. `hash` is the nameHash() of the
-// operand.
+// operand, or 0.
 const Symbol* findTarget(const SymbolTable& symbols, std::string_view operand, uint32_t hash) {
   const std::string_view name = leadingSymbol(operand);
   if (name.empty()) return nullptr;
@@ -42,31 +43,38 @@ const Symbol* findTarget(const SymbolTable& symbols, std::string_view operand, u
 }
 
 bool mayCall(const AsLine& line) {
-  return line.kind == Kind::Instruction && line.mode == Mode::Absolute &&
-         (line.mnemonic == Mnemonic::JSR || line.mnemonic == Mnemonic::JMP);
+  return (line.mnemonic == Mnemonic::JSR || line.mnemonic == Mnemonic::JMP) && line.mode == Mode::Absolute;
 }
 
+// The calls to labels anywhere.
 std::vector<Call> findCalls(const Iteration& iteration) {
   std::vector<Call> calls;
   uint32_t currentBank = 0;
   uint32_t lineNumber = 0;
-  size_t ordinal = 0;
-  LookAhead ahead(iteration.symbols, iteration.statements.lines, [](const AsLine& line) {
-    return mayCall(line) ? HashedName(line.operand(), line.nameHash) : HashedName();
-  });
+  uint32_t ordinal = 0;
   for (const AsLine& line : iteration.statements.lines) {
-    ahead.step();
+    fetchAhead(line);
     if (line.kind == Kind::Org) currentBank = 0;
     if (line.kind == Kind::Bank) currentBank = iteration.bankNumbers.at(line.operand());
     if (line.autoSpill) continue;
     ordinal = line.lineNumber == lineNumber ? ordinal + 1 : 0;
     lineNumber = line.lineNumber;
     if (!mayCall(line)) continue;
-    const Symbol* const target = findTarget(iteration.symbols, line.operand(), line.nameHash);
-    if (target == nullptr || target->bank == 0 || target->bank == currentBank) continue;
-    calls.push_back({lineNumber - 1, ordinal, line.operand()});
+    calls.push_back({lineNumber - 1, ordinal, currentBank, HashedName(line.operand(), line.nameHash)});
   }
   return calls;
+}
+
+// Those into another bank.
+std::vector<Call> findCrossing(const SymbolTable& symbols, const std::vector<Call>& calls) {
+  std::vector<Call> crossing;
+  LookAhead ahead(symbols, calls, [](const Call& call) { return call.operand; });
+  for (const Call& call : calls) {
+    ahead.stepToFind();
+    const Symbol* const target = findTarget(symbols, call.operand.text(), call.operand.hash());
+    if (target != nullptr && target->bank != 0 && target->bank != call.bank) crossing.push_back(call);
+  }
+  return crossing;
 }
 
 // Lines to be put after a source line.
@@ -115,7 +123,7 @@ class CallStager {
 
 Rewrite CallStager::run(std::vector<Call> calls) {
   // Where the writer switches no bank, there is none to switch to.
-  const auto isUnbanked = [this](const Call& call) { return bankOf(call.operand) == nullptr; };
+  const auto isUnbanked = [this](const Call& call) { return bankOf(call.operand.text()) == nullptr; };
   calls.erase(std::remove_if(calls.begin(), calls.end(), isUnbanked), calls.end());
   setSymbols();
   stage(calls);
@@ -191,7 +199,7 @@ std::string_view CallStager::editLine(std::string_view line, const Call* begin, 
     if (!statement.has_value()) break;
     if (ordinal != begin->ordinal) continue;
     const std::string_view operand = writtenOperand(*statement);
-    edited.append(copied, operand.data()).append(stageRoutineName(targetNumber(begin->operand), state_.texts));
+    edited.append(copied, operand.data()).append(stageRoutineName(targetNumber(begin->operand.text()), state_.texts));
     copied = operand.data() + operand.size();
     ++begin;
   }
@@ -285,7 +293,7 @@ bool CallStager::hasRoom(const MainRun& run, uint32_t size, const std::vector<ui
 Rewrite stageCrossBankCalls(Iteration& iteration, const SourceLines& lines, const BankedSettings& settings,
                             const ShadowPlan& shadowPlan, RewriteState& state) {
   if (settings.codeBankRegister == 0 || iteration.bankNumbers.empty()) return {};
-  std::vector<Call> calls = findCalls(iteration);
+  std::vector<Call> calls = findCrossing(iteration.symbols, findCalls(iteration));
   if (calls.empty() && state.stageTargets.operands.empty()) return {};
   return CallStager(iteration, lines, settings, shadowPlan, state).run(std::move(calls));
 }

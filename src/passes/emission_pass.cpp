@@ -168,7 +168,7 @@ std::vector<AsSegment> emit(Iteration& iteration, uint32_t bankOrigin, Diagnosti
   LookAhead ahead(iteration.symbols, lines,
                   [](const AsLine& line) { return HashedName(line.operand(), line.nameHash); });
   for (const AsLine& line : lines) {
-    ahead.step();
+    ahead.stepToFind();
     walker.step(line);
   }
   return emission.takeSegments();

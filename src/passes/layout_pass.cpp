@@ -50,7 +50,8 @@ void LayoutPass::run() {
   LabelReader labels(iteration_.statements.labels);
   LookAhead ahead(iteration_.symbols, iteration_.statements.labels, [](HashedName label) { return label; });
   for (size_t i = 0; i < lines.size(); ++i) {
-    if (lines[i].hasLabel) ahead.step();
+    fetchAhead(lines[i]);
+    if (lines[i].hasLabel) ahead.stepToEnter();
     const HashedName label = labels.of(lines[i]);
     if (guard_.regions().count() != 0) {
       layOutWithSpills(i, label);

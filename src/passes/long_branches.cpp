@@ -24,23 +24,31 @@
 namespace kiln {
 namespace {
 
-// A branch at its address, 0..65535.
+// A branch at its address, 0..65535. The copy of its operand saves a look at the statement, which may have left the
+// caches.
 struct Branch {
-  const AsLine* line;
+  HashedName target;   // the operand with its nameHash
+  uint32_t statement;  // index
   uint32_t address;
 };
 
 // The branches with an operand. All origins are evaluated here, before any branch is: their warnings come first.
 std::vector<Branch> findBranches(Iteration& iteration, uint32_t bankOrigin) {
   std::vector<Branch> branches;
+  branches.reserve(iteration.statements.branches);
   uint32_t address = 0;
-  for (const AsLine& line : iteration.statements.lines) {
+  const std::vector<AsLine>& lines = iteration.statements.lines;
+  for (uint32_t i = 0; i < lines.size(); ++i) {
+    const AsLine& line = lines[i];
+    fetchAhead(line);
     if (line.kind == Kind::Org) {
       address = low16(iteration.evaluator.evaluate(line.operand()));
     } else if (line.kind == Kind::Bank) {
       address = bankOrigin;
     } else {
-      if (line.kind == Kind::Instruction && line.mode == Mode::Relative) branches.push_back({&line, address});
+      if (line.kind == Kind::Instruction && line.mode == Mode::Relative) {
+        branches.push_back({HashedName(line.operand(), line.nameHash), i, address});
+      }
       address = (address + line.size) & 0xFFFF;
     }
   }
@@ -66,14 +74,14 @@ std::vector<std::string_view> replacement(const AsLine& branch, RewriteState& st
 Rewrite rewriteLongBranches(Iteration& iteration, uint32_t bankOrigin, RewriteState& state) {
   Rewrite rewrite;
   const std::vector<Branch> branches = findBranches(iteration, bankOrigin);
-  LookAhead ahead(iteration.symbols, branches,
-                  [](const Branch& branch) { return HashedName(branch.line->operand(), branch.line->nameHash); });
-  for (const auto& [line, address] : branches) {
-    ahead.step();
-    if (reaches(iteration.evaluator.evaluate(line->operand(), line->nameHash), address)) continue;
-    const size_t index = line->lineNumber - 1;
+  LookAhead ahead(iteration.symbols, branches, [](const Branch& branch) { return branch.target; });
+  for (const auto& [target, statement, address] : branches) {
+    ahead.stepToFind();
+    if (reaches(iteration.evaluator.evaluate(target.text(), target.hash()), address)) continue;
+    const AsLine& line = iteration.statements.lines[statement];
+    const size_t index = line.lineNumber - 1;
     if (!rewrite.edits.empty() && rewrite.edits.back().index == index) continue;
-    rewrite.edits.push_back({index, replacement(*line, state)});
+    rewrite.edits.push_back({index, replacement(line, state)});
   }
   rewrite.count = rewrite.edits.size();
   return rewrite;

@@ -16,22 +16,29 @@ namespace {
 
 constexpr int iterationLimit = 8;
 
-// Empty lists with the memory of those of the round before (a fifteenth of the time of a large program with long
+// An empty iteration that has the memory of the one before (a twelfth of the time of a large program with long
 // branches).
-Statements emptyStatements(Assembler& assembler) {
+Iteration& beginIteration(Assembler& assembler) {
   Statements statements;
-  if (assembler.iteration.has_value()) statements = std::move(assembler.iteration->statements);
+  SymbolTable symbols;
+  if (assembler.iteration.has_value()) {
+    statements = std::move(assembler.iteration->statements);
+    symbols = std::move(assembler.iteration->symbols);
+  }
   statements.lines.clear();
   statements.labels.clear();
-  return statements;
+  statements.branches = 0;
+  symbols.clear();
+  Iteration& iteration = assembler.iteration.emplace(assembler.diagnostics.warnings);
+  iteration.statements = std::move(statements);
+  iteration.symbols = std::move(symbols);
+  return iteration;
 }
 
 void parseAndLayOut(Assembler& assembler) {
   assembler.diagnostics.errors.clear();
   assembler.diagnostics.warnings.clear();
-  Statements statements = emptyStatements(assembler);
-  Iteration& iteration = assembler.iteration.emplace(assembler.diagnostics.warnings);
-  iteration.statements = std::move(statements);
+  Iteration& iteration = beginIteration(assembler);
   enterInitialSymbols(assembler.settings, iteration.symbols);
   parseStatements(assembler.lines, iteration);
   // All statements exist and have their sizes; none has an address.

@@ -18,7 +18,7 @@ void makeRoom(const SourceLines& lines, std::vector<AsLine>& statements) {
 }  // namespace
 
 void enterInitialSymbols(const Settings& settings, SymbolTable& symbols) {
-  symbols = seedSymbols(settings.seeds);
+  enterSeeds(settings.seeds, symbols);
   const BankedSettings& banking = settings.banking;
   if (banking.codeBankRegister != 0) symbols.set("__bank_code_reg", banking.codeBankRegister);
   if (banking.dataBankRegister != 0) symbols.set("__bank_data_reg", banking.dataBankRegister);

@@ -55,6 +55,7 @@ static_assert(sizeof(AsLine) <= 32 || sizeof(void*) != 8);
 struct Statements {
   std::vector<AsLine> lines;
   std::vector<HashedName> labels;  // qualified with their scopes; one for each line with hasLabel, in the same order
+  size_t branches = 0;             // lines with Mode::Relative
 };
 
 // Walks the labels beside the statements.

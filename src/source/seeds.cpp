@@ -92,8 +92,7 @@ Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& paths) 
   return seeds;
 }
 
-SymbolTable seedSymbols(const Seeds& seeds) {
-  SymbolTable symbols;
+void enterSeeds(const Seeds& seeds, SymbolTable& symbols) {
   size_t expectedCount = equates.size();
   for (std::string_view text : seeds.files)
     expectedCount += text.size() / usualDefinition;
@@ -104,10 +103,9 @@ SymbolTable seedSymbols(const Seeds& seeds) {
     while (lines.next(line))
       readDefinition(line, symbols);
   }
-  if (!symbols.symbols().empty()) return symbols;
+  if (!symbols.symbols().empty()) return;
   for (const Equate& equate : equates)
     enterSeed(equate.name, equate.value, symbols);
-  return symbols;
 }
 
 bool isBuiltInName(std::string_view name) {

@@ -21,9 +21,9 @@ struct Seeds {
 // Reads the files. Those that cannot be used are ignored.
 Seeds loadSeeds(const FileReader& files, const std::vector<std::string>& paths);
 
-// The definitions in the symbol files, or the built-in Atari equates when there are none. The last definition of a name
-// counts. The names are views of the texts.
-SymbolTable seedSymbols(const Seeds& seeds);
+// Enters the definitions in the symbol files, or the built-in Atari equates when there are none, into an empty table.
+// The last definition of a name counts. The names are views of the texts.
+void enterSeeds(const Seeds& seeds, SymbolTable& symbols);
 
 // True for the name of a built-in equate, in any letter case.
 bool isBuiltInName(std::string_view name);

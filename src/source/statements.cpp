@@ -85,6 +85,7 @@ void StatementParser::append(std::string_view text, const LineShape& shape, uint
   line.lineNumber = lineNumber;
   line.longBranchMarked = shape.marked();
   if (!text.empty()) parseStatement(text, shape, line, statements.labels);
+  if (line.mode == Mode::Relative) ++statements.branches;
 }
 
 // A character that the line does not have, its statement does not have.

@@ -28,16 +28,23 @@ bool hasNameIgnoringCase(const Symbol& symbol, std::string_view name, const Name
 }  // namespace
 
 void SymbolTable::reserve(size_t count) {
-  symbols_.reserve(count);
+  // Assignments, banks and the rewriters of lines add a few names to the labels that a caller has counted.
+  if (symbols_.capacity() < count) symbols_.reserve(count + count / 8);
   size_t slotCount = 64;
   while (slotCount < count * 2)
     slotCount *= 2;
   if (slotCount > slots_.size()) rebuild(slotCount);
 }
 
+void SymbolTable::clear() {
+  symbols_.clear();
+  slots_.clear();
+  hasDigitNames_ = false;
+}
+
 // The slot that holds the name, or the free one where it belongs. An index is never full.
 SymbolTable::Place SymbolTable::placeOf(std::string_view name, const NameEnds& ends, uint32_t hash) const {
-  const size_t at = hash & mask();
+  const size_t at = hash & mask_;
   const Slot slot = slots_[at];
   if (slot == 0 || (isMarked(slot, hash) && hasName(symbolOf(slot), name, ends))) return {at, hash};
   return search(name, ends, hash);
@@ -45,32 +52,33 @@ SymbolTable::Place SymbolTable::placeOf(std::string_view name, const NameEnds& e
 
 SymbolTable::Place SymbolTable::search(std::string_view name, const NameEnds& ends, uint32_t hash) const {
   size_t crowd = 0;
-  size_t at = hash & mask();
+  size_t at = hash & mask_;
   while (const Slot slot = slots_[at]) {
     if (isMarked(slot, hash)) {
       if (hasName(symbolOf(slot), name, ends)) break;
       if (hasNameIgnoringCase(symbolOf(slot), name, ends) && ++crowd == largestCrowd) {
         hash = exactHash(name);
-        at = hash & mask();
+        at = hash & mask_;
         continue;
       }
     }
-    at = (at + 1) & mask();
+    at = (at + 1) & mask_;
   }
   return {at, hash};
 }
 
 const Symbol* SymbolTable::symbolAt(size_t at) const {
-  const size_t number = slots_[at] & mask();
+  const size_t number = slots_[at] & mask_;
   return number == 0 ? nullptr : &symbols_[number - 1];
 }
 
 void SymbolTable::occupy(Place place, size_t index) {
-  slots_[place.at] = (place.hash & ~mask()) | static_cast<uint32_t>(index + 1);
+  slots_[place.at] = (place.hash & ~mask_) | static_cast<uint32_t>(index + 1);
 }
 
 void SymbolTable::rebuild(size_t slotCount) {
   slots_.assign(slotCount, 0);
+  mask_ = static_cast<uint32_t>(slotCount - 1);
   for (const Symbol& symbol : symbols_)
     occupy(placeOf(symbol.name, symbol.ends, symbolHash(symbol.name)), symbol.index);
 }
@@ -88,10 +96,10 @@ const Symbol* SymbolTable::find(std::string_view name, uint32_t hash) const {
 const Symbol* SymbolTable::findIgnoringCase(std::string_view name, uint32_t hash) const {
   if (slots_.empty()) return nullptr;
   const NameEnds ends = endsOf(name.data(), name.size());
-  size_t at = hash & mask();
+  size_t at = hash & mask_;
   while (const Slot slot = slots_[at]) {
     if (isMarked(slot, hash) && hasNameIgnoringCase(symbolOf(slot), name, ends)) return symbolAt(at);
-    at = (at + 1) & mask();
+    at = (at + 1) & mask_;
   }
   return nullptr;
 }
@@ -106,7 +114,7 @@ SymbolTable::Entry SymbolTable::enter(HashedName name) {
   const std::string_view text = name.text();
   const NameEnds ends = endsOf(text.data(), text.size());
   const Place place = placeOf(text, ends, name.hash());
-  const size_t number = slots_[place.at] & mask();
+  const size_t number = slots_[place.at] & mask_;
   if (number != 0) return {symbols_[number - 1], false};
   occupy(place, symbols_.size());
   symbols_.push_back({.name = text, .ends = ends, .index = static_cast<uint32_t>(symbols_.size())});

@@ -43,8 +43,10 @@ struct Symbol {
 // Names are views: their texts have to outlive the table. A pointer to a symbol is valid until the next enter().
 class SymbolTable {
  public:
-  // Makes room for `count` names in all.
+  // Makes room for `count` names in all, and a few more.
   void reserve(size_t count);
+  // Forgets all names, but keeps the memory.
+  void clear();
 
   // The symbol with exactly this name; null when there is none. `hash` is always symbolHash() of the name.
   const Symbol* find(std::string_view name) const;
@@ -57,12 +59,12 @@ class SymbolTable {
 
   // True when the table is too large for the caches near the processor. A look-up then waits for memory twice, unless
   // these two are called some time before it: fetchSlot() first, which loads what fetchSymbol() reads. Any number will
-  // do as a hash.
+  // do as a hash. A name that is new needs the first alone.
   bool isLarge() const { return slots_.size() > 0x10000; }
-  void fetchSlot(uint32_t hash) const { prefetch(&slots_[hash & mask()]); }
+  void fetchSlot(uint32_t hash) const { prefetch(&slots_[hash & mask_]); }
   void fetchSymbol(uint32_t hash) const {
     // From the first slot alone, which is nearly always the right one.
-    const size_t number = slots_[hash & mask()] & mask();
+    const size_t number = slots_[hash & mask_] & mask_;
     if (number == 0) return;
     prefetch(&symbols_[number - 1].name);
     prefetch(&symbols_[number - 1].value);
@@ -94,9 +96,8 @@ class SymbolTable {
     uint32_t hash;
   };
 
-  bool isMarked(Slot slot, uint32_t hash) const { return ((slot ^ hash) & ~mask()) == 0; }
-  const Symbol& symbolOf(Slot slot) const { return symbols_[(slot & mask()) - 1]; }
-  uint32_t mask() const { return static_cast<uint32_t>(slots_.size() - 1); }
+  bool isMarked(Slot slot, uint32_t hash) const { return ((slot ^ hash) & ~mask_) == 0; }
+  const Symbol& symbolOf(Slot slot) const { return symbols_[(slot & mask_) - 1]; }
   Place placeOf(std::string_view name, const NameEnds& ends, uint32_t hash) const;
   Place search(std::string_view name, const NameEnds& ends, uint32_t hash) const;
   const Symbol* symbolAt(size_t at) const;
@@ -105,6 +106,7 @@ class SymbolTable {
 
   std::vector<Symbol> symbols_;
   std::vector<Slot> slots_;
+  uint32_t mask_ = 0;  // the lower n bits
   bool hasDigitNames_ = false;
 };
 

@@ -175,7 +175,8 @@ TEST(Documents, ListInstructionsAndNames) {
   expectGenerated("instructions", table);
 
   std::set<std::string> names;
-  const SymbolTable symbols = seedSymbols(Seeds());
+  SymbolTable symbols;
+  enterSeeds({}, symbols);
   for (const Symbol& equate : symbols.symbols()) {
     const std::string name = (std::string(equate.name) + "       ").substr(0, 8);
     names.insert((name + dollarHex(equate.value, equate.value > 0xFF ? 4 : 2) + "     ").substr(0, 16));

@@ -255,7 +255,8 @@ Names settledNames(const MemoryHost& host, const std::string& line) {
   Options options;
   const Settings settings = settled(host, line, options);
   Names names;
-  const SymbolTable symbols = seedSymbols(settings.seeds);
+  SymbolTable symbols;
+  enterSeeds(settings.seeds, symbols);
   for (const Symbol& symbol : symbols.symbols())
     names.emplace_back(symbol.name, symbol.value);
   return names;

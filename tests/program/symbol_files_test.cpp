@@ -20,7 +20,8 @@ std::string readShared(const std::string& name) {
 
 std::map<std::string, int64_t> namesOf(const Seeds& seeds) {
   std::map<std::string, int64_t> names;
-  const SymbolTable table = seedSymbols(seeds);
+  SymbolTable table;
+  enterSeeds(seeds, table);
   for (const Symbol& symbol : table.symbols())
     names.emplace(symbol.name, symbol.value);
   return names;
