@@ -1,7 +1,6 @@
 // How a text is taken apart: a "<" or ">" in front applies to the whole rest. Otherwise the text is cut at every "+"
-// and
-// "-" outside parentheses, else at every "*" and "/", but never at its first character; the parts are evaluated from
-// left to right by the same rules. Depth is counted from the right end, which gives unbalanced parentheses their
+// and "-" outside parentheses, else at every "*" and "/", but never at its first character; the parts are evaluated
+// from left to right by the same rules. Depth is counted from the right end, which gives unbalanced parentheses their
 // defined meaning. One walk finds all operators and orders them by depth and place; bisection then finds those of a
 // part, and a stack of pending operations replaces recursion.
 #include "source/expression.h"
@@ -16,14 +15,23 @@
 namespace kiln {
 namespace {
 
-constexpr std::array<bool, 256> makeOperators() {
-  std::array<bool, 256> operators{};
-  for (char c : {'+', '-', '*', '/'})
-    operators[static_cast<unsigned char>(c)] = true;
-  return operators;
+// What a character means between operands, as bits.
+constexpr uint8_t sumSign = 1;
+constexpr uint8_t productSign = 2;
+constexpr uint8_t nesting = 4;
+
+constexpr std::array<uint8_t, 256> makeMeanings() {
+  std::array<uint8_t, 256> meanings{};
+  for (char c : {'+', '-'})
+    meanings[static_cast<unsigned char>(c)] = sumSign;
+  for (char c : {'*', '/'})
+    meanings[static_cast<unsigned char>(c)] = productSign;
+  for (char c : {'(', ')', '<', '>'})
+    meanings[static_cast<unsigned char>(c)] = nesting;
+  return meanings;
 }
 
-constexpr std::array<bool, 256> operators = makeOperators();
+constexpr std::array<uint8_t, 256> meanings = makeMeanings();
 
 constexpr std::array<bool, 256> makeNameParts() {
   std::array<bool, 256> parts{};
@@ -34,12 +42,14 @@ constexpr std::array<bool, 256> makeNameParts() {
 
 constexpr std::array<bool, 256> nameParts = makeNameParts();
 
-bool isOperator(char c) { return operators[static_cast<unsigned char>(c)]; }
+uint8_t meaningOf(char c) { return meanings[static_cast<unsigned char>(c)]; }
 
-// True for literals and names alone, which is what nearly every operand is.
-bool isSinglePart(std::string_view text) {
-  if (text.front() == '<' || text.front() == '>' || text.front() == '(') return false;
-  return std::none_of(text.begin() + 1, text.end(), isOperator);
+// The meanings of all characters but the first, which is no operator.
+uint8_t meaningsIn(std::string_view text) {
+  uint8_t found = meaningOf(text.front()) & nesting;
+  for (char c : text.substr(1))
+    found |= meaningOf(c);
+  return found;
 }
 
 int64_t combine(int64_t left, char sign, int64_t right) {
@@ -57,16 +67,23 @@ int64_t combine(int64_t left, char sign, int64_t right) {
 
 }  // namespace
 
-// Most operands are a name, or a name with "<" or ">" before it: they need no operators and no stack.
+// Most operands are a name, a name with "<" or ">" before it, or a name and a number: they need no stack.
 int64_t Evaluator::expressionValue(std::string_view text) {
   const char front = text.front();
   if (front == '<' || front == '>') {
     const std::string_view rest = trim(text.substr(1));
-    if (rest.empty() || !isSinglePart(rest)) return nestedValue(text);
+    if (rest.empty() || meaningsIn(rest) != 0) return nestedValue(text);
     const int64_t value = leafValue(rest);
     return front == '<' ? lowByte(value) : highByte(value);
   }
-  return isSinglePart(text) ? leafValue(text) : nestedValue(text);
+  switch (meaningsIn(text)) {
+    case 0:
+      return leafValue(text);
+    case sumSign:
+      return sumValue(text);
+    default:
+      return nestedValue(text);
+  }
 }
 
 int64_t Evaluator::sizingValue(std::string_view text, uint32_t hash) const {
@@ -81,6 +98,22 @@ int64_t Evaluator::sizingValue(std::string_view text, uint32_t hash) const {
   if (isDecimalLiteral(text)) return parseDecimal(text);
   const Symbol* const symbol = symbols_.find(text);
   return symbol != nullptr ? symbol->value : 256;
+}
+
+// The same as nestedValue() for a sum of names and literals.
+int64_t Evaluator::sumValue(std::string_view text) {
+  int64_t value = 0;
+  char sign = '+';
+  size_t begin = 0;
+  for (size_t end = 1; end <= text.size(); ++end) {
+    if (end < text.size() && meaningOf(text[end]) == 0) continue;
+    const std::string_view leaf = trim(text.substr(begin, end - begin));
+    value = combine(value, sign, leaf.empty() ? 0 : leafValue(leaf));
+    if (end == text.size()) break;
+    sign = text[end];
+    begin = end + 1;
+  }
+  return value;
 }
 
 int64_t Evaluator::nestedValue(std::string_view text) {
@@ -105,8 +138,8 @@ void Evaluator::findOperators(std::string_view text) {
     const char c = text[at];
     if (c == ')') ++depth;
     if (c == '(') --depth;
-    if (depth < 0 || !isOperator(c)) continue;
-    std::vector<Operator>& found = c == '+' || c == '-' ? sums_ : products_;
+    if (depth < 0 || (meaningOf(c) & (sumSign | productSign)) == 0) continue;
+    std::vector<Operator>& found = meaningOf(c) == sumSign ? sums_ : products_;
     found.push_back({static_cast<size_t>(depth), at, c});
   }
   const auto byDepthAndPlace = [](const Operator& a, const Operator& b) {

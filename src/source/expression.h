@@ -66,6 +66,7 @@ class Evaluator {
   };
 
   int64_t expressionValue(std::string_view text);
+  int64_t sumValue(std::string_view text);
   int64_t nestedValue(std::string_view text);
   void findOperators(std::string_view text);
   bool open(std::string_view text, Part& part);

@@ -47,6 +47,9 @@ TEST_F(Expression, HasTheValueOfItsParts) {
       {"10-2*3/4*5-2",                    3},
       {"0-20/3",                          -6},
       {"7/0",                             0},
+      // A missing operand is 0, and the first character is no operator.
+      {" 9 +- 2 -",                       7},
+      {"*+page-5",                        250, {"*"}},
       // "<" and ">" take the whole product after them.
       {"1+<$1234+1",                      0x36},
       {"2*<$0103*2",                      12},
