@@ -37,7 +37,8 @@ struct Settings {
   BankedSettings banking;           // the bank window is the code window: both ends 0 = none
 };
 
-// The results of one iteration. Each iteration starts with a new one, so nothing is left over from the one before.
+// The results of one iteration. Each iteration starts with an empty one, so nothing but memory is left over from the
+// one before.
 struct Iteration {
   explicit Iteration(MessageList& warnings) : evaluator(symbols, warnings) {}
   Iteration(const Iteration&) = delete;

@@ -1,4 +1,4 @@
-// Fetches symbols from memory before they are looked up.
+// Fetches symbols and statements from memory before they are needed.
 #pragma once
 
 #include <vector>
